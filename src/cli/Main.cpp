@@ -1,0 +1,215 @@
+// qlex-cli: the headless entry of the system, for batch work and tests. Arguments run left to right;
+// standard output carries only results, the log goes to standard error and to Logfile.txt.
+
+#include "cli/HeadlessSystem.h"
+#include "cli/World.h"
+#include "logging/Log.h"
+#include "script/Parser.h"
+#include "util/FileSystem.h"
+#include "util/StringUtil.h"
+
+#include <cmath>
+#include <cstdio>
+#include <iostream>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+const int EXIT_OK = 0;
+const int EXIT_UNREADABLE_FILE = 1;
+const int EXIT_BAD_ARGUMENT = 2;
+const unsigned ALL_LEVELS = 31;
+const char* const LOG_FILE = "Logfile.txt";
+
+class CommandLine
+{
+public:
+    explicit CommandLine(std::vector<util::String> args) : m_args(std::move(args)) {}
+
+    int Run();
+
+private:
+    bool Next(util::String& value);
+    int Fail(int code, const util::String& message);
+    void RunCommand(const util::String& text);
+    void RunStandardInput();
+    int Steps(long count);
+
+    std::vector<util::String> m_args;
+    size_t m_index = 0;
+    cli::World m_world;
+};
+
+bool CommandLine::Next(util::String& value)
+{
+    if (m_index >= m_args.size())
+        return false;
+    value = m_args[m_index++];
+    return true;
+}
+
+int CommandLine::Fail(int code, const util::String& message)
+{
+    Log(logging::Error, message);
+    return code;
+}
+
+void CommandLine::RunCommand(const util::String& text)
+{
+    std::cout << script::Parser::GetInstancePtr()->ExecuteToString(text) << '\n';
+    std::cout.flush();
+    // Each command is a frame of its own: an error that repeats the last command's still shows.
+    logging::Logger::GetInstancePtr()->Update();
+    logging::Logger::GetInstancePtr()->Update();
+}
+
+void CommandLine::RunStandardInput()
+{
+    util::String line;
+    while (!cli::HeadlessSystem::GetInstancePtr()->IsExitRequested() && std::getline(std::cin, line))
+        RunCommand(line);
+}
+
+int CommandLine::Steps(long count)
+{
+    if (!m_world.step)
+        return Fail(EXIT_BAD_ARGUMENT, "The simulation is not part of this build of qlex-cli");
+    for (long i = 0; i < count; ++i)
+    {
+        m_world.step();
+        script::Parser::GetInstancePtr()->Update();
+    }
+    return EXIT_OK;
+}
+
+int CommandLine::Run()
+{
+    cli::JoinSubsystems(m_world);
+    if (m_args.empty())
+    {
+        RunStandardInput();
+        return EXIT_OK;
+    }
+
+    util::String arg;
+    while (!cli::HeadlessSystem::GetInstancePtr()->IsExitRequested() && Next(arg))
+    {
+        util::String value;
+        if (arg == "-")
+        {
+            RunStandardInput();
+        }
+        else if (arg == "--workdir")
+        {
+            if (!Next(value))
+                return Fail(EXIT_BAD_ARGUMENT, "--workdir needs a directory");
+            util::FileSystem::GetInstancePtr()->SetWorkDir(value);
+        }
+        else if (arg == "-e" || arg == "--exec")
+        {
+            if (!Next(value))
+                return Fail(EXIT_BAD_ARGUMENT, arg + " needs a text to run");
+            RunCommand(value);
+        }
+        else if (arg == "--load" || arg == "--save")
+        {
+            if (!Next(value))
+                return Fail(EXIT_BAD_ARGUMENT, arg + " needs a file");
+            const auto& action = arg == "--load" ? m_world.load : m_world.save;
+            if (!action)
+                return Fail(EXIT_BAD_ARGUMENT, "Scenes are not part of this build of qlex-cli: " + arg);
+            if (!action(value))
+                return Fail(EXIT_UNREADABLE_FILE, "Can't " + arg.substr(2) + " \"" + value + "\"");
+        }
+        else if (arg == "--steps" || arg == "--seconds")
+        {
+            if (!Next(value))
+                return Fail(EXIT_BAD_ARGUMENT, arg + " needs a number");
+            long count = 0;
+            try
+            {
+                if (arg == "--steps")
+                {
+                    count = util::FromString<int>(value);
+                }
+                else
+                {
+                    double seconds = util::FromString<double>(value);
+                    if (!m_world.timeDelta)
+                        return Fail(EXIT_BAD_ARGUMENT, "The simulation is not part of this build of qlex-cli");
+                    count = std::lround(seconds / m_world.timeDelta());
+                }
+            }
+            catch (std::exception& e)
+            {
+                return Fail(EXIT_BAD_ARGUMENT, arg + ": " + e.what());
+            }
+            int code = Steps(count);
+            if (code != EXIT_OK)
+                return code;
+        }
+        else if (arg == "--stats")
+        {
+            if (!m_world.stats)
+                return Fail(EXIT_BAD_ARGUMENT, "The simulation is not part of this build of qlex-cli");
+            std::cout << m_world.stats();
+            std::cout.flush();
+        }
+        else
+        {
+            return Fail(EXIT_BAD_ARGUMENT, "Unknown argument: " + arg);
+        }
+    }
+    return EXIT_OK;
+}
+
+// The log and the work directory come first, so that everything after may log; a --workdir anywhere
+// on the line also decides where Logfile.txt goes.
+void SetUp(const std::vector<util::String>& args, const char* argv0)
+{
+    util::String workDir = util::FileSystem::ExecutableDir(argv0);
+    for (size_t i = 0; i + 1 < args.size(); ++i)
+    {
+        if (args[i] == "--workdir")
+        {
+            workDir = args[i + 1];
+            break;
+        }
+    }
+    util::FileSystem* fileSystem = util::FileSystem::GetInstancePtr();
+    fileSystem->SetWorkDir(workDir);
+    logging::SetWorkDirectory(fileSystem->WorkDir());
+
+    logging::Logger* logger = logging::Logger::GetInstancePtr();
+    logger->AddLogger(QLEX_NEW new logging::StreamLogger(ALL_LEVELS, std::cerr));
+    logger->AddLogger(QLEX_NEW new logging::FileLogger(ALL_LEVELS, fileSystem->WorkDir() + LOG_FILE, true));
+
+    script::Parser* parser = script::Parser::GetInstancePtr();
+    parser->SetOutputFunction([](const util::String& text) { std::cout << text << '\n'; });
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    std::vector<util::String> args(argv + 1, argv + argc);
+    int code = EXIT_OK;
+    try
+    {
+        SetUp(args, argv[0]);
+        code = CommandLine(args).Run();
+    }
+    catch (std::exception& e)
+    {
+        CatchException(e, QLEX_SITE);
+        Log(logging::Error, util::String("Exception caught in qlex-cli: ") + e.what());
+        code = EXIT_UNREADABLE_FILE;
+    }
+    // No static destructors: the singletons die with the process, once the output is out.
+    std::cout.flush();
+    std::cerr.flush();
+    std::fflush(nullptr);
+    _exit(code);
+}

@@ -1,0 +1,210 @@
+#include "script/Attributes.h"
+
+#include "util/Profiler.h"
+#include "util/ReentrantOrderedSet.h"
+
+namespace script
+{
+
+namespace
+{
+typedef util::ReentrantOrderedSet<util::WeakPtr<AbstractAttrib>> DynAttribSet;
+
+// The attributes bound to a function, recalculated each frame.
+DynAttribSet& DynAttribs()
+{
+    static DynAttribSet s_dynAttribs;
+    return s_dynAttribs;
+}
+} // namespace
+
+PokeMeOncePerFrame::~PokeMeOncePerFrame() = default;
+
+void PokeMeOncePerFrame::PokeAll()
+{
+    util::ScopeProfiler profile("PokeMe::PokeAll");
+    for (PokeMeOncePerFrame* poker : GetAllClassInstances())
+        poker->Poke();
+}
+
+// ---------------------------------------------------------------------------------------------------
+
+AbstractAttrib::AbstractAttrib(const util::String& name, ObjectPtr initial) : Variable(name, initial, false) {}
+
+AbstractAttrib::~AbstractAttrib() = default;
+
+void AbstractAttrib::SetObject(ObjectPtr object)
+{
+    util::ScopeProfiler profile("AbstractAttrib::SetObject");
+    if (object == GetObject())
+        return;
+    Variable::SetObject(object);
+    CalcValueFromObject();
+    // The calculation may have rebound the attribute to its old value; what it holds now decides.
+    if (IsExpandable(GetObject()))
+        AddDynamicAttribute(this);
+    else
+        RemoveDynamicAttribute(this);
+}
+
+bool AbstractAttrib::IsBound() const
+{
+    return IsExpandable(GetObject());
+}
+
+void AbstractAttrib::AddDynamicAttribute(AbstractAttrib* attrib)
+{
+    DynAttribs().insert(util::WeakPtr<AbstractAttrib>(attrib));
+}
+
+void AbstractAttrib::RemoveDynamicAttribute(AbstractAttrib* attrib)
+{
+    DynAttribs().erase(util::WeakPtr<AbstractAttrib>(attrib));
+}
+
+void AbstractAttrib::CalcAll()
+{
+    util::ScopeProfiler profile("AbstractAttrib::CalcAll");
+    DynAttribSet& attribs = DynAttribs();
+    DynAttribSet::ConstLock lock(attribs);
+    for (const util::WeakPtr<AbstractAttrib>& entry : lock)
+    {
+        util::LockPtr<AbstractAttrib> attrib(entry);
+        if (attrib)
+            attrib->CalcValueFromObject();
+        else
+            attribs.erase(entry);
+    }
+}
+
+size_t AbstractAttrib::GetDynamicAttributeCount()
+{
+    return DynAttribs().size();
+}
+
+// ---------------------------------------------------------------------------------------------------
+
+template <class T>
+TAttrib<T>::TAttrib(const util::String& name, const T& defaultValue)
+    : AbstractAttrib(name, ValueToObject(defaultValue)), m_default(defaultValue)
+{
+}
+
+template <class T> bool TAttrib<T>::IsDefaultValue() const
+{
+    return GetImpl() == m_default;
+}
+
+template <class T> void TAttrib<T>::CalcValueFromObject()
+{
+    try
+    {
+        T value = ObjectToValue<T>(ExpandObject(GetObject()));
+        SetImpl(value);
+    }
+    catch (BadCoderException&)
+    {
+        throw;
+    }
+    catch (std::exception& e)
+    {
+        // Any script failure, a wrong type included, unbinds: the setting keeps its last good value.
+        CatchException(e, QLEX_SITE);
+        Log(logging::Error, GetLongName() + " was bound to bad type");
+        // Rebinding to the present value needs no new calculation; skipping it also keeps a setter that
+        // keeps failing from recursing.
+        Variable::SetObject(ValueToObject(GetImpl()));
+        RemoveDynamicAttribute(this);
+    }
+}
+
+template <class T> std::function<T()> TAttrib<T>::GetterFunction()
+{
+    return [this]() { return Get(); };
+}
+
+template <class T> void TAttrib<T>::Set(const T& value)
+{
+    if (value != GetImpl())
+    {
+        SetImpl(value);
+        SetObject(ValueToObject(GetImpl()));
+    }
+}
+
+template <class T> void TAttrib<T>::AddChangeCallback(util::CallbackPtr callback)
+{
+    m_changeCallbacks.Add(callback);
+}
+
+// ---------------------------------------------------------------------------------------------------
+
+template <class T>
+Attrib<T>::Attrib(const util::String& name, const T& defaultValue)
+    : TAttrib<T>(name, defaultValue), m_value(defaultValue)
+{
+}
+
+template <class T> void Attrib<T>::SetImpl(const T& value)
+{
+    if (value != m_value)
+    {
+        m_value = value;
+        this->m_changeCallbacks.CallAll();
+    }
+}
+
+template <class T>
+AttribGetSet<T>::AttribGetSet(const util::String& name, const Getter& getter, const Setter& setter)
+    : TAttrib<T>(name, getter()), m_lastSeen(getter()), m_getter(getter), m_setter(setter)
+{
+}
+
+template <class T> void AttribGetSet<T>::SetImpl(const T& value)
+{
+    m_setter(value);
+    // What the script wrote isn't an outside change: a binding stays until the value moves elsewhere.
+    m_lastSeen = m_getter();
+}
+
+template <class T> void AttribGetSet<T>::Poke()
+{
+    T value = GetImpl();
+    if (value != m_lastSeen)
+    {
+        m_lastSeen = value;
+        this->SetObject(ValueToObject(value));
+    }
+}
+
+template <class T>
+AttribRemotePoker<T>::AttribRemotePoker(const util::String& name, T* target)
+    : TAttrib<T>(name, *target), m_target(target), m_lastSeen(*target)
+{
+}
+
+template <class T> void AttribRemotePoker<T>::SetImpl(const T& value)
+{
+    *m_target = value;
+    m_lastSeen = value;
+}
+
+template <class T> void AttribRemotePoker<T>::Poke()
+{
+    T value = GetImpl();
+    if (value != m_lastSeen)
+    {
+        m_lastSeen = value;
+        this->SetObject(ValueToObject(value));
+    }
+}
+
+#define QLEX_DEFINE_ATTRIB(T)                                                                              \
+    template class TAttrib<T>;                                                                             \
+    template class Attrib<T>;                                                                              \
+    template class AttribGetSet<T>;                                                                        \
+    template class AttribRemotePoker<T>;
+QLEX_ATTRIB_TYPES(QLEX_DEFINE_ATTRIB)
+#undef QLEX_DEFINE_ATTRIB
+
+} // namespace script
