@@ -1,0 +1,62 @@
+#!/usr/bin/env python3
+"""Runs qlex-cli on one case and compares what it prints with what the case expects.
+
+A case NAME in the cases folder has:
+  NAME.in    standard input (optional)
+  NAME.args  the arguments, one per line (optional; default "-": read standard input)
+  NAME.out   the exact standard output expected
+  NAME.err   lines that must each appear somewhere in standard error (optional)
+  NAME.code  the expected exit code (optional; default 0)
+Each case runs in a fresh work directory, given with --workdir.
+"""
+import difflib
+import os
+import shutil
+import subprocess
+import sys
+
+
+def read(path, default=None):
+    if not os.path.exists(path):
+        return default
+    with open(path, "rb") as f:
+        return f.read()
+
+
+def main():
+    cli, cases, name, work = sys.argv[1:5]
+    base = os.path.join(cases, name)
+    shutil.rmtree(work, ignore_errors=True)
+    os.makedirs(work)
+
+    args_text = read(base + ".args")
+    args = args_text.decode().splitlines() if args_text is not None else ["-"]
+    stdin = read(base + ".in", b"")
+    expected_out = read(base + ".out", b"")
+    expected_code = int(read(base + ".code", b"0").decode().strip())
+
+    run = subprocess.run([cli, "--workdir", work] + args, input=stdin, capture_output=True, timeout=120)
+    ok = True
+    if run.stdout != expected_out:
+        ok = False
+        print("Standard output differs from %s.out:" % name)
+        diff = difflib.unified_diff(expected_out.decode(errors="replace").splitlines(True),
+                                    run.stdout.decode(errors="replace").splitlines(True),
+                                    "expected", "actual")
+        sys.stdout.writelines(diff)
+    if run.returncode != expected_code:
+        ok = False
+        print("Exit code %d, expected %d" % (run.returncode, expected_code))
+    err = run.stderr.decode(errors="replace")
+    for line in read(base + ".err", b"").decode().splitlines():
+        if line and line not in err:
+            ok = False
+            print("Standard error lacks: %r" % line)
+    if not ok:
+        print("--- standard error ---")
+        print(err[-4000:])
+    return 0 if ok else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
