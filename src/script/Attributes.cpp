@@ -163,8 +163,9 @@ AttribGetSet<T>::AttribGetSet(const util::String& name, const Getter& getter, co
 template <class T> void AttribGetSet<T>::SetImpl(const T& value)
 {
     m_setter(value);
-    // What the script wrote isn't an outside change: a binding stays until the value moves elsewhere.
-    m_lastSeen = m_getter();
+    // What the script wrote isn't an outside change, so a binding stays; a setter that refuses or
+    // adjusts the value shows at the next poke, which makes the variable follow the real value.
+    m_lastSeen = value;
 }
 
 template <class T> void AttribGetSet<T>::Poke()

@@ -173,6 +173,26 @@ TokenList Tokenizer::Tokenize(const util::String& text)
     unsigned line = 1;
     CharIt it = text.begin();
     const CharIt end = text.end();
+
+    // Within a run of signs the number test has one answer, settled by what follows the run; remember
+    // it, so that a long run costs one pass and not one pass per sign.
+    CharIt runBegin = end;
+    CharIt runEnd = end;
+    bool runIsNumber = false;
+    auto numBeginner = [&](CharIt p) {
+        if (p == end || !IsSign(*p))
+            return IsNumBeginner(p, end);
+        if (runBegin == end || p < runBegin || p >= runEnd)
+        {
+            runBegin = p;
+            runEnd = p;
+            while (runEnd != end && IsSign(*runEnd))
+                ++runEnd;
+            runIsNumber = IsNumBeginner(p, end);
+        }
+        return runIsNumber;
+    };
+
     while (true)
     {
         SkipWhite(it, end, line);
@@ -192,7 +212,7 @@ TokenList Tokenizer::Tokenize(const util::String& text)
             util::String word(begin, it);
             tokens.push_back(Token(word, pos, (word == "true" || word == "false") ? TOKEN_BOOL : TOKEN_WORD));
         }
-        else if (IsNumBeginner(it, end))
+        else if (numBeginner(it))
         {
             tokens.push_back(ReadNum(pos, it, end));
         }
@@ -209,30 +229,11 @@ TokenList Tokenizer::Tokenize(const util::String& text)
         else
         {
             CharIt begin = it++;
-            // Inside a run of signs the number test has one answer for the whole run; remember it.
-            CharIt signRunEnd = it;
-            bool signRunIsNumber = false;
             while (it != end)
             {
                 char d = *it;
-                if (IsSpace(d) || IsLetter(d) || d == '_' || d == '"' || IsPunctuation(d))
+                if (IsSpace(d) || IsLetter(d) || d == '_' || d == '"' || IsPunctuation(d) || numBeginner(it))
                     break;
-                if (IsSign(d))
-                {
-                    if (it >= signRunEnd)
-                    {
-                        signRunEnd = it;
-                        while (signRunEnd != end && IsSign(*signRunEnd))
-                            ++signRunEnd;
-                        signRunIsNumber = IsNumBeginner(it, end);
-                    }
-                    if (signRunIsNumber)
-                        break;
-                }
-                else if (IsNumBeginner(it, end))
-                {
-                    break;
-                }
                 ++it;
             }
             tokens.push_back(Token(util::String(begin, it), pos, TOKEN_WORD));
