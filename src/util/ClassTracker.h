@@ -1,0 +1,37 @@
+#pragma once
+
+#include "util/HashMap.h"
+#include "util/VectorPOD.h"
+
+namespace util
+{
+
+// Keeps the set of live instances of T. Walks go over a copy, so that a call on one instance may make or
+// destroy others.
+template <class T> class ClassTracker
+{
+public:
+    using InstanceSet = HashSet<ClassTracker<T>*, DefaultHasher>;
+
+    ClassTracker() { Instances().insert(this); }
+    ClassTracker(const ClassTracker&) { Instances().insert(this); }
+    ClassTracker& operator=(const ClassTracker&) { return *this; }
+    virtual ~ClassTracker() { Instances().erase(this); }
+
+    static VectorPOD<T*> GetAllClassInstances()
+    {
+        VectorPOD<T*> all;
+        all.reserve(Instances().size());
+        for (ClassTracker<T>* tracker : Instances())
+            all.append(static_cast<T*>(tracker));
+        return all;
+    }
+
+    static InstanceSet& Instances()
+    {
+        static InstanceSet s_instances;
+        return s_instances;
+    }
+};
+
+} // namespace util

@@ -1,0 +1,131 @@
+#include "logging/Exception.h"
+#include "logging/Log.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <vector>
+
+namespace
+{
+
+// The logger is a process-wide singleton; each test adds a capturing sink and removes it again.
+class LogCapture
+{
+public:
+    explicit LogCapture(unsigned mask)
+        : m_sink(QLEX_NEW new logging::FunctionLogger(mask, [this](const std::string& t) { lines.push_back(t); }))
+    {
+        logging::Logger::GetInstancePtr()->AddLogger(m_sink);
+    }
+    ~LogCapture() { logging::Logger::GetInstancePtr()->RemoveLogger(m_sink); }
+
+    std::vector<std::string> lines;
+
+private:
+    util::SharedPtr<logging::ILogger> m_sink;
+};
+
+void NextFrame() { logging::Logger::GetInstancePtr()->Update(); }
+
+} // namespace
+
+TEST(Logger, RepeatedWarningsShowOnceUntilAFrameWithoutThem)
+{
+    LogCapture capture(31);
+    for (int frame = 0; frame < 10; ++frame)
+    {
+        Log(logging::Warning, "low on water");
+        Log(logging::Warning, "low on water");
+        Log(logging::Error, "other");
+        NextFrame();
+    }
+    EXPECT_EQ(capture.lines, (std::vector<std::string>{"-- Warning: low on water", "!! ERROR: other"}));
+    NextFrame(); // a frame without them
+    Log(logging::Warning, "low on water");
+    EXPECT_EQ(capture.lines.back(), "-- Warning: low on water");
+    EXPECT_EQ(capture.lines.size(), 3u);
+}
+
+TEST(Logger, InfoAndDebugRepeatEveryTimeAndMasksSelect)
+{
+    LogCapture infoOnly(logging::Info);
+    for (int i = 0; i < 3; ++i)
+    {
+        Log(logging::Info, "tick");
+        Log(logging::Debug, "trace");
+    }
+    EXPECT_EQ(infoOnly.lines, (std::vector<std::string>{"tick", "tick", "tick"}));
+    NextFrame();
+}
+
+TEST(Logger, AFailingSinkIsSkipped)
+{
+    auto thrower = util::SharedPtr<logging::ILogger>(
+        QLEX_NEW new logging::FunctionLogger(logging::Info, [](const std::string&) { throw std::runtime_error("sink broke"); }));
+    logging::Logger::GetInstancePtr()->AddLogger(thrower);
+    LogCapture capture(logging::Info | logging::Error);
+    Log(logging::Info, "still arrives");
+    EXPECT_EQ(capture.lines, (std::vector<std::string>{"still arrives"}));
+    logging::Logger::GetInstancePtr()->RemoveLogger(thrower);
+}
+
+TEST(FileLogger, AppendingAddsTwoLineFeedsAndANewHeader)
+{
+    const std::string path = (std::filesystem::temp_directory_path() / "qlex_filelogger_test.txt").string();
+    std::filesystem::remove(path);
+    {
+        logging::FileLogger first(31, path, true);
+        first.Log("one");
+    }
+    {
+        logging::FileLogger second(31, path, true);
+    }
+    std::ifstream in(path);
+    std::stringstream text;
+    text << in.rdbuf();
+    const std::string all = text.str();
+    EXPECT_EQ(all.rfind("-----------------------------\n  " + logging::NameAndVersion() + "\n", 0), 0u);
+    EXPECT_NE(all.find(": one\n\n\n-----------------------------\n"), std::string::npos);
+    std::filesystem::remove(path);
+}
+
+TEST(Assertions, AssertionsThrowAndChecksGoOn)
+{
+    int reached = 0;
+    EXPECT_THROW(QLEX_ASSERT(reached == 1), BadCoderException);
+    EXPECT_THROW(QLEX_DATA_ASSERT(reached == 1), BadDataException);
+    QLEX_CHECK(reached == 1);
+    ++reached;
+    EXPECT_EQ(reached, 1);
+    try
+    {
+        QLEX_ASSERT(1 + 1 == 3);
+    }
+    catch (BadCoderException& e)
+    {
+        EXPECT_EQ(std::string(e.what()).rfind("Code assertion failed: \"1 + 1 == 3\" in function ", 0), 0u);
+    }
+}
+
+TEST(Singleton, DestroyedServiceDoesNotComeBack)
+{
+    struct Service : util::Pointee, util::Singleton<Service>
+    {
+    };
+    Service::GetInstancePtr();
+    EXPECT_TRUE(Service::Exists());
+    Service::Destroy();
+    EXPECT_FALSE(Service::Exists());
+    try
+    {
+        Service::GetInstancePtr();
+        FAIL();
+    }
+    catch (BadCoderException& e)
+    {
+        EXPECT_EQ(std::string(e.what()).rfind("Phoenix singleton detected: ", 0), 0u);
+    }
+}
