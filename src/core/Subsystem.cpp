@@ -3,6 +3,8 @@
 #include "core/FramePacing.h"
 #include "logging/Log.h"
 #include "platform/Os.h"
+#include "util/Interpolator.h"
+#include "util/Profiler.h"
 
 #include <GL/glew.h>
 
@@ -108,6 +110,7 @@ void Subsystem::Run()
     double lastFrame = Now();
     m_measureStart = lastFrame;
     LogTimerPrecision();
+    util::Profiler::GetInstancePtr()->Reset();
     interim::PumpEvents(*this);
     Log(logging::Debug, "Entering game loop");
 
@@ -119,7 +122,7 @@ void Subsystem::Run()
             break;
         }
         {
-            interim::StageMark stage("Events");
+            util::ScopeProfiler stage("Events");
             interim::PumpEvents(*this);
         }
         if (MayQuit())
@@ -130,20 +133,20 @@ void Subsystem::Run()
         const double dt = now - lastFrame;
         if (++flushCounter > CALLBACK_FLUSH_PERIOD)
         {
-            interim::StageMark stage("FlushCallbackSets");
+            util::ScopeProfiler stage("FlushCallbackSets");
             util::AbstractCallbackSet::FlushCallbackSets();
             flushCounter = 0;
         }
         {
-            interim::StageMark stage("GC");
+            util::ScopeProfiler stage("GC");
             util::PointeeHandle::Flush();
         }
         {
-            interim::StageMark stage("Interp::Update");
+            util::ScopeProfiler stage("Interp::Update");
             util::InterpolatorBase::UpdateAll();
         }
         {
-            interim::StageMark stage("GUI::Update");
+            util::ScopeProfiler stage("GUI::Update");
             interim::GuiUpdate(dt);
         }
         RunDueCallbacks();
@@ -152,11 +155,12 @@ void Subsystem::Run()
             break;
         }
         {
-            interim::StageMark stage("Draw");
+            util::ScopeProfiler stage("Draw");
             Draw();
         }
+        util::Profiler::GetInstancePtr()->Update();
         {
-            interim::StageMark stage("Logger::Update");
+            util::ScopeProfiler stage("Logger::Update");
             logging::Logger::GetInstancePtr()->Update();
         }
         const unsigned sleep = FrameSleepMilliseconds(m_maxFPS, dt);
@@ -180,7 +184,7 @@ void Subsystem::Draw()
 {
     interim::GuiDraw();
     {
-        interim::StageMark stage("SDL_GL_SwapBuffers");
+        util::ScopeProfiler stage("SDL_GL_SwapBuffers");
         SDL_GL_SwapBuffers();
     }
     ++m_frameCount;

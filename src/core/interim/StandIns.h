@@ -54,14 +54,4 @@ void SaveConfig(const std::string& path);
 // --- GL error check (GLErrors.cpp), until the renderer's CheckForGLError exists. ---
 void CheckForGLError();
 
-// --- Stage marks, until util::ScopeProfiler exists: names each stage of the frame, measures nothing. ---
-class StageMark
-{
-public:
-    explicit StageMark(const char* name) : m_name(name) {}
-    const char* GetName() const { return m_name; }
-
-private:
-    const char* m_name;
-};
 } // namespace core::interim
