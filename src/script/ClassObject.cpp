@@ -1,5 +1,7 @@
 #include "script/ClassObject.h"
 
+#include "logging/Log.h"
+
 #include "script/Expressions.h"
 #include "script/ScriptException.h"
 #include "script/Variable.h"
@@ -112,8 +114,17 @@ ExpressionPtr ClassObject::ToExpression() const
     CodeBlockPtr block = QLEX_NEW new CodeBlock();
     for (const auto& entry : m_variables)
     {
-        if (ExpressionPtr expression = entry.second->ToExpression())
-            block->Add(expression);
+        // A value that can't be written (one too large to print, say) is left out; the rest is saved.
+        try
+        {
+            if (ExpressionPtr expression = entry.second->ToExpression())
+                block->Add(expression);
+        }
+        catch (BadDataException& e)
+        {
+            CatchException(e, QLEX_SITE);
+            Log(logging::Error, "Not saved: " + entry.first + ", " + e.what());
+        }
     }
     return block;
 }

@@ -16,8 +16,14 @@ public:
     static constexpr unsigned MAX_LIST_DEPTH = 400;
     // Longest string that arithmetic may build, in bytes.
     static constexpr unsigned long MAX_STRING_LENGTH = 1UL << 24;
-    // Work units (calls, statements, list elements, printed elements) that one session may spend.
-    static constexpr unsigned long DEFAULT_STEP_BUDGET = 20000000UL;
+    // Work units (calls, statements, list elements, printed elements) that one top-level statement may
+    // spend: about a second of work.
+    static constexpr unsigned long DEFAULT_STEP_BUDGET = 1000000UL;
+    // What a contained failure costs: exceptions and their log lines are the dearest work there is, so a
+    // runaway script ends after some hundreds of them, not after millions.
+    static constexpr unsigned long FAILURE_COST = 500UL;
+    // Bytes of text copied per work unit.
+    static constexpr unsigned long BYTES_PER_STEP = 64UL;
 
     // One unit of work that may be limited: the outermost session starts a fresh budget.
     class Session
@@ -45,6 +51,10 @@ public:
     // Spends work units; throws when the session's budget is used up. Outside a session nothing is
     // limited.
     static void Tick(unsigned long units = 1);
+    // Whether evaluation is outside any script function: a statement of the program text itself.
+    static bool IsTopLevel() { return s_callDepth == 0; }
+    // A top-level statement starts with the whole budget.
+    static void NewStatement() { s_stepsUsed = 0; }
     static void SetStepBudget(unsigned long units);
     static unsigned long GetStepBudget();
 

@@ -243,6 +243,9 @@ ObjectPtr CodeBlock::Evaluate(const ClosurePtr& closure)
     ObjectPtr result = QLEX_NEW new Void();
     for (const ExpressionPtr& expression : m_expressions)
     {
+        bool topLevel = EvalGuard::IsTopLevel();
+        if (topLevel)
+            EvalGuard::NewStatement();
         try
         {
             EvalGuard::Tick();
@@ -262,6 +265,9 @@ ObjectPtr CodeBlock::Evaluate(const ClosurePtr& closure)
             }
             Log(logging::Error, "Failed to evaluate: " + code + ", " + e.what());
             result = QLEX_NEW new ErrorObject();
+            // Inside a function, failures spend the budget, so that a runaway script unwinds at last.
+            if (!topLevel)
+                EvalGuard::Tick(EvalGuard::FAILURE_COST);
         }
     }
     return result;

@@ -36,7 +36,7 @@ ObjectPtr AddStrings(const util::String& a, const util::String& b)
     if (a.size() + b.size() > EvalGuard::MAX_STRING_LENGTH)
         Fail("String too long");
     // Copying long strings is work like any other: count it against the script's budget.
-    EvalGuard::Tick(1 + (a.size() + b.size()) / 1024);
+    EvalGuard::Tick(1 + (a.size() + b.size()) / EvalGuard::BYTES_PER_STEP);
     return ValueToObject(a + b);
 }
 } // namespace

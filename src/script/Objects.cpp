@@ -148,10 +148,12 @@ util::String List::ToText() const
     util::String text = "[";
     for (size_t i = 0; i < m_elements.size(); ++i)
     {
-        EvalGuard::Tick();
         if (i != 0)
             text += ", ";
-        text += m_elements[i]->ToText();
+        util::String element = m_elements[i]->ToText();
+        // Copying text is work too: nested lists copy their elements' text once per level.
+        EvalGuard::Tick(1 + element.size() / EvalGuard::BYTES_PER_STEP);
+        text += element;
         if (text.size() > EvalGuard::MAX_STRING_LENGTH)
             QLEX_THROW(ScriptException("Text of list too long"));
     }

@@ -5,6 +5,7 @@
 #include "script/Variable.h"
 #include "util/StringUtil.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace script
@@ -112,6 +113,13 @@ Scope::Scope(const util::String& name, util::WeakPtr<Scope> parent) : Reflected(
 void Scope::AddInfix(InfixPtr infix)
 {
     m_infixes.push_back(infix);
+}
+
+void Scope::RemoveInfix(const InfixPtr& infix)
+{
+    auto it = std::find(m_infixes.begin(), m_infixes.end(), infix);
+    if (it != m_infixes.end())
+        m_infixes.erase(it);
 }
 
 InfixPtr Scope::GetInfix(const std::set<util::String>& words) const

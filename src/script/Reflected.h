@@ -115,6 +115,7 @@ public:
     Scope(const util::String& name, util::WeakPtr<Scope> parent);
 
     void AddInfix(InfixPtr infix);
+    void RemoveInfix(const InfixPtr& infix);
     // Among the infix functions whose keywords all stand in `words`, in this scope and its owners, the
     // one of lowest precedence; an inner scope wins a tie. Several of equal rank in one scope throw
     // "Multiple mathcing infix functions found". Null when none matches.
