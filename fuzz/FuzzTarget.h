@@ -43,7 +43,7 @@ public:
 };
 
 // Work units an input may spend: enough for any short text, small enough to keep each run quick.
-const unsigned long FUZZ_STEP_BUDGET = 200000;
+const unsigned long FUZZ_STEP_BUDGET = 50000;
 
 // What the parser holds before any input: everything added later is taken away after each run.
 struct ParserState

@@ -13,3 +13,18 @@ export LIBGL_ALWAYS_SOFTWARE=1
 cd "$build"
 xvfb-run -a -s "-screen 0 1280x1024x24" \
   ctest --output-on-failure -j"$(nproc)" --timeout 600
+
+# The script fuzzer: one minute of libFuzzer over the interpreter, where clang is installed. An input
+# that breaks it is left in build-fuzz/artifacts/ and belongs in tests/script/fuzz_regressions/.
+if command -v clang++ >/dev/null 2>&1; then
+  fuzz="$root/build-fuzz"
+  cmake -S "$root/fuzz" -B "$fuzz" -DCMAKE_CXX_COMPILER=clang++ >/dev/null
+  cmake --build "$fuzz" -j"$(nproc)"
+  mkdir -p "$fuzz/corpus" "$fuzz/artifacts"
+  if ! "$fuzz/script_fuzzer" "$fuzz/corpus" "$root/tests/script/fuzz_regressions" "$root/tests/cli/cases" \
+      -max_total_time=60 -detect_leaks=0 -timeout=20 -artifact_prefix="$fuzz/artifacts/" >"$fuzz/fuzz.log" 2>&1; then
+    tail -n 60 "$fuzz/fuzz.log"
+    echo "The script fuzzer found a failing input: see $fuzz/artifacts/" >&2
+    exit 1
+  fi
+fi
