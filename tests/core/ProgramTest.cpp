@@ -40,7 +40,10 @@ std::string ReadFile(const fs::path& path)
     return text.str();
 }
 
-bool Contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+bool Contains(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos;
+}
 
 bool WaitFor(const std::function<bool()>& condition)
 {
@@ -205,7 +208,10 @@ protected:
             XCloseDisplay(m_display);
     }
 
-    bool WindowExists(const std::string& title) { return WindowTitled(m_display, DefaultRootWindow(m_display), title); }
+    bool WindowExists(const std::string& title)
+    {
+        return WindowTitled(m_display, DefaultRootWindow(m_display), title);
+    }
 
     Display* m_display = nullptr;
 };
@@ -231,7 +237,8 @@ TEST_F(ProgramTest, WindowFailure_IsReportedAndEndsWithCodeOne)
 {
     Start({}, {"SDL_VIDEODRIVER=dummy"});
     EXPECT_EQ(Wait(), 1);
-    EXPECT_TRUE(Contains(ReadFile(m_dir / "stderr.txt"), "Exception caught: Couldn't set video mode, SDL-error: "))
+    EXPECT_TRUE(
+        Contains(ReadFile(m_dir / "stderr.txt"), "Exception caught: Couldn't set video mode, SDL-error: "))
         << ReadFile(m_dir / "stderr.txt");
     EXPECT_TRUE(LogSays("Exception caught in main: Couldn't set video mode, SDL-error: "));
     // An error saves no configuration.
