@@ -4,6 +4,7 @@
 #include "input/Clock.h"
 #include "input/Key.h"
 #include "logging/Log.h"
+#include "util/Profiler.h"
 
 #include <cctype>
 #include <sstream>
@@ -50,9 +51,13 @@ void Input::InitializeSDL()
 
 void Input::PumpEvents()
 {
-    SDL_Event event;
-    while (SDL_PollEvent(&event))
-        HandleEvent(event);
+    util::ScopeProfiler profiler("Event handling");
+    {
+        util::ScopeProfiler poll("Poll loop");
+        SDL_Event event;
+        while (SDL_PollEvent(&event))
+            HandleEvent(event);
+    }
 
     // A press held longer than a click may last becomes a drag, even without motion.
     if (m_clickState == Pressed && Clock::Now() - m_pressTime > MaxClickTime())
@@ -71,19 +76,28 @@ void Input::PumpEvents()
 
 void Input::HandleEvent(const SDL_Event& event)
 {
+    util::ScopeProfiler profiler("HandleEvent");
     switch (event.type)
     {
     case SDL_ACTIVEEVENT:
     case SDL_QUIT:
     case SDL_VIDEORESIZE:
     case SDL_VIDEOEXPOSE:
-    case SDL_USEREVENT:
         OnOtherEvent(InputEvent(event));
         break;
     case SDL_SYSWMEVENT:
+    {
+        util::ScopeProfiler syswm("SDL_SYSWMEVENT");
         Clipboard::OnSysWMEvent(event);
         OnOtherEvent(InputEvent(event));
         break;
+    }
+    case SDL_USEREVENT:
+    {
+        util::ScopeProfiler user("SDL_USEREVENT");
+        OnOtherEvent(InputEvent(event));
+        break;
+    }
     case SDL_KEYDOWN:
         OnKeyEvent(BuildKeyEvent(event, true));
         break;
@@ -92,6 +106,7 @@ void Input::HandleEvent(const SDL_Event& event)
         break;
     case SDL_MOUSEMOTION:
     {
+        util::ScopeProfiler motionProfiler("SDL_MOUSEMOTION");
         MouseEvent motion(event);
         m_mousePos = motion.position;
         OnMouseMove(motion);
@@ -177,6 +192,7 @@ void Input::OnKeyEvent(const KeyEvent& event)
 
 void Input::OnMouseMove(const MouseEvent& event)
 {
+    util::ScopeProfiler profiler("OnMouseMove");
     InputDelegator::OnMouseMove(event);
     if (event.IsHandled())
         return;
