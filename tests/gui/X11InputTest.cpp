@@ -63,6 +63,9 @@ protected:
     }
     static void TearDownTestSuite()
     {
+        // Before static destruction, which would take the trackers down under the singletons.
+        gui::GUI::Destroy();
+        input::Input::Destroy();
         if (s_up)
             SDL_Quit();
     }
