@@ -38,7 +38,10 @@ float FontFormater::NextTabPos(float x) const
     return (std::trunc(x / tab) + 1.0f) * tab;
 }
 
-math::Vec2 FontFormater::GetTextSize(const std::string& text) const { return FormatText(text).GetSize(); }
+math::Vec2 FontFormater::GetTextSize(const std::string& text) const
+{
+    return FormatText(text).GetSize();
+}
 
 TextFormat FontFormater::FormatText(const std::string& text, float startX) const
 {

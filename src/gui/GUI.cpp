@@ -67,9 +67,15 @@ void GUI::SetScale(float scale)
     OnScaleChange();
 }
 
-void GUI::SetFont(const std::string& font) { m_font = font; }
+void GUI::SetFont(const std::string& font)
+{
+    m_font = font;
+}
 
-math::Vec2 GUI::GetSize() const { return PosFromPixel(m_windowWidth, m_windowHeight); }
+math::Vec2 GUI::GetSize() const
+{
+    return PosFromPixel(m_windowWidth, m_windowHeight);
+}
 
 math::Vec2 GUI::PosFromPixel(int x, int y) const
 {
@@ -83,7 +89,10 @@ void GUI::OnNewWindowSize(int width, int height)
     m_rootComponent->SetOuterSize(GetSize());
 }
 
-void GUI::OnScaleChange() { OnNewWindowSize(m_windowWidth, m_windowHeight); }
+void GUI::OnScaleChange()
+{
+    OnNewWindowSize(m_windowWidth, m_windowHeight);
+}
 
 void GUI::Update(float dt)
 {

@@ -32,6 +32,9 @@ util::SharedPtr<LookAndFeel> LookAndFeel::GetDefault()
     return s_default;
 }
 
-void LookAndFeel::ResetDefault() { s_default.Reset(); }
+void LookAndFeel::ResetDefault()
+{
+    s_default.Reset();
+}
 
 } // namespace gui

@@ -162,7 +162,8 @@ void Clipboard::OnSysWMEvent(const SDL_Event& event)
     else if (request.target == x.m_utf8 || request.target == XA_STRING || request.target == x.m_text)
     {
         XChangeProperty(x.m_display, request.requestor, property, request.target, 8, PropModeReplace,
-                        reinterpret_cast<const unsigned char*>(s_text.data()), static_cast<int>(s_text.size()));
+                        reinterpret_cast<const unsigned char*>(s_text.data()),
+                        static_cast<int>(s_text.size()));
     }
     else
         reply.xselection.property = None;

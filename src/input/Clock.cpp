@@ -14,6 +14,9 @@ double Clock::Now()
     return SDL_GetTicks() / 1000.0;
 }
 
-void Clock::SetSource(Source source) { s_source = std::move(source); }
+void Clock::SetSource(Source source)
+{
+    s_source = std::move(source);
+}
 
 } // namespace input

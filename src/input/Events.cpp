@@ -13,7 +13,8 @@ MouseEvent::MouseEvent(const SDL_Event& raw)
 }
 
 KeyEvent::KeyEvent(SDLKey key, char character, bool pressed, const math::Vec2& position)
-    : key(key), character(character), pressed(pressed), alt(false), ctrl(false), shift(false), position(position)
+    : key(key), character(character), pressed(pressed), alt(false), ctrl(false), shift(false),
+      position(position)
 {
     if (Input::IsUp())
     {
@@ -24,7 +25,8 @@ KeyEvent::KeyEvent(SDLKey key, char character, bool pressed, const math::Vec2& p
     }
 }
 
-JoyAxisEvent::JoyAxisEvent(util::SharedPtr<Joystick> joystick, int axis) : joystick(std::move(joystick)), axis(axis)
+JoyAxisEvent::JoyAxisEvent(util::SharedPtr<Joystick> joystick, int axis)
+    : joystick(std::move(joystick)), axis(axis)
 {
 }
 

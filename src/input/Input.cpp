@@ -38,7 +38,10 @@ Input::Input()
 
 Input::~Input() = default;
 
-bool Input::IsUp() { return util::Singleton<Input>::Exists(); }
+bool Input::IsUp()
+{
+    return util::Singleton<Input>::Exists();
+}
 
 void Input::InitializeSDL()
 {
@@ -296,13 +299,25 @@ float Input::MaxClickDistance() const
     return s_settings ? s_settings->GetClickTolerance() : InputSettings::DEFAULT_CLICK_TOLERANCE;
 }
 
-std::string Input::GetClipboardText() const { return Clipboard::GetText(); }
+std::string Input::GetClipboardText() const
+{
+    return Clipboard::GetText();
+}
 
-void Input::SetClipboardText(const std::string& text) { Clipboard::SetText(text); }
+void Input::SetClipboardText(const std::string& text)
+{
+    Clipboard::SetText(text);
+}
 
-void Input::SetGrabInput(bool grab) { SDL_WM_GrabInput(grab ? SDL_GRAB_ON : SDL_GRAB_OFF); }
+void Input::SetGrabInput(bool grab)
+{
+    SDL_WM_GrabInput(grab ? SDL_GRAB_ON : SDL_GRAB_OFF);
+}
 
-void Input::SetShowCursor(bool show) { SDL_ShowCursor(show ? SDL_ENABLE : SDL_DISABLE); }
+void Input::SetShowCursor(bool show)
+{
+    SDL_ShowCursor(show ? SDL_ENABLE : SDL_DISABLE);
+}
 
 void Input::LookForJoysticks()
 {
@@ -345,7 +360,10 @@ util::SharedPtr<Joystick> Input::GetJoystick(int index) const
     return nullptr;
 }
 
-void Input::SetSettings(const InputSettings* settings) { s_settings = settings; }
+void Input::SetSettings(const InputSettings* settings)
+{
+    s_settings = settings;
+}
 
 math::Vec2 Input::PosFromPixel(int x, int y)
 {
@@ -403,7 +421,8 @@ KeyEvent BuildKeyEvent(const SDL_Event& event, bool pressed)
             SetTextInput(true);
         }
     }
-    const math::Vec2 position = Input::IsUp() ? Input::GetInstancePtr()->GetMousePos() : math::Vec2(0.0f, 0.0f);
+    const math::Vec2 position =
+        Input::IsUp() ? Input::GetInstancePtr()->GetMousePos() : math::Vec2(0.0f, 0.0f);
     return KeyEvent(key, character, pressed, position);
 }
 

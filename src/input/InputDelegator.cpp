@@ -21,7 +21,10 @@ void InputDelegator::AddListener(const util::WeakPtr<InputListener>& listener)
         AddImpl(listener);
 }
 
-void InputDelegator::AddListener(InputListener* listener) { AddListener(util::WeakPtr<InputListener>(listener)); }
+void InputDelegator::AddListener(InputListener* listener)
+{
+    AddListener(util::WeakPtr<InputListener>(listener));
+}
 
 void InputDelegator::RemoveListener(const util::WeakPtr<InputListener>& listener)
 {
@@ -103,13 +106,37 @@ void InputDelegator::EndDelivery()
     }
 }
 
-void InputDelegator::OnMouseMove(const MouseEvent& event) { FireEvent(event, &InputListener::OnMouseMove); }
-void InputDelegator::OnKeyEvent(const KeyEvent& event) { FireEvent(event, &InputListener::OnKeyEvent); }
-void InputDelegator::OnOtherEvent(const InputEvent& event) { FireEvent(event, &InputListener::OnOtherEvent); }
-void InputDelegator::OnDragBegin(const DragEvent& event) { FireEvent(event, &InputListener::OnDragBegin); }
-void InputDelegator::OnDrag(const DragEvent& event) { FireEvent(event, &InputListener::OnDrag); }
-void InputDelegator::OnDragEnd(const DragEvent& event) { FireEvent(event, &InputListener::OnDragEnd); }
-void InputDelegator::OnClick(const ClickEvent& event) { FireEvent(event, &InputListener::OnClick); }
-void InputDelegator::OnJoyAxisEvent(const JoyAxisEvent& event) { FireEvent(event, &InputListener::OnJoyAxisEvent); }
+void InputDelegator::OnMouseMove(const MouseEvent& event)
+{
+    FireEvent(event, &InputListener::OnMouseMove);
+}
+void InputDelegator::OnKeyEvent(const KeyEvent& event)
+{
+    FireEvent(event, &InputListener::OnKeyEvent);
+}
+void InputDelegator::OnOtherEvent(const InputEvent& event)
+{
+    FireEvent(event, &InputListener::OnOtherEvent);
+}
+void InputDelegator::OnDragBegin(const DragEvent& event)
+{
+    FireEvent(event, &InputListener::OnDragBegin);
+}
+void InputDelegator::OnDrag(const DragEvent& event)
+{
+    FireEvent(event, &InputListener::OnDrag);
+}
+void InputDelegator::OnDragEnd(const DragEvent& event)
+{
+    FireEvent(event, &InputListener::OnDragEnd);
+}
+void InputDelegator::OnClick(const ClickEvent& event)
+{
+    FireEvent(event, &InputListener::OnClick);
+}
+void InputDelegator::OnJoyAxisEvent(const JoyAxisEvent& event)
+{
+    FireEvent(event, &InputListener::OnJoyAxisEvent);
+}
 
 } // namespace input

@@ -11,7 +11,7 @@ namespace input
 class InputSettings
 {
 public:
-    static constexpr float DEFAULT_CLICK_TOLERANCE = 3.5f;     // GUI units
+    static constexpr float DEFAULT_CLICK_TOLERANCE = 3.5f;      // GUI units
     static constexpr float DEFAULT_CLICK_TIME_TOLERANCE = 0.3f; // seconds
 
     virtual ~InputSettings() = default;

@@ -51,9 +51,21 @@ math::Vec2 Joystick::GetAxis(int xAxis, int yAxis) const
     return v;
 }
 
-int Joystick::GetNumAxes() const { return SDL_JoystickNumAxes(m_handle); }
-int Joystick::GetNumButtons() const { return SDL_JoystickNumButtons(m_handle); }
-int Joystick::GetNumBalls() const { return SDL_JoystickNumBalls(m_handle); }
-int Joystick::GetNumHats() const { return SDL_JoystickNumHats(m_handle); }
+int Joystick::GetNumAxes() const
+{
+    return SDL_JoystickNumAxes(m_handle);
+}
+int Joystick::GetNumButtons() const
+{
+    return SDL_JoystickNumButtons(m_handle);
+}
+int Joystick::GetNumBalls() const
+{
+    return SDL_JoystickNumBalls(m_handle);
+}
+int Joystick::GetNumHats() const
+{
+    return SDL_JoystickNumHats(m_handle);
+}
 
 } // namespace input

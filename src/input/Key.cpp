@@ -16,7 +16,10 @@ bool Key::s_isInitialized = false;
 namespace
 {
 
-SDLKey ToKey(int code) { return static_cast<SDLKey>(code); }
+SDLKey ToKey(int code)
+{
+    return static_cast<SDLKey>(code);
+}
 
 void NameRange(std::string* table, int first, const char* const* names, int count)
 {
@@ -54,16 +57,16 @@ void Key::Init()
 
     static const char* const keypad[] = {"[.]", "[/]", "[*]", "[-]", "[+]", "enter", "equals"};
     NameRange(t, 266, keypad, 7);
-    static const char* const arrows[] = {"up", "down", "right", "left", "insert", "home", "end", "page_up",
-                                         "page_down"};
+    static const char* const arrows[] = {"up",   "down", "right",   "left",     "insert",
+                                         "home", "end",  "page_up", "page_down"};
     NameRange(t, 273, arrows, 9);
     for (int i = 0; i < 15; ++i)
         t[282 + i] = "f" + std::to_string(i + 1);
-    static const char* const mods[] = {"numlock",   "caps_lock",  "scroll_lock", "right_shift",  "left_shift",
-                                       "right_ctrl", "left_ctrl", "right_alt",   "left_alt",     "right_meta",
-                                       "left_meta", "left_super", "right_super", "alt_graph",    "compose",
-                                       "help",      "print_screen", "sys_req",   "break",        "menu",
-                                       "power",     "euro",       "undo"};
+    static const char* const mods[] = {
+        "numlock",     "caps_lock", "scroll_lock", "right_shift", "left_shift",   "right_ctrl",
+        "left_ctrl",   "right_alt", "left_alt",    "right_meta",  "left_meta",    "left_super",
+        "right_super", "alt_graph", "compose",     "help",        "print_screen", "sys_req",
+        "break",       "menu",      "power",       "euro",        "undo"};
     NameRange(t, 300, mods, 23);
 
     static const char* const mouse[] = {"mouse_left", "mouse_middle", "mouse_right", "mouse_wheel_up",
@@ -117,7 +120,10 @@ bool Key::IsMouseButton(SDLKey key)
     return code >= FIRST_MOUSE_KEY && code < FIRST_JOYSTICK_KEY;
 }
 
-SDLKey Key::GetMouseKey(int sdlButton) { return ToKey(FIRST_MOUSE_KEY + sdlButton); }
+SDLKey Key::GetMouseKey(int sdlButton)
+{
+    return ToKey(FIRST_MOUSE_KEY + sdlButton);
+}
 
 SDLKey Key::GetJoystickKey(int joystick, int button)
 {
@@ -149,7 +155,10 @@ SDLKey Key::GetJoystickHatKey(int joystick, int hat, int mask)
     return ToKey(joystick * JOYSTICK_BLOCK + FIRST_JOYSTICK_KEY + JOYSTICK_BUTTONS + hat * 4 + direction);
 }
 
-int Key::GetJoystickFromKey(SDLKey key) { return (static_cast<int>(key) - FIRST_JOYSTICK_KEY) / JOYSTICK_BLOCK; }
+int Key::GetJoystickFromKey(SDLKey key)
+{
+    return (static_cast<int>(key) - FIRST_JOYSTICK_KEY) / JOYSTICK_BLOCK;
+}
 
 int Key::GetJoystickButtonFromKey(SDLKey key)
 {
@@ -159,7 +168,8 @@ int Key::GetJoystickButtonFromKey(SDLKey key)
 bool Key::IsJoystickHatKey(SDLKey key)
 {
     const int code = static_cast<int>(key);
-    return code >= FIRST_JOYSTICK_KEY && code < KEYBUFFERSIZE && GetJoystickButtonFromKey(key) >= JOYSTICK_BUTTONS;
+    return code >= FIRST_JOYSTICK_KEY && code < KEYBUFFERSIZE &&
+           GetJoystickButtonFromKey(key) >= JOYSTICK_BUTTONS;
 }
 
 int Key::GetJoystickHatFromKey(SDLKey key)

@@ -96,7 +96,8 @@ TEST(Component, ChildrenWithoutLayoutAreOrderedByPriorityAndKeepTheirOrderOtherw
     low->SetPriority(70);
     EXPECT_EQ(owner->GetChildren().front(), high);
 
-    util::SharedPtr<Component> list = QLEX_NEW new Component(QLEX_NEW new ListLayout(ListLayout::Vertical, 0.0f));
+    util::SharedPtr<Component> list =
+        QLEX_NEW new Component(QLEX_NEW new ListLayout(ListLayout::Vertical, 0.0f));
     auto top = Box(1, 1);
     top->SetPriority(60);
     list->AddComponent(top);

@@ -21,7 +21,8 @@ void ExpectVec(const math::Vec2& actual, float x, float y)
 
 TEST(ListLayout, VerticalListSizesItsOwnerToTheChildrenAndWrapsTextToItsWidth)
 {
-    util::SharedPtr<Component> list = QLEX_NEW new Component(QLEX_NEW new ListLayout(ListLayout::Vertical, 2.0f));
+    util::SharedPtr<Component> list =
+        QLEX_NEW new Component(QLEX_NEW new ListLayout(ListLayout::Vertical, 2.0f));
     list->SetMaxSize(math::Vec2(100.0f, math::INF));
     auto a = Box(30, 10);
     auto b = Box(50, 20);
@@ -51,7 +52,8 @@ TEST(ListLayout, VerticalListSizesItsOwnerToTheChildrenAndWrapsTextToItsWidth)
 
 TEST(ListLayout, HorizontalListPlacesChildrenSideBySideWithSpacing)
 {
-    util::SharedPtr<Component> list = QLEX_NEW new Component(QLEX_NEW new ListLayout(ListLayout::Horizontal, 4.0f));
+    util::SharedPtr<Component> list =
+        QLEX_NEW new Component(QLEX_NEW new ListLayout(ListLayout::Horizontal, 4.0f));
     auto a = Box(10, 5);
     auto b = Box(20, 15);
     b->SetBorder(LookAndFeel::GetDefault()->GetDefaultBorder());
@@ -92,7 +94,8 @@ TEST(ListLayout, AlignEndPutsChildrenAgainstTheFarSide)
 
 TEST(ListLayout, FloatingChildrenAreLeftWhereTheyStand)
 {
-    util::SharedPtr<Component> list = QLEX_NEW new Component(QLEX_NEW new ListLayout(ListLayout::Vertical, 0.0f));
+    util::SharedPtr<Component> list =
+        QLEX_NEW new Component(QLEX_NEW new ListLayout(ListLayout::Vertical, 0.0f));
     auto floating = Box(30, 30);
     floating->SetFloating(true);
     floating->SetOuterPos(math::Vec2(50, 60));
@@ -108,7 +111,8 @@ TEST(ListLayout, FloatingChildrenAreLeftWhereTheyStand)
 
 TEST(BorderLayout, FirstChildAtTheStartAndTheOthersAgainstTheFarEnd)
 {
-    util::SharedPtr<Component> row = QLEX_NEW new Component(QLEX_NEW new BorderLayout(BorderLayout::Horizontal));
+    util::SharedPtr<Component> row =
+        QLEX_NEW new Component(QLEX_NEW new BorderLayout(BorderLayout::Horizontal));
     row->SetInnerSize(100, 10);
     auto title = Box(30, 10);
     auto ok = Box(20, 8);
@@ -123,7 +127,8 @@ TEST(BorderLayout, FirstChildAtTheStartAndTheOthersAgainstTheFarEnd)
     ExpectVec(row->GetInnerSize(), 100, 12);
 
     // Too narrow for all: the far end is the children's total.
-    util::SharedPtr<Component> narrow = QLEX_NEW new Component(QLEX_NEW new BorderLayout(BorderLayout::Horizontal));
+    util::SharedPtr<Component> narrow =
+        QLEX_NEW new Component(QLEX_NEW new BorderLayout(BorderLayout::Horizontal));
     auto first = Box(30, 10);
     auto second = Box(20, 10);
     narrow->AddComponent(first);

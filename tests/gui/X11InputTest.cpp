@@ -201,21 +201,23 @@ TEST_F(XWindowTest, ClipboardTextReachesAnotherProgram)
     OtherClient other;
     ASSERT_NE(other.m_display, nullptr);
     EXPECT_EQ(XGetSelectionOwner(other.m_display, other.m_clipboard), SDLWindow());
-    XConvertSelection(other.m_display, other.m_clipboard, other.m_utf8, other.m_property, other.m_window, CurrentTime);
+    XConvertSelection(other.m_display, other.m_clipboard, other.m_utf8, other.m_property, other.m_window,
+                      CurrentTime);
     XFlush(other.m_display);
 
     // Our answer comes from the event pump.
     XEvent event;
     const bool answered = PumpUntil(
-        [&] { return XCheckTypedWindowEvent(other.m_display, other.m_window, SelectionNotify, &event) == True; });
+        [&]
+        { return XCheckTypedWindowEvent(other.m_display, other.m_window, SelectionNotify, &event) == True; });
     ASSERT_TRUE(answered);
     ASSERT_NE(event.xselection.property, static_cast<Atom>(None));
     Atom type;
     int format;
     unsigned long count, remaining;
     unsigned char* data = nullptr;
-    ASSERT_EQ(XGetWindowProperty(other.m_display, other.m_window, other.m_property, 0, 1024, True, AnyPropertyType,
-                                 &type, &format, &count, &remaining, &data),
+    ASSERT_EQ(XGetWindowProperty(other.m_display, other.m_window, other.m_property, 0, 1024, True,
+                                 AnyPropertyType, &type, &format, &count, &remaining, &data),
               Success);
     ASSERT_NE(data, nullptr);
     EXPECT_EQ(std::string(reinterpret_cast<char*>(data), count), "copied in qlex");

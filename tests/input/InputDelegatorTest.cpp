@@ -12,7 +12,10 @@ namespace
 
 using Lines = std::vector<std::string>;
 
-ClickEvent Click() { return ClickEvent(math::Vec2(1.0f, 2.0f), static_cast<SDLKey>(324), 1); }
+ClickEvent Click()
+{
+    return ClickEvent(math::Vec2(1.0f, 2.0f), static_cast<SDLKey>(324), 1);
+}
 
 std::vector<std::string> Receivers(const std::vector<util::SharedPtr<Recorder>>& recorders)
 {
@@ -32,7 +35,8 @@ struct Order
 class Named : public InputListener
 {
 public:
-    Named(int priority, std::string name, Order& order) : InputListener(priority), m_name(std::move(name)), m_order(order)
+    Named(int priority, std::string name, Order& order)
+        : InputListener(priority), m_name(std::move(name)), m_order(order)
     {
     }
     void OnClick(const ClickEvent&) override

@@ -42,8 +42,14 @@ protected:
     }
 
     // Pixel coordinates: (20, 20) is (10, 10) in GUI units.
-    void Press(int x = 20, int y = 20, Uint8 b = SDL_BUTTON_LEFT) { m_input->HandleEvent(ButtonEvent(true, x, y, b)); }
-    void Release(int x = 20, int y = 20, Uint8 b = SDL_BUTTON_LEFT) { m_input->HandleEvent(ButtonEvent(false, x, y, b)); }
+    void Press(int x = 20, int y = 20, Uint8 b = SDL_BUTTON_LEFT)
+    {
+        m_input->HandleEvent(ButtonEvent(true, x, y, b));
+    }
+    void Release(int x = 20, int y = 20, Uint8 b = SDL_BUTTON_LEFT)
+    {
+        m_input->HandleEvent(ButtonEvent(false, x, y, b));
+    }
     void Move(int x, int y, int xrel, int yrel) { m_input->HandleEvent(MotionEvent(x, y, xrel, yrel)); }
     void Pump(double at)
     {
@@ -147,8 +153,8 @@ TEST_F(ClickStateMachine, MotionOfExactlyTheTolerance_DoesNotDragAndMotionBeyond
     Move(30, 24, 2, 4); // later drags carry the event's own motion
     Release(30, 24);
     EXPECT_EQ(m_recorder->Only({"begin", "drag", "end", "click"}),
-              Lines({"begin (10,10) (10,10) (0,0)", "drag (10,10) (14,10) (4,0)", "drag (10,10) (15,12) (1,2)",
-                     "end (10,10) (15,12)"}));
+              Lines({"begin (10,10) (10,10) (0,0)", "drag (10,10) (14,10) (4,0)",
+                     "drag (10,10) (15,12) (1,2)", "end (10,10) (15,12)"}));
 }
 
 TEST_F(ClickStateMachine, MotionAwayAfterAClick_EndsTheClickWithoutADrag)
@@ -226,14 +232,15 @@ TEST_F(ClickStateMachine, Wheel_NeverClicksOrDrags)
 TEST_F(ClickStateMachine, EventsPushedToSDL_ArriveThroughThePump)
 {
     m_clock.now = 100.0;
-    SDL_Event press = ButtonEvent(true, 20, 20), motion = MotionEvent(60, 20, 40, 0), release = ButtonEvent(false, 60, 20);
+    SDL_Event press = ButtonEvent(true, 20, 20), motion = MotionEvent(60, 20, 40, 0),
+              release = ButtonEvent(false, 60, 20);
     ASSERT_EQ(SDL_PushEvent(&press), 0);
     ASSERT_EQ(SDL_PushEvent(&motion), 0);
     ASSERT_EQ(SDL_PushEvent(&release), 0);
     m_input->PumpEvents();
     EXPECT_EQ(m_recorder->Only({"press", "release", "move", "begin", "drag", "end"}),
-              Lines({"press 324", "move (30,10)", "begin (10,10) (10,10) (0,0)", "drag (10,10) (30,10) (20,0)",
-                     "release 324", "end (10,10) (30,10)"}));
+              Lines({"press 324", "move (30,10)", "begin (10,10) (10,10) (0,0)",
+                     "drag (10,10) (30,10) (20,0)", "release 324", "end (10,10) (30,10)"}));
     EXPECT_EQ(m_input->GetMousePos(), math::Vec2(30.0f, 10.0f));
 }
 

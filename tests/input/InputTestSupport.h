@@ -25,7 +25,10 @@ struct ManualClock
 class Recorder : public InputListener
 {
 public:
-    explicit Recorder(int priority = 50, std::string name = "") : InputListener(priority), m_name(std::move(name)) {}
+    explicit Recorder(int priority = 50, std::string name = "")
+        : InputListener(priority), m_name(std::move(name))
+    {
+    }
 
     void OnKeyEvent(const KeyEvent& e) override
     {
@@ -34,10 +37,7 @@ public:
         if (onKey)
             onKey(e);
     }
-    void OnMouseMove(const MouseEvent& e) override
-    {
-        log.push_back(m_name + "move " + Pos(e.position));
-    }
+    void OnMouseMove(const MouseEvent& e) override { log.push_back(m_name + "move " + Pos(e.position)); }
     void OnDragBegin(const DragEvent& e) override
     {
         log.push_back(m_name + "begin " + Pos(e.startPos) + " " + Pos(e.position) + " " + Pos(e.delta));
@@ -58,7 +58,10 @@ public:
         if (onClick)
             onClick(e);
     }
-    void OnOtherEvent(const InputEvent& e) override { log.push_back(m_name + "other " + std::to_string(e.event.type)); }
+    void OnOtherEvent(const InputEvent& e) override
+    {
+        log.push_back(m_name + "other " + std::to_string(e.event.type));
+    }
 
     static std::string Pos(const math::Vec2& p)
     {

@@ -7,7 +7,10 @@ using input::Key;
 
 namespace
 {
-SDLKey K(int code) { return static_cast<SDLKey>(code); }
+SDLKey K(int code)
+{
+    return static_cast<SDLKey>(code);
+}
 } // namespace
 
 TEST(Key, NamesAndCodesOfEveryDevice)

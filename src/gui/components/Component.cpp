@@ -101,9 +101,15 @@ void Component::SetInnerSize(math::Vec2 size)
     OnFormChange();
 }
 
-void Component::SetOuterSize(math::Vec2 size) { SetInnerSize(size - m_border->GetSize()); }
+void Component::SetOuterSize(math::Vec2 size)
+{
+    SetInnerSize(size - m_border->GetSize());
+}
 
-void Component::SetMinSize(math::Vec2 size) { m_minSize = size; }
+void Component::SetMinSize(math::Vec2 size)
+{
+    m_minSize = size;
+}
 
 void Component::SetMaxSize(math::Vec2 size)
 {
@@ -119,7 +125,10 @@ void Component::SetLayout(util::SharedPtr<Layout> layout)
     Reorganize();
 }
 
-void Component::SetLayout(int listLayoutFlags) { SetLayout(QLEX_NEW new ListLayout(listLayoutFlags, 0.0f)); }
+void Component::SetLayout(int listLayoutFlags)
+{
+    SetLayout(QLEX_NEW new ListLayout(listLayoutFlags, 0.0f));
+}
 
 void Component::SetBorder(const util::SharedPtr<Border>& border)
 {
@@ -146,7 +155,8 @@ math::BoundingBox2f Component::GetInnerBBLocal() const
 
 math::TMatrix3<float> Component::CalcWorldToLocalTransform() const
 {
-    const math::TMatrix3<float> toOwner = m_owner ? m_owner->CalcWorldToLocalTransform() : math::TMatrix3<float>();
+    const math::TMatrix3<float> toOwner =
+        m_owner ? m_owner->CalcWorldToLocalTransform() : math::TMatrix3<float>();
     return math::TMatrix3<float>::Translation2D(-GetInnerPos()) * toOwner;
 }
 
@@ -160,7 +170,10 @@ math::Vec2 Component::LocalToGUI(math::Vec2 pos) const
     return math::TransformCoordinate(math::Inverted(CalcWorldToLocalTransform()), pos);
 }
 
-math::Vec2 Component::GetMousePosLocal() const { return GUIToLocal(input::Input::GetInstancePtr()->GetMousePos()); }
+math::Vec2 Component::GetMousePosLocal() const
+{
+    return GUIToLocal(input::Input::GetInstancePtr()->GetMousePos());
+}
 
 void Component::SetMouseOverOuter(bool over)
 {
@@ -191,7 +204,10 @@ void Component::OnFormChange()
     m_formChangeCallbacks.CallAll();
 }
 
-void Component::OnChildFormChange() { Reorganize(); }
+void Component::OnChildFormChange()
+{
+    Reorganize();
+}
 
 void Component::OnOwnerFormChange()
 {
@@ -284,7 +300,10 @@ void Component::DrawCompAndChildren() const
     DrawChildren();
 }
 
-void Component::DrawComp() const { m_border->Draw(m_innerSize); }
+void Component::DrawComp() const
+{
+    m_border->Draw(m_innerSize);
+}
 
 void Component::DrawChildren() const
 {

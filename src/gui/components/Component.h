@@ -44,7 +44,10 @@ public:
     virtual void SetOuterPos(math::Vec2 pos);
     virtual void SetInnerSize(math::Vec2 size);
     void SetInnerSize(float width, float height) { SetInnerSize(math::Vec2(width, height)); }
-    void SetInnerSize(math::TVector2<unsigned int> size) { SetInnerSize(math::Vec2(float(size.x), float(size.y))); }
+    void SetInnerSize(math::TVector2<unsigned int> size)
+    {
+        SetInnerSize(math::Vec2(float(size.x), float(size.y)));
+    }
     void SetOuterSize(math::Vec2 size);
     virtual void SetMinSize(math::Vec2 size);
     // An upper bound on the inner size; the inner size is clipped to it at once.

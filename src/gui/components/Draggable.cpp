@@ -15,7 +15,10 @@ void Draggable::OnDragBegin(const input::DragEvent& event)
     Component::OnDragBegin(event);
 }
 
-void Draggable::OnDrag(const input::DragEvent& event) { Component::OnDrag(event); }
+void Draggable::OnDrag(const input::DragEvent& event)
+{
+    Component::OnDrag(event);
+}
 
 void Draggable::OnDragEnd(const input::DragEvent& event)
 {
