@@ -39,16 +39,6 @@ Constraint& Constraint::operator=(const Constraint& other)
 
 Constraint::~Constraint() = default;
 
-void Constraint::ApplyImpulse(const math::Vec2& impulse)
-{
-    AbstractBody& a = *m_bodies[0];
-    AbstractBody& b = *m_bodies[1];
-    a.VelocityChange() -= impulse * a.GetEffectiveMassInv();
-    a.RotationChange() -= a.GetEffectiveInertiaInv() * math::Cross(m_r0, impulse);
-    b.VelocityChange() += impulse * b.GetEffectiveMassInv();
-    b.RotationChange() += b.GetEffectiveInertiaInv() * math::Cross(m_r1, impulse);
-}
-
 float CombinedMass(const AbstractBody& bodyA, const math::Vec2& rA, const AbstractBody& bodyB,
                    const math::Vec2& rB, const math::Vec2& dir)
 {

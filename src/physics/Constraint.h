@@ -1,12 +1,11 @@
 #pragma once
 
 #include "math/Math.h"
+#include "physics/AbstractBody.h"
 #include "util/SharedPtr.h"
 
 namespace physics
 {
-class AbstractBody;
-
 // Parameters of a stiff, damped constraint for one step length h, from stiffness k and damping d (in
 // steps). With q = 4 d + 1, the distance term corrects an error over about d steps, the velocity term
 // removes 4d/q of the approach speed, and the regularisation 4 / (q h^2 k) softens the constraint as a
@@ -49,8 +48,26 @@ protected:
     Constraint(const Constraint& other);
     Constraint& operator=(const Constraint& other);
 
-    // Body A takes -impulse at r0, body B +impulse at r1.
-    void ApplyImpulse(const math::Vec2& impulse);
+    // Body A takes -impulse at r0, body B +impulse at r1. Reads the inverse masses that CacheInverseMasses
+    // took, as nothing changes them during a solve.
+    void ApplyImpulse(const math::Vec2& impulse)
+    {
+        AbstractBody& a = *m_bodies[0];
+        AbstractBody& b = *m_bodies[1];
+        a.VelocityChange() -= impulse * m_massInv[0];
+        a.RotationChange() -= m_inertiaInv[0] * math::Cross(m_r0, impulse);
+        b.VelocityChange() += impulse * m_massInv[1];
+        b.RotationChange() += m_inertiaInv[1] * math::Cross(m_r1, impulse);
+    }
+    // The effective inverse masses of both bodies (zero while held), for this solve.
+    void CacheInverseMasses()
+    {
+        for (int i = 0; i < 2; ++i)
+        {
+            m_massInv[i] = m_bodies[i]->GetEffectiveMassInv();
+            m_inertiaInv[i] = m_bodies[i]->GetEffectiveInertiaInv();
+        }
+    }
 
     float m_distanceWeight = 1.0f;
     float m_warmStartWeight = 1.0f;
@@ -59,6 +76,8 @@ protected:
     math::Vec2 m_r1;
     // Size of the last desired impulse, squared.
     float m_priority = 0.0f;
+    float m_massInv[2] = {0.0f, 0.0f};
+    float m_inertiaInv[2] = {0.0f, 0.0f};
 };
 
 // Greatest priority first.

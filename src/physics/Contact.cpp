@@ -71,6 +71,7 @@ bool Contact::SolveInit()
     const AbstractBody& a = *m_bodies[0];
     const AbstractBody& b = *m_bodies[1];
     const Simulation& sim = *Simulation::GetInstancePtr();
+    CacheInverseMasses();
 
     const math::Vec2 v = b.GetVelAtWorld(m_point) - a.GetVelAtWorld(m_point);
     m_relativeVelocity = v;

@@ -79,6 +79,7 @@ bool Hinge::SolveInit()
     const AbstractBody& b = *m_bodies[1];
     const Simulation& sim = *Simulation::GetInstancePtr();
     const ConstraintParams& p = s_params;
+    CacheInverseMasses();
 
     math::Vec2 points[2];
     GetWorldPoints(points);
@@ -177,8 +178,8 @@ void Hinge::ApplyImpulse()
     Constraint::ApplyImpulse(m_delta);
     if (m_motorOn && m_motorDelta != 0.0f)
     {
-        m_bodies[0]->RotationChange() -= m_bodies[0]->GetEffectiveInertiaInv() * m_motorDelta;
-        m_bodies[1]->RotationChange() += m_bodies[1]->GetEffectiveInertiaInv() * m_motorDelta;
+        m_bodies[0]->RotationChange() -= m_inertiaInv[0] * m_motorDelta;
+        m_bodies[1]->RotationChange() += m_inertiaInv[1] * m_motorDelta;
         m_motorSum += m_motorDelta;
     }
 }

@@ -453,7 +453,7 @@ void Simulation::GaussSeidelSolver(const util::VectorPOD<Constraint*>& list)
         // The biggest demands are served first in the first sweep.
         for (Constraint* constraint : m_sweepList)
             constraint->CalcDesiredImpulse();
-        std::stable_sort(m_sweepList.begin(), m_sweepList.end(), ConstraintComparer());
+        std::sort(m_sweepList.begin(), m_sweepList.end(), ConstraintComparer());
     }
     const int iterations = m_solveIter;
     for (int i = 0; i < iterations; ++i)
