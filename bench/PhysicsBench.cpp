@@ -1,0 +1,88 @@
+#include "AllocationCounter.h"
+#include "physics/Polygon.h"
+#include "physics/Simulation.h"
+#include "physics/testing/Scenes.h"
+
+#include <benchmark/benchmark.h>
+
+namespace
+{
+using physics::Simulation;
+namespace scenes = physics::testing;
+
+// Steps taken before timing starts, so that the scene is measured at rest or in steady motion rather than
+// while it first falls into place.
+const int SETTLE_STEPS = 100;
+
+// One step as a frame takes it, with the handle collection of the main loop.
+void StepOnce(Simulation& sim)
+{
+    sim.Step(true);
+    util::PointeeHandle::Flush();
+}
+
+// Times steps of the scene that `build` made; reports contacts and heap allocations per step.
+template <class Build> void RunScene(benchmark::State& state, Build build)
+{
+    scenes::ResetWorld();
+    Simulation& sim = *Simulation::GetInstancePtr();
+    build();
+    for (int i = 0; i < SETTLE_STEPS; ++i)
+        StepOnce(sim);
+    const std::size_t allocationsBefore = bench::AllocationCount();
+    double contacts = 0.0;
+    for (auto _ : state)
+    {
+        StepOnce(sim);
+        contacts += static_cast<double>(sim.GetContacts().size());
+    }
+    const double steps = static_cast<double>(state.iterations());
+    state.counters["contacts"] = contacts / steps;
+    state.counters["allocs/step"] = static_cast<double>(bench::AllocationCount() - allocationsBefore) / steps;
+    state.counters["bodies"] = static_cast<double>(sim.GetBodies().size() - 1);
+    scenes::ResetWorld();
+}
+
+void Pyramid_Boxes(benchmark::State& state)
+{
+    const int rows = static_cast<int>(state.range(0));
+    RunScene(state, [rows] {
+        Simulation::GetInstancePtr()->m_airSwitch = false;
+        scenes::BuildPyramid(rows, scenes::Shape::Box);
+    });
+}
+
+void Pyramid_Polygons(benchmark::State& state)
+{
+    const int rows = static_cast<int>(state.range(0));
+    RunScene(state, [rows] {
+        Simulation::GetInstancePtr()->m_airSwitch = false;
+        scenes::BuildPyramid(rows, scenes::Shape::Polygon);
+    });
+}
+
+void Circles_InContainer(benchmark::State& state)
+{
+    const int count = static_cast<int>(state.range(0));
+    RunScene(state, [count] { scenes::BuildCirclesInContainer(count, 0.25f); });
+}
+
+void Polygon_Construction(benchmark::State& state)
+{
+    scenes::ResetWorld();
+    const std::vector<math::Vec2> points =
+        scenes::RegularPolygonPoints(math::Vec2(0.0f, 0.0f), 1.0f, static_cast<int>(state.range(0)));
+    for (auto _ : state)
+    {
+        physics::Polygon polygon(points);
+        benchmark::DoNotOptimize(polygon.Area());
+    }
+}
+} // namespace
+
+BENCHMARK(Pyramid_Boxes)->Arg(10)->Arg(20)->Arg(30)->Unit(benchmark::kMillisecond);
+BENCHMARK(Pyramid_Polygons)->Arg(10)->Arg(20)->Arg(30)->Unit(benchmark::kMillisecond);
+BENCHMARK(Circles_InContainer)->Arg(500)->Unit(benchmark::kMillisecond);
+BENCHMARK(Polygon_Construction)->Arg(16)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+BENCHMARK_MAIN();

@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Builds the benchmarks (Release) and prints the median time per step of every case.
+# Arguments go to the benchmark program, e.g. --benchmark_filter=Pyramid.
+set -euo pipefail
+root=$(cd "$(dirname "$0")/.." && pwd)
+build="$root/build"
+cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release >/dev/null
+cmake --build "$build" --target physics_bench -j"$(nproc)" >/dev/null
+
+json=$(mktemp)
+trap 'rm -f "$json"' EXIT
+"$build/bench/physics_bench" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true \
+  --benchmark_out="$json" --benchmark_out_format=json "$@" >/dev/null 2>&1
+
+python3 - "$json" <<'PY'
+import json, sys
+data = json.load(open(sys.argv[1]))
+scale = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}
+rows = [b for b in data["benchmarks"] if b.get("aggregate_name") == "median"]
+print(f"{'case':<28}{'ms/step (wall)':>16}{'ms/step (cpu)':>15}{'contacts':>10}{'allocs/step':>13}")
+for b in rows:
+    f = scale[b["time_unit"]]
+    name = b["run_name"]
+    contacts = f"{b['contacts']:.0f}" if "contacts" in b else "-"
+    allocs = f"{b['allocs/step']:.0f}" if "allocs/step" in b else "-"
+    print(f"{name:<28}{b['real_time'] * f:>16.3f}{b['cpu_time'] * f:>15.3f}{contacts:>10}{allocs:>13}")
+print("(Polygon_Construction rows are ms per polygon.)")
+PY

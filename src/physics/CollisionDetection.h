@@ -1,0 +1,88 @@
+#pragma once
+
+#include "physics/Geom.h"
+#include "util/SharedPtr.h"
+#include "util/VectorPOD.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace physics
+{
+class AbstractBody;
+class Body;
+class Box;
+class Circle;
+class Contact;
+class Particle;
+class Plane;
+class Polygon;
+
+struct PolyHull
+{
+    Body* body;
+    Polygon* polygon;
+};
+
+struct CircleHull
+{
+    Body* body;
+    Circle* circle;
+    BoundingCircle bounds;
+};
+
+// Turns the present poses into raw contacts, once a step. Shapes are sorted by kind into flat lists and
+// each pair of lists is walked by plain nested loops: the filter first, then a quick bounding test, then
+// exact work. Water takes its own path, in which whole shapes are tested against the box around all
+// particles before any particle is looked at.
+class Collider
+{
+public:
+    void AssignBodies(const std::vector<util::SharedPtr<Body>>& bodies,
+                      const std::vector<util::SharedPtr<Particle>>& particles);
+    // Appends contacts made with new; the caller owns them.
+    void Collide(util::VectorPOD<Contact*>& out);
+
+private:
+    void CollideWater(util::VectorPOD<Contact*>& out);
+
+    util::VectorPOD<Plane*> m_planes;
+    util::VectorPOD<PolyHull> m_polygons;
+    util::VectorPOD<CircleHull> m_circles;
+    util::VectorPOD<Box*> m_boxes;
+    util::VectorPOD<Particle*> m_particles;
+    // A particle meets shapes as a small circle of this radius; pressure among particles gives the rest of
+    // the water's volume.
+    float m_waterContactDistance = 0.0f;
+};
+
+bool ShouldCollide(const AbstractBody* bodyA, const Geom& geomA, const AbstractBody* bodyB, const Geom& geomB);
+bool ShouldCollide(const Geom& geomA, const Geom& geomB);
+
+// Drops (and logs) a contact with a non-finite value.
+void AddContact(util::VectorPOD<Contact*>& out, Geom& geomA, Geom& geomB, std::uint32_t subId,
+                const math::Vec2& point, const math::Vec2& normal, float depth);
+
+bool RoughIntersectTest(const Polygon& a, const Polygon& b);
+bool AABBvcBC(const BoundingBox2& box, const BoundingCircle& circle);
+
+template <class T>
+void CollideParticle(float distance, Particle& particle, T& shape, util::VectorPOD<Contact*>& out);
+
+// Pair functions. Those named Collide... hold the work without the filter; the others test ShouldCollide
+// first.
+void PlaneCircle(Plane& plane, Circle& circle, util::VectorPOD<Contact*>& out);
+void PlanePoly(Plane& plane, Polygon& polygon, util::VectorPOD<Contact*>& out);
+void PlaneBox(Plane& plane, Box& box, util::VectorPOD<Contact*>& out);
+void CollidePlaneBox(Plane& plane, Box& box, util::VectorPOD<Contact*>& out);
+void CollidePlanePoly(Plane& plane, Polygon& polygon, util::VectorPOD<Contact*>& out);
+void PolygonPolygon(Polygon& a, Polygon& b, util::VectorPOD<Contact*>& out);
+void CollidePolyPoly(Polygon& a, Polygon& b, util::VectorPOD<Contact*>& out);
+void CircleCircle(Circle& a, Circle& b, util::VectorPOD<Contact*>& out);
+void CirclePolygon(Circle& circle, Polygon& polygon, util::VectorPOD<Contact*>& out);
+void CollideCirclePolygon(Circle& circle, Polygon& polygon, util::VectorPOD<Contact*>& out);
+void BoxBox(Box& a, Box& b, util::VectorPOD<Contact*>& out);
+void BoxPolygon(Box& box, Polygon& polygon, util::VectorPOD<Contact*>& out);
+void BoxCircle(Box& box, Circle& circle, util::VectorPOD<Contact*>& out);
+
+} // namespace physics

@@ -1,0 +1,149 @@
+#include "physics/Contact.h"
+
+#include "logging/Exception.h"
+#include "physics/AbstractBody.h"
+#include "physics/Geom.h"
+#include "physics/Simulation.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace physics
+{
+// Defaults of the settings (h 0.01, d 5, k 1e8, leap-frog), until the first solve sets them.
+ConstraintParams Contact::s_params(0.01f, 5.0f, 1e8f, 0.005f);
+float Contact::s_targetPenetration = 0.001f;
+
+namespace
+{
+math::Vec2 AccelerationAt(const AbstractBody& body, const math::Vec2& r)
+{
+    return body.GetForce() * body.GetEffectiveMassInv() +
+           math::Cross(body.GetEffectiveInertiaInv() * body.GetTorque(), r);
+}
+
+math::Vec2 VelocityChangeAt(const AbstractBody& body, const math::Vec2& r)
+{
+    return body.VelocityChange() + math::Cross(body.RotationChange(), r);
+}
+} // namespace
+
+float Mix(float a, float b)
+{
+    const float p = a * b;
+    const float sign = p > 0.0f ? 1.0f : (p < 0.0f ? -1.0f : 0.0f);
+    return sign * std::sqrt(std::fabs(p));
+}
+
+Contact::Contact(Geom* geomA, Geom* geomB, std::uint32_t subId, const math::Vec2& point,
+                 const math::Vec2& normal, float depth)
+    : m_birthTime(GetSimTime()), m_point(point), m_normal(normal), m_depth(depth),
+      m_friction(Mix(geomA->GetFriction(), geomB->GetFriction())),
+      m_restitution(Mix(geomA->GetRestitution(), geomB->GetRestitution())), m_tangent(math::Rot90CCW(normal)),
+      m_relativeVelocity(0.0f, 0.0f), m_id(geomA->GetId(), geomB->GetId(), subId)
+{
+    QLEX_ASSERT(math::IsFinite(point));
+    QLEX_ASSERT(math::IsFinite(normal));
+    QLEX_ASSERT(math::IsFiniteFloat(depth));
+    m_bodies[0] = geomA->GetBody();
+    m_bodies[1] = geomB->GetBody();
+    QLEX_ASSERT(m_bodies[0] && m_bodies[1]);
+    m_r0 = point - m_bodies[0]->GetPosition();
+    m_r1 = point - m_bodies[1]->GetPosition();
+    m_massN = CombinedMass(*m_bodies[0], m_r0, *m_bodies[1], m_r1, m_normal);
+    m_massT = CombinedMass(*m_bodies[0], m_r0, *m_bodies[1], m_r1, m_tangent);
+    m_regularizedN = 1.0f / (1.0f / m_massN + s_params.regularization);
+    m_regularizedT = 1.0f / (1.0f / m_massT + s_params.regularization);
+}
+
+void Contact::ReadFrom(const Contact& old)
+{
+    m_birthTime = old.m_birthTime;
+    m_sumN = old.m_sumN;
+    m_sumT = old.m_sumT;
+    m_isNew = false;
+}
+
+bool Contact::SolveInit()
+{
+    if (!m_bodies[0] || !m_bodies[1] || (m_bodies[0]->IsImmovable() && m_bodies[1]->IsImmovable()))
+        return false;
+    const AbstractBody& a = *m_bodies[0];
+    const AbstractBody& b = *m_bodies[1];
+    const Simulation& sim = *Simulation::GetInstancePtr();
+    CacheInverseMasses();
+
+    const math::Vec2 v = b.GetVelAtWorld(m_point) - a.GetVelAtWorld(m_point);
+    m_relativeVelocity = v;
+    const math::Vec2 acc = AccelerationAt(b, m_r1) - AccelerationAt(a, m_r0);
+    const ConstraintParams& p = s_params;
+
+    if (m_isNew)
+    {
+        // A new contact asks the approach speed to reverse, scaled by restitution.
+        m_activeMassN = m_massN;
+        m_activeMassT = m_massT;
+        m_targetN = (1.0f + m_restitution) * math::Dot(v, m_normal);
+    }
+    else
+    {
+        m_activeMassN = m_regularizedN;
+        m_activeMassT = m_regularizedT;
+        const float error = std::min(s_targetPenetration - m_depth, sim.m_maxPositionCorrection);
+        m_targetN = error * p.distanceFactor * m_distanceWeight + math::Dot(v, m_normal) * p.velocityFactor +
+                    math::Dot(acc, m_normal) * p.accelerationFactor;
+    }
+    m_targetT = math::Dot(v, m_tangent) * p.velocityFactor + math::Dot(acc, m_tangent) * p.accelerationFactor;
+    m_targetN *= -m_activeMassN;
+    m_targetT *= -m_activeMassT;
+
+    if (!m_isNew && sim.m_warmStart)
+    {
+        m_sumN *= sim.m_warmStartFactor;
+        m_sumT *= sim.m_warmStartFactor;
+        Constraint::ApplyImpulse(m_normal * m_sumN + m_tangent * m_sumT);
+    }
+    else
+    {
+        m_sumN = 0.0f;
+        m_sumT = 0.0f;
+    }
+    return true;
+}
+
+void Contact::CalcDesiredImpulse()
+{
+    const math::Vec2 w = VelocityChangeAt(*m_bodies[1], m_r1) - VelocityChangeAt(*m_bodies[0], m_r0);
+
+    // Contacts only push.
+    m_deltaN = m_targetN - math::Dot(w, m_normal) * m_activeMassN;
+    const float sumN = std::max(m_deltaN + m_sumN, 0.0f);
+    m_deltaN = sumN - m_sumN;
+
+    // Coulomb's cone: friction never exceeds mu times the normal impulse.
+    const float limit = std::max(m_friction * sumN, 0.0f);
+    m_deltaT = m_targetT - math::Dot(w, m_tangent) * m_activeMassT;
+    const float sumT = std::min(std::max(m_deltaT + m_sumT, -limit), limit);
+    m_deltaT = sumT - m_sumT;
+
+    m_priority = m_deltaN * m_deltaN + m_deltaT * m_deltaT;
+}
+
+void Contact::ApplyImpulse()
+{
+    Constraint::ApplyImpulse(m_normal * m_deltaN + m_tangent * m_deltaT);
+    m_sumN += m_deltaN;
+    m_sumT += m_deltaT;
+}
+
+math::Vec2 Contact::GetTotalImpulse() const
+{
+    return m_normal * m_sumN + m_tangent * m_sumT;
+}
+
+bool Contact::IsSeparating() const
+{
+    return math::Dot(m_relativeVelocity, m_normal) > 0.0f;
+}
+
+} // namespace physics

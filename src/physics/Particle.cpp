@@ -1,0 +1,37 @@
+#include "physics/Particle.h"
+
+#include "physics/SPH.h"
+
+namespace physics
+{
+Particle::ParticleGeom::ParticleGeom(Particle* owner, float radius) : Circular(Kind::ParticleCircle, radius)
+{
+    m_body = owner;
+}
+
+Particle::Particle(const math::Vec2& position, const math::Vec2& velocity)
+{
+    m_position = position;
+    m_velocity = velocity;
+    const SPH& sph = *SPH::GetInstancePtr();
+    m_geom = QLEX_NEW new ParticleGeom(this, sph.m_radius);
+    SetAttribs(sph.m_radius, sph.m_density, sph.m_friction, sph.m_restitution);
+}
+
+Particle::~Particle()
+{
+    m_geom->SetBody(nullptr);
+}
+
+void Particle::SetAttribs(float radius, float density, float friction, float restitution)
+{
+    m_area = math::PIf * radius * radius;
+    m_mass = m_area * density;
+    // A particle turns only if contacts spin it; a radius of gyration of one metre keeps that spin slow.
+    m_inertia = m_mass;
+    m_massInv = m_inertiaInv = 1.0f / m_mass;
+    m_geom->SetFriction(friction);
+    m_geom->SetRestitution(restitution);
+}
+
+} // namespace physics

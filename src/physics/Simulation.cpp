@@ -1,0 +1,679 @@
+#include "physics/Simulation.h"
+
+#include "logging/Exception.h"
+#include "logging/Log.h"
+#include "physics/Body.h"
+#include "physics/Contact.h"
+#include "physics/Hinge.h"
+#include "physics/Joint.h"
+#include "physics/Particle.h"
+#include "physics/SPH.h"
+#include "physics/WorldGeom.h"
+#include "util/Profiler.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <iomanip>
+#include <set>
+#include <sstream>
+
+namespace physics
+{
+namespace
+{
+// Numbers in the statistics text are written as script text writes floats: nine significant digits.
+util::String FloatText(float x)
+{
+    std::ostringstream out;
+    out << std::setprecision(9) << x;
+    return out.str();
+}
+
+float Sign(float x)
+{
+    return x > 0.0f ? 1.0f : (x < 0.0f ? -1.0f : 0.0f);
+}
+} // namespace
+
+double GetSimTime()
+{
+    return Simulation::GetInstancePtr()->GetSimulatedTime();
+}
+
+void AddAirFrictionForce(float invDt, float linear, float quadratic, float rot, AbstractBody& body,
+                         const math::Vec2& velocity, float speed, float width, const math::Vec2& arm, float mult)
+{
+    const bool movable = !body.IsHeld() && body.GetMassInv() != 0.0f;
+    const float massBound = (body.IsHeld() ? math::INF : body.GetMass()) * invDt;
+    const float c = std::min((speed * quadratic + linear) * width * mult, massBound);
+    const math::Vec2 force = velocity * -c;
+    body.AddForce(force);
+    if (movable)
+        body.SetTorque(body.GetTorque() + math::Cross(arm, force));
+
+    const float w = body.GetAngularVelocity();
+    const float torque = std::min(std::fabs(w) * rot * body.GetMass() * mult, body.GetInertia() * std::fabs(w) * invDt);
+    if (movable)
+        body.SetTorque(body.GetTorque() - torque * Sign(w));
+}
+
+void AddAirBuoyancy(float density, const math::Vec2& gravity, AbstractBody& body, float area, const math::Vec2& arm)
+{
+    const math::Vec2 force = gravity * -(area * density);
+    body.AddForce(force);
+    if (!body.IsHeld() && body.GetMassInv() != 0.0f)
+        body.SetTorque(body.GetTorque() + math::Cross(arm, force));
+}
+
+Simulation::Simulation()
+    : m_solidBodies(3), m_joints(3), m_constraints(3), m_contactCache(3),
+      m_stepCallbacks(*new util::CallbackArgSet<float>())
+{
+    // First of all geometries and bodies, so that both take id 0.
+    m_worldGeom = QLEX_NEW new WorldGeom();
+    m_worldBody = QLEX_NEW new Body();
+    m_worldBody->SetGeom(m_worldGeom);
+    m_solidBodiesList.push_back(m_worldBody);
+    m_solidBodies.insert(m_worldBody.get());
+    m_clock = util::ProfilerTime;
+}
+
+Simulation::~Simulation() = default;
+
+double Simulation::Now() const
+{
+    return m_clock();
+}
+
+void Simulation::SetClock(std::function<double()> clock)
+{
+    m_clock = clock ? std::move(clock) : std::function<double()>(util::ProfilerTime);
+}
+
+const util::SharedPtr<Body>& Simulation::GetWorldBody() const
+{
+    QLEX_ASSERT(m_worldBody->GetId() == 0 && m_worldGeom->GetId() == 0);
+    QLEX_ASSERT(m_worldBody->GetGeoms().Contains(m_worldGeom));
+    QLEX_ASSERT(m_worldGeom->GetBody() == m_worldBody.get());
+    return m_worldBody;
+}
+
+const util::SharedPtr<WorldGeom>& Simulation::GetWorldGeom() const
+{
+    GetWorldBody();
+    return m_worldGeom;
+}
+
+math::Vec2 Simulation::GetGravity() const
+{
+    return m_gravitySwitch ? m_gravity : math::Vec2(0.0f, 0.0f);
+}
+
+void Simulation::AddStepCallback(const util::SharedPtr<util::CallbackArg<float>>& callback)
+{
+    m_stepCallbacks.Add(callback);
+}
+
+void Simulation::Update(double dt)
+{
+    const util::ScopeProfiler profile("Simulation::Update");
+    m_statistics.clear();
+    if (m_timeFactor < 0.0f)
+        m_timeFactor = 0.0f;
+
+    if (!m_running || math::IsZero(m_timeFactor))
+    {
+        m_statistics += "Frozen\n";
+        Step(false);
+    }
+    else
+    {
+        m_timeDebt += double(m_timeFactor) * dt;
+        const double wanted = m_timeDebt;
+        const double start = Now();
+        const double h = m_timeDelta;
+        while (m_timeDebt > 0.0)
+        {
+            const double t0 = Now();
+            Step(m_running);
+            const double stepTime = Now() - t0;
+            m_timeDebt -= h;
+            m_simulatedTime += h;
+            // The frame's own dt counts against the budget: a slow frame takes one step and no more.
+            if (stepTime + (Now() - start + dt) > m_updateBudget)
+                break;
+        }
+        if (m_timeDebt > 0.0)
+        {
+            // Falling behind: the lost time is dropped and never made up, so that the frame rate holds.
+            m_realtimeRatio = static_cast<float>((wanted - m_timeDebt) / wanted);
+            m_timeDebt = 0.0;
+            char line[32];
+            std::snprintf(line, sizeof line, "%3d%% realtime\n", static_cast<int>(m_realtimeRatio * 100.0f));
+            m_statistics += line;
+        }
+        else
+        {
+            m_realtimeRatio = 1.0f;
+            m_statistics += "100% realtime.\n";
+        }
+    }
+    FlushBadBodies();
+    AppendStatistics();
+}
+
+void Simulation::AppendStatistics()
+{
+    size_t bodies = m_solidBodiesList.size();
+    if (m_worldBody->GetGeoms().size() == 1)
+        --bodies;
+    size_t geometries = 0;
+    for (const util::SharedPtr<Body>& body : m_solidBodiesList)
+        geometries += body->GetGeoms().size();
+    --geometries;
+    std::ostringstream out;
+    out << bodies << " bodies\n"
+        << geometries << " geometries\n"
+        << m_particles.size() << " particles\n"
+        << m_contacts.size() << " contacts\n"
+        << m_joints.size() << " springs\n"
+        << m_constraints.size() << " hinges\n"
+        << "Running at " << FloatText(1.0f / m_timeDelta) << " Hz\n";
+    m_statistics += out.str();
+}
+
+void Simulation::Step(bool run)
+{
+    const util::ScopeProfiler profile("Simu::Step");
+    if (run)
+        FlushBadBodies();
+    RebuildStepList();
+    if (run)
+    {
+        CalcForces();
+        CalcContacts();
+        const float h = m_timeDelta;
+        if (m_leapFrog)
+        {
+            // Half the forces before the solve and half after: the solver sees mid-step velocities, and its
+            // acceleration term (h / 2) accounts for the half still to come.
+            IntegrateVelocity(h / 2.0f);
+            RunSolver();
+            IntegrateVelocity(h / 2.0f);
+            IntegratePosition(h);
+        }
+        else
+        {
+            RunSolver();
+            IntegrateVelocity(h);
+            IntegratePosition(h);
+        }
+        SPH::GetInstancePtr()->VelocitySmoothing();
+        // Forces from outside a step (a tool's) act in the next step, and then vanish.
+        for (AbstractBody* body : m_stepList)
+        {
+            body->SetForce(math::Vec2(0.0f, 0.0f));
+            body->SetTorque(0.0f);
+        }
+    }
+    {
+        const util::ScopeProfiler listeners("Step listeners");
+        m_stepCallbacks.CallAll(run ? m_timeDelta : 0.0f);
+    }
+}
+
+void Simulation::RebuildStepList()
+{
+    m_stepList.clear();
+    m_stepList.reserve(m_solidBodiesList.size() + m_particles.size());
+    for (const util::SharedPtr<Body>& body : m_solidBodiesList)
+        m_stepList.append(body.get());
+    for (const util::SharedPtr<Particle>& particle : m_particles)
+        m_stepList.append(particle.get());
+}
+
+void Simulation::IntegrateVelocity(float dt)
+{
+    const util::ScopeProfiler profile("IntegrateVelocity");
+    for (AbstractBody* body : m_stepList)
+        body->IntegrateVelocity(dt);
+}
+
+void Simulation::IntegratePosition(float dt)
+{
+    const util::ScopeProfiler profile("IntegratePosition");
+    for (AbstractBody* body : m_stepList)
+        body->IntegratePosition(dt);
+}
+
+void Simulation::CalcForces()
+{
+    const util::ScopeProfiler profile("Simulation::CalcForces");
+    const float invDt = 1.0f / m_timeDelta;
+    const math::Vec2 g = GetGravity();
+    const float linear = m_airFrictionLinear;
+    const float quadratic = m_airFrictionQuadratic;
+    const float rot = m_rotFrictionLinear;
+    const float airDensity = m_airDensity;
+    const bool hasFriction = linear != 0.0f || quadratic != 0.0f || rot != 0.0f;
+    const bool hasBuoyancy = airDensity != 0.0f;
+
+    {
+        const util::ScopeProfiler stage("Body forces");
+        const bool air = m_airSwitch;
+        for (const util::SharedPtr<Body>& bodyPtr : m_solidBodiesList)
+        {
+            Body& body = *bodyPtr;
+            if (body.IsHeld() || body.GetMassInv() == 0.0f)
+                continue;
+            body.AddForce(g * body.GetMass());
+            if (!air)
+                continue;
+
+            const math::Vec2 velocity = body.GetVelocity();
+            const float speed = velocity.Length();
+            const math::Vec2 dir = speed != 0.0f ? velocity / speed : math::Vec2(0.0f, 0.0f);
+            const math::Vec2 perp = math::Rot90CW(dir);
+            float width = 0.0f;
+            math::Vec2 widthCentre;
+            math::Vec2 areaCentre;
+            float frictionSum = 0.0f;
+            for (const Body::BodyPart& part : body.GetParts())
+            {
+                const Geom& geom = *part.geom;
+                const math::OBB2D box = geom.GetOBBWorld();
+                // The width the body shows to the wind, and where the wind meets it.
+                const float r = 2.0f * box.ProjectedRadius(perp);
+                width += r;
+                widthCentre += box.center * r;
+                const float area = geom.Area();
+                areaCentre += geom.GetPosition() * area;
+                frictionSum += geom.GetAirFrictionMult() * area;
+            }
+            const float totalArea = body.GetArea();
+            const float airMult = frictionSum / totalArea;
+            if (hasFriction && !math::IsZero(speed) && width > 0.0f)
+                AddAirFrictionForce(invDt, linear, quadratic, rot, body, velocity, speed, width,
+                                    widthCentre / width - body.GetPosition(), airMult);
+            if (hasBuoyancy)
+                AddAirBuoyancy(airDensity, g, body, totalArea, areaCentre / totalArea - body.GetPosition());
+        }
+    }
+    {
+        const util::ScopeProfiler stage("Particle forces");
+        const SPH& sph = *SPH::GetInstancePtr();
+        const float r = sph.m_radius;
+        const float area = math::PIf * r * r;
+        const float mass = area * sph.m_density;
+        const math::Vec2 noArm(0.0f, 0.0f);
+        for (const util::SharedPtr<Particle>& particlePtr : m_particles)
+        {
+            Particle& particle = *particlePtr;
+            particle.AddForce(g * mass);
+            if (hasFriction)
+            {
+                const math::Vec2 velocity = particle.GetVelocity();
+                AddAirFrictionForce(invDt, linear, quadratic, rot, particle, velocity, velocity.Length(), 2.0f * r,
+                                    noArm, 1.0f);
+            }
+            if (hasBuoyancy)
+                AddAirBuoyancy(airDensity, g, particle, area, noArm);
+        }
+    }
+    for (const util::SharedPtr<Joint>& joint : m_joints)
+        joint->ApplyForce();
+    if (m_running)
+        SPH::GetInstancePtr()->Update(m_particles, m_timeDelta);
+}
+
+void Simulation::CalcContacts()
+{
+    const util::ScopeProfiler profile("Sim::CalcContacts");
+    {
+        const util::ScopeProfiler stage("Finding contacts");
+        m_collider.AssignBodies(m_solidBodiesList, m_particles);
+        m_rawContacts.clear();
+        m_rawContacts.reserve(m_contacts.capacity());
+        m_collider.Collide(m_rawContacts);
+        m_contacts.clear();
+        m_contacts.reserve(m_rawContacts.size());
+        for (Contact* contact : m_rawContacts)
+            m_contacts.push_back(util::SharedPtr<Contact>(contact));
+    }
+    {
+        const util::ScopeProfiler stage("Matching cache");
+        m_matchedCount = 0;
+        for (const util::SharedPtr<Contact>& contact : m_contacts)
+        {
+            if (const util::SharedPtr<Contact>* old = m_contactCache.TryGet(contact->GetID()))
+            {
+                contact->ReadFrom(**old);
+                ++m_matchedCount;
+            }
+        }
+    }
+    {
+        // A contact missing for one step is forgotten.
+        const util::ScopeProfiler stage("Update cache");
+        m_contactCache.clear();
+        for (const util::SharedPtr<Contact>& contact : m_contacts)
+            m_contactCache.Insert(contact->GetID(), contact);
+    }
+}
+
+void Simulation::SetupSolver()
+{
+    const float h = m_timeDelta;
+    const float k = m_solveConstant;
+    // With leap-frog integration half of this step's forces come after the solve.
+    const float accFactor = m_leapFrog ? h / 2.0f : 0.0f;
+    if (m_adHocSolver)
+    {
+        ConstraintParams params;
+        params.h = h;
+        params.distanceFactor = 1.0f / h;
+        params.velocityFactor = 0.0f;
+        params.accelerationFactor = accFactor;
+        params.regularization = 0.0f;
+        Hinge::s_params = params;
+        Contact::s_params = params;
+    }
+    else
+    {
+        Hinge::s_params = ConstraintParams(h, m_solveDconstraints, k, accFactor);
+        Contact::s_params = ConstraintParams(h, m_solveDcontacts, k, accFactor);
+    }
+    Contact::s_targetPenetration = m_targetPenetration;
+    for (ConstraintParams* params : {&Hinge::s_params, &Contact::s_params})
+    {
+        params->distanceFactor *= m_solveDistFactor;
+        params->velocityFactor *= m_solveVelFactor;
+        params->accelerationFactor *= m_solveAccFactor;
+        params->regularization *= m_solveRegularizationFactor;
+    }
+}
+
+void Simulation::RunSolver()
+{
+    const util::ScopeProfiler profile("RunSolver");
+    SetupSolver();
+    {
+        const util::ScopeProfiler stage("Init bodies");
+        for (AbstractBody* body : m_stepList)
+        {
+            body->VelocityChange() = math::Vec2(0.0f, 0.0f);
+            body->RotationChange() = 0.0f;
+        }
+    }
+    m_solverList.clear();
+    m_solverList.reserve(m_constraints.size() + m_contacts.size());
+    for (const util::SharedPtr<Hinge>& hinge : m_constraints)
+        m_solverList.append(hinge.get());
+    for (const util::SharedPtr<Contact>& contact : m_contacts)
+        m_solverList.append(contact.get());
+    {
+        const util::ScopeProfiler stage("SolveInit");
+        size_t i = 0;
+        while (i < m_solverList.size())
+        {
+            if (m_solverList[i]->SolveInit())
+                ++i;
+            else
+                m_solverList.erase_swap(i);
+        }
+    }
+    if (m_prioritizedSolver)
+        PrioritizedSolver(m_solverList);
+    else
+        GaussSeidelSolver(m_solverList);
+    {
+        const util::ScopeProfiler stage("SolveExit");
+        for (Constraint* constraint : m_solverList)
+            constraint->SolveExit();
+    }
+    {
+        const util::ScopeProfiler stage("Applying velchanges");
+        for (AbstractBody* body : m_stepList)
+        {
+            if (body->IsImmovable())
+                continue;
+            body->SetVelocity(body->GetVelocity() + body->VelocityChange());
+            body->SetAngularVelocity(body->GetAngularVelocity() + body->RotationChange());
+        }
+    }
+}
+
+void Simulation::GaussSeidelSolver(const util::VectorPOD<Constraint*>& list)
+{
+    const util::ScopeProfiler profile("GaussSeidelSolver");
+    m_sweepList = list;
+    if (m_solvePreSortConstraints)
+    {
+        // The biggest demands are served first in the first sweep.
+        for (Constraint* constraint : m_sweepList)
+            constraint->CalcDesiredImpulse();
+        std::sort(m_sweepList.begin(), m_sweepList.end(), ConstraintComparer());
+    }
+    const int iterations = m_solveIter;
+    for (int i = 0; i < iterations; ++i)
+        for (Constraint* constraint : m_sweepList)
+        {
+            constraint->CalcDesiredImpulse();
+            constraint->ApplyImpulse();
+        }
+}
+
+void Simulation::PrioritizedSolver(const util::VectorPOD<Constraint*>& list)
+{
+    const util::ScopeProfiler profile("PrioritizedSolver");
+    for (AbstractBody* body : m_stepList)
+        body->GetConstraints().clear();
+
+    // Keyed by priority alone: of equal priorities only the first enters, and the others enter when a
+    // neighbour's change alters theirs.
+    std::set<Constraint*, ConstraintComparer> queue;
+    for (Constraint* constraint : list)
+    {
+        for (int i = 0; i < 2; ++i)
+        {
+            AbstractBody* body = constraint->GetBody(i);
+            if (!body->IsImmovable())
+                body->GetConstraints().append(constraint);
+        }
+        constraint->CalcDesiredImpulse();
+        queue.insert(constraint);
+    }
+
+    std::set<Constraint*> touched;
+    const size_t steps = static_cast<size_t>(std::max(m_solveIter, 0)) * list.size();
+    for (size_t step = 0; step < steps && !queue.empty(); ++step)
+    {
+        Constraint* top = *queue.begin();
+        top->ApplyImpulse();
+        touched.clear();
+        for (int i = 0; i < 2; ++i)
+            for (Constraint* neighbour : top->GetBody(i)->GetConstraints())
+                touched.insert(neighbour);
+        for (Constraint* constraint : touched)
+        {
+            queue.erase(constraint);
+            constraint->CalcDesiredImpulse();
+            queue.insert(constraint);
+        }
+    }
+}
+
+void Simulation::FlushBadBodies()
+{
+    const util::ScopeProfiler profile("Simulation::FlushBadBodies");
+    math::Vec2 fall = GetGravity();
+    fall.Normalize();
+    const float limit = m_fallLimit;
+
+    std::vector<util::SharedPtr<Body>> bad;
+    for (const util::SharedPtr<Body>& body : m_solidBodiesList)
+        if (body->IsBad() || math::Dot(body->GetPosition(), fall) > limit)
+            bad.push_back(body);
+    for (const util::SharedPtr<Body>& body : bad)
+    {
+        Log(logging::Debug, "Removing bad object");
+        RemoveBody(body);
+    }
+
+    const float vaporizeTime = SPH::GetInstancePtr()->m_vaporizeTime;
+    size_t i = 0;
+    while (i < m_particles.size())
+    {
+        const Particle& p = *m_particles[i];
+        if (p.IsBad() || p.GetLonelyTime() > vaporizeTime || math::Dot(p.GetPosition(), fall) > limit)
+        {
+            // The last particle moves into this slot and is tested next.
+            m_particles[i] = m_particles.back();
+            m_particles.pop_back();
+        }
+        else
+        {
+            ++i;
+        }
+    }
+
+    std::vector<util::SharedPtr<Joint>> badJoints;
+    for (const util::SharedPtr<Joint>& joint : m_joints)
+        if (!joint->IsGood())
+            badJoints.push_back(joint);
+    for (const util::SharedPtr<Joint>& joint : badJoints)
+        RemoveJoint(joint);
+
+    std::vector<util::SharedPtr<Hinge>> badHinges;
+    for (const util::SharedPtr<Hinge>& hinge : m_constraints)
+        if (!hinge->IsGood())
+            badHinges.push_back(hinge);
+    for (const util::SharedPtr<Hinge>& hinge : badHinges)
+        RemoveConstraint(hinge);
+}
+
+void Simulation::AddBody(const util::SharedPtr<Body>& body)
+{
+    QLEX_ASSERT(body);
+    if (m_solidBodies.Contains(body.get()))
+        return;
+    body->ApplyPoseChange();
+    m_solidBodiesList.push_back(body);
+    m_solidBodies.insert(body.get());
+}
+
+void Simulation::RemoveBody(const util::SharedPtr<Body>& body)
+{
+    if (!body || body == m_worldBody || !m_solidBodies.Contains(body.get()))
+        return;
+    // Held for the whole removal: the entity may hold the only other reference.
+    const util::SharedPtr<Body> keep = body;
+    keep->SetGeoms(Body::GeomSet());
+    m_solidBodies.erase(keep.get());
+    m_solidBodiesList.erase(std::find(m_solidBodiesList.begin(), m_solidBodiesList.end(), keep));
+}
+
+bool Simulation::HasBody(const util::SharedPtr<Body>& body) const
+{
+    return body && m_solidBodies.Contains(body.get());
+}
+
+bool Simulation::HasBody(const util::SharedPtr<AbstractBody>& body) const
+{
+    return HasBody(util::dynamic_pointer_cast<Body>(body));
+}
+
+bool Simulation::HasBody(Body* body) const
+{
+    return body && m_solidBodies.Contains(body);
+}
+
+void Simulation::AddJoint(const util::SharedPtr<Joint>& joint)
+{
+    QLEX_ASSERT(joint);
+    if (m_joints.Contains(joint))
+        return;
+    m_joints.insert(joint);
+    joint->Activate();
+}
+
+void Simulation::RemoveJoint(const util::SharedPtr<Joint>& joint)
+{
+    QLEX_ASSERT(joint);
+    if (!m_joints.Contains(joint))
+        return;
+    const util::SharedPtr<Joint> keep = joint;
+    m_joints.erase(keep);
+    keep->Deactivate();
+}
+
+bool Simulation::HasJoint(const util::SharedPtr<Joint>& joint) const
+{
+    return joint && m_joints.Contains(joint);
+}
+
+void Simulation::AddConstraint(const util::SharedPtr<Hinge>& hinge)
+{
+    QLEX_ASSERT(hinge);
+    if (m_constraints.Contains(hinge))
+        return;
+    m_constraints.insert(hinge);
+    hinge->Activate();
+}
+
+void Simulation::RemoveConstraint(const util::SharedPtr<Hinge>& hinge)
+{
+    QLEX_ASSERT(hinge);
+    if (!m_constraints.Contains(hinge))
+        return;
+    const util::SharedPtr<Hinge> keep = hinge;
+    m_constraints.erase(keep);
+    keep->Deactivate();
+}
+
+bool Simulation::HasConstraint(const util::SharedPtr<Hinge>& hinge) const
+{
+    return hinge && m_constraints.Contains(hinge);
+}
+
+void Simulation::AddParticle(const util::SharedPtr<Particle>& particle)
+{
+    QLEX_ASSERT(particle);
+    m_particles.push_back(particle);
+}
+
+void Simulation::EraseWater()
+{
+    m_particles.clear();
+}
+
+void Simulation::Clear()
+{
+    const std::vector<util::SharedPtr<Body>> bodies = m_solidBodiesList;
+    for (const util::SharedPtr<Body>& body : bodies)
+        RemoveBody(body);
+    std::vector<util::SharedPtr<Joint>> joints;
+    for (const util::SharedPtr<Joint>& joint : m_joints)
+        joints.push_back(joint);
+    for (const util::SharedPtr<Joint>& joint : joints)
+        RemoveJoint(joint);
+    std::vector<util::SharedPtr<Hinge>> hinges;
+    for (const util::SharedPtr<Hinge>& hinge : m_constraints)
+        hinges.push_back(hinge);
+    for (const util::SharedPtr<Hinge>& hinge : hinges)
+        RemoveConstraint(hinge);
+    m_particles.clear();
+    m_stepList.clear();
+    m_contacts.clear();
+    m_contactCache.clear();
+    m_timeDebt = 0.0;
+    m_matchedCount = 0;
+    m_simulatedTime = 0.0;
+    m_worldBody->SetGeom(m_worldGeom);
+    QLEX_ASSERT(m_solidBodiesList.size() == 1);
+    QLEX_ASSERT(m_joints.empty());
+    QLEX_ASSERT(m_constraints.empty());
+}
+
+} // namespace physics

@@ -1,0 +1,225 @@
+#include "physics/testing/Scenes.h"
+
+#include "physics/Box.h"
+#include "physics/Circle.h"
+#include "physics/Hinge.h"
+#include "physics/Plane.h"
+#include "physics/Polygon.h"
+#include "physics/SPH.h"
+#include "physics/Simulation.h"
+#include "physics/WorldGeom.h"
+
+#include <cmath>
+
+namespace physics::testing
+{
+namespace
+{
+// Gap between neighbouring boxes of a row, as a fraction of their size: touching sides would make
+// contacts that only add work.
+const float ROW_GAP = 0.1f;
+// Walls of containers, in metres.
+const float WALL_THICKNESS = 0.5f;
+// Rest spacing of water particles, in particle radii.
+const float WATER_SPACING_RADII = 1.5f;
+} // namespace
+
+void ResetWorld()
+{
+    Simulation& sim = *Simulation::GetInstancePtr();
+    sim.Clear();
+    sim.SetClock(nullptr);
+    sim.SetUpdateBudget(0.05f);
+    sim.m_running = true;
+    sim.m_timeFactor = 1.0f;
+    sim.m_timeDelta = 0.01f;
+    sim.m_gravity = math::Vec2(0.0f, -9.8f);
+    sim.m_gravitySwitch = true;
+    sim.m_airSwitch = true;
+    sim.m_airFrictionLinear = 0.01f;
+    sim.m_airFrictionQuadratic = 0.0f;
+    sim.m_rotFrictionLinear = 0.01f;
+    sim.m_airDensity = 0.01f;
+    sim.m_springForce = 1000.0f;
+    sim.m_defaultBodyDensity = 2.0f;
+    sim.m_defaultBodyFriction = 0.5f;
+    sim.m_defaultBodyRestitution = 0.5f;
+    sim.m_fallLimit = 1000.0f;
+    sim.m_prioritizedSolver = false;
+    sim.m_targetPenetration = 0.001f;
+    sim.m_solveIter = 30;
+    sim.m_solveConstant = 1e8f;
+    sim.m_solveDcontacts = 5.0f;
+    sim.m_solveDconstraints = 5.0f;
+    sim.m_solvePenetrationDamping = false;
+    sim.m_solveDistFactor = 1.0f;
+    sim.m_solveVelFactor = 1.0f;
+    sim.m_solveAccFactor = 1.0f;
+    sim.m_solveRegularizationFactor = 1.0f;
+    sim.m_solvePreSortConstraints = true;
+    sim.m_leapFrog = true;
+    sim.m_adHocSolver = false;
+    sim.m_warmStart = true;
+    sim.m_warmStartFactor = 0.5f;
+    sim.m_maxPositionCorrection = math::INF;
+
+    SPH& sph = *SPH::GetInstancePtr();
+    sph.m_radius = 0.05f;
+    sph.m_influence = 2.0f;
+    sph.m_specialPressure = true;
+    sph.m_velocitySmoothing = true;
+    sph.m_vaporizeTime = 5.0f;
+    sph.m_friction = 0.01f;
+    sph.m_restitution = 0.0f;
+    sph.m_soundSpeed = 20.0f;
+    sph.m_density = 1.0f;
+    sph.m_viscosity = 0.5f;
+    sph.m_pressMultiplier = 1.0f;
+    sph.m_viscMultiplier = 1.0f;
+    sph.m_surfaceTension = 0.0f;
+    sph.m_jitter = 0.0f;
+    sph.m_bucketSize = 2.0f;
+}
+
+util::SharedPtr<Body> AddDynamic(const util::SharedPtr<Geom>& geom)
+{
+    util::SharedPtr<Body> body = QLEX_NEW new Body();
+    body->SetGeom(geom);
+    Simulation::GetInstancePtr()->AddBody(body);
+    return body;
+}
+
+void AddStatic(const util::SharedPtr<Geom>& geom)
+{
+    Simulation::GetInstancePtr()->GetWorldBody()->AddGeom(geom);
+}
+
+util::SharedPtr<Geom> AddGround(float height)
+{
+    util::SharedPtr<Geom> plane =
+        QLEX_NEW new Plane(math::Plane2D::FromPointNormal(math::Vec2(0.0f, height), math::Vec2(0.0f, 1.0f)));
+    AddStatic(plane);
+    return plane;
+}
+
+util::SharedPtr<Geom> MakeBox(Shape shape, const math::Vec2& size, const math::Vec2& centre)
+{
+    if (shape == Shape::Box)
+        return QLEX_NEW new Box(size, centre);
+    const math::Vec2 half = size * 0.5f;
+    return Polygon::CreateBox(centre - half, centre + half);
+}
+
+std::vector<math::Vec2> RegularPolygonPoints(const math::Vec2& centre, float radius, int vertices)
+{
+    std::vector<math::Vec2> points;
+    points.reserve(vertices);
+    for (int i = 0; i < vertices; ++i)
+    {
+        const float a = 2.0f * math::PIf * static_cast<float>(i) / static_cast<float>(vertices);
+        points.push_back(centre + math::Vec2(std::cos(a), std::sin(a)) * radius);
+    }
+    return points;
+}
+
+std::vector<util::SharedPtr<Body>> BuildPyramid(int rows, Shape shape, float size)
+{
+    AddGround();
+    std::vector<util::SharedPtr<Body>> bodies;
+    const float pitch = size * (1.0f + ROW_GAP);
+    for (int row = 0; row < rows; ++row)
+    {
+        const int count = rows - row;
+        const float y = size * (0.5f + static_cast<float>(row));
+        for (int i = 0; i < count; ++i)
+        {
+            const float x = (static_cast<float>(i) - 0.5f * static_cast<float>(count - 1)) * pitch;
+            bodies.push_back(AddDynamic(MakeBox(shape, math::Vec2(size, size), math::Vec2(x, y))));
+        }
+    }
+    return bodies;
+}
+
+std::vector<util::SharedPtr<Body>> BuildColumn(int count, Shape shape, float size)
+{
+    AddGround();
+    std::vector<util::SharedPtr<Body>> bodies;
+    for (int i = 0; i < count; ++i)
+        bodies.push_back(AddDynamic(
+            MakeBox(shape, math::Vec2(size, size), math::Vec2(0.0f, size * (0.5f + static_cast<float>(i))))));
+    return bodies;
+}
+
+void BuildContainer(float innerWidth, float wallHeight)
+{
+    const float outer = innerWidth + 2.0f * WALL_THICKNESS;
+    AddStatic(QLEX_NEW new Box(math::Vec2(outer, WALL_THICKNESS), math::Vec2(0.0f, -WALL_THICKNESS / 2.0f)));
+    const float wallX = innerWidth / 2.0f + WALL_THICKNESS / 2.0f;
+    for (float side : {-1.0f, 1.0f})
+        AddStatic(QLEX_NEW new Box(math::Vec2(WALL_THICKNESS, wallHeight),
+                                   math::Vec2(side * wallX, wallHeight / 2.0f)));
+}
+
+std::vector<util::SharedPtr<Body>> BuildCirclesInContainer(int count, float radius)
+{
+    const int columns = static_cast<int>(std::ceil(std::sqrt(static_cast<float>(count))));
+    const float pitch = 2.2f * radius;
+    const float width = columns * pitch + 2.0f * radius;
+    BuildContainer(width, width);
+    std::vector<util::SharedPtr<Body>> bodies;
+    for (int i = 0; i < count; ++i)
+    {
+        const int column = i % columns;
+        const int row = i / columns;
+        const math::Vec2 centre((static_cast<float>(column) - 0.5f * static_cast<float>(columns - 1)) * pitch,
+                                radius * 2.0f + static_cast<float>(row) * pitch);
+        bodies.push_back(AddDynamic(QLEX_NEW new Circle(centre, radius)));
+    }
+    return bodies;
+}
+
+float WaterSpacing()
+{
+    return WATER_SPACING_RADII * SPH::GetInstancePtr()->m_radius;
+}
+
+std::vector<util::SharedPtr<Particle>> BuildWaterTank(int count, int rows)
+{
+    const int columns = (count + rows - 1) / rows;
+    const float spacing = WaterSpacing();
+    const float width = static_cast<float>(columns) * spacing;
+    BuildContainer(width, static_cast<float>(rows) * spacing * 2.0f + 1.0f);
+    std::vector<util::SharedPtr<Particle>> particles;
+    Simulation& sim = *Simulation::GetInstancePtr();
+    for (int i = 0; i < count; ++i)
+    {
+        const int column = i % columns;
+        const int row = i / columns;
+        const math::Vec2 p(-width / 2.0f + (static_cast<float>(column) + 0.5f) * spacing,
+                           (static_cast<float>(row) + 0.5f) * spacing);
+        util::SharedPtr<Particle> particle = QLEX_NEW new Particle(p, math::Vec2(0.0f, 0.0f));
+        sim.AddParticle(particle);
+        particles.push_back(particle);
+    }
+    return particles;
+}
+
+std::vector<util::SharedPtr<Body>> BuildHingeChain(int links, const math::Vec2& anchor, float linkLength)
+{
+    Simulation& sim = *Simulation::GetInstancePtr();
+    std::vector<util::SharedPtr<Body>> bodies;
+    util::SharedPtr<Geom> previous = sim.GetWorldGeom();
+    const float thickness = linkLength * 0.2f;
+    for (int i = 0; i < links; ++i)
+    {
+        const math::Vec2 start = anchor + math::Vec2(linkLength * static_cast<float>(i), 0.0f);
+        util::SharedPtr<Geom> link =
+            QLEX_NEW new Box(math::Vec2(linkLength, thickness), start + math::Vec2(linkLength / 2.0f, 0.0f));
+        bodies.push_back(AddDynamic(link));
+        sim.AddConstraint(QLEX_NEW new Hinge(previous, link, start));
+        previous = link;
+    }
+    return bodies;
+}
+
+} // namespace physics::testing

@@ -1,0 +1,179 @@
+#include "WorldTest.h"
+
+#include "physics/Polygon.h"
+
+#include <cmath>
+
+namespace physics
+{
+namespace
+{
+std::vector<math::Vec2> Square(float side, bool clockwise)
+{
+    std::vector<math::Vec2> points = {math::Vec2(0.0f, 0.0f), math::Vec2(side, 0.0f), math::Vec2(side, side),
+                                      math::Vec2(0.0f, side)};
+    if (clockwise)
+        std::reverse(points.begin(), points.end());
+    return points;
+}
+
+float SignedArea(const std::vector<math::Vec2>& v)
+{
+    float twice = 0.0f;
+    for (size_t i = 0; i < v.size(); ++i)
+        twice += math::Cross(v[i], v[(i + 1) % v.size()]);
+    return twice / 2.0f;
+}
+
+std::string ConstructionError(const std::vector<math::Vec2>& points)
+{
+    try
+    {
+        Polygon polygon(points);
+    }
+    catch (const BadDataException& e)
+    {
+        return e.what();
+    }
+    return "";
+}
+} // namespace
+
+TEST_F(WorldTest, Polygon_ClockwiseSquareBecomesCounterClockwiseAboutItsCentroid)
+{
+    Polygon polygon(Square(1.0f, true));
+    EXPECT_FLOAT_EQ(polygon.Area(), 1.0f);
+    EXPECT_GT(SignedArea(polygon.GetVertices()), 0.0f);
+    EXPECT_NEAR(polygon.InertiaSansMass(), 2.0f / 12.0f, 1e-5f);
+    // The frame's origin is the centroid, and the shape stands where its points stood.
+    EXPECT_NEAR(polygon.GetPosition().x, 0.5f, 1e-6f);
+    EXPECT_NEAR(polygon.GetPosition().y, 0.5f, 1e-6f);
+    for (const math::Vec2& v : polygon.GetWorldVertices())
+    {
+        EXPECT_NEAR(std::fabs(v.x - 0.5f), 0.5f, 1e-6f);
+        EXPECT_NEAR(std::fabs(v.y - 0.5f), 0.5f, 1e-6f);
+    }
+    EXPECT_NEAR(polygon.GetPerimeter(), 4.0f, 1e-5f);
+}
+
+TEST_F(WorldTest, Polygon_RefusesBadInput)
+{
+    EXPECT_EQ(ConstructionError({math::Vec2(0.0f, 0.0f), math::Vec2(1.0f, 0.0f)}), "Bad polygon");
+    EXPECT_EQ(ConstructionError({math::Vec2(1.0f, 1.0f), math::Vec2(1.0f, 1.0f), math::Vec2(1.0f, 1.0f)}),
+              "Bad polygon");
+    EXPECT_EQ(ConstructionError({math::Vec2(0.0f, 0.0f), math::Vec2(1.0f, 0.0f), math::Vec2(2.0f, 0.0f)}),
+              "Bad polygon");
+    // A bow-tie.
+    EXPECT_EQ(ConstructionError({math::Vec2(0.0f, 0.0f), math::Vec2(1.0f, 1.0f), math::Vec2(1.0f, 0.0f),
+                                 math::Vec2(0.0f, 1.0f)}),
+              "Self-intersecting polygon");
+    // A closed sketch repeats its first point: that is no extra vertex.
+    std::vector<math::Vec2> closed = Square(1.0f, false);
+    closed.push_back(closed.front());
+    EXPECT_EQ(Polygon(closed).GetVertices().size(), 4u);
+}
+
+TEST_F(WorldTest, Polygon_DistanceFieldInsideOnTheEdgeAndOutside)
+{
+    // A 4 by 2 rectangle centred at (10, 0).
+    util::SharedPtr<Polygon> rect = Polygon::CreateBox(math::Vec2(8.0f, -1.0f), math::Vec2(12.0f, 1.0f));
+    EXPECT_EQ(rect->GetVertices().size(), 16u);
+    EXPECT_NEAR(rect->DistanceWorld(math::Vec2(10.0f, 0.0f)), -1.0f, 0.05f);
+    EXPECT_NEAR(rect->DistanceWorld(math::Vec2(10.0f, 1.0f)), 0.0f, 0.02f);
+    EXPECT_NEAR(rect->DistanceWorld(math::Vec2(9.0f, -0.8f)), -0.2f, 0.02f);
+    EXPECT_GT(rect->DistanceWorld(math::Vec2(10.0f, 1.1f)), 0.0f);
+
+    const math::Vec2 up = rect->NormalWorld(math::Vec2(10.0f, 0.9f));
+    EXPECT_NEAR(up.x, 0.0f, 0.02f);
+    EXPECT_NEAR(up.y, 1.0f, 0.02f);
+    const math::Vec2 left = rect->NormalWorld(math::Vec2(8.05f, 0.0f));
+    EXPECT_NEAR(left.x, -1.0f, 0.02f);
+
+    // Far outside the grid: no normal, a positive distance.
+    EXPECT_EQ(rect->NormalWorld(math::Vec2(30.0f, 0.0f)), math::Vec2(0.0f, 0.0f));
+    EXPECT_GT(rect->DistanceWorld(math::Vec2(30.0f, 0.0f)), 10.0f);
+
+    // The field turns with the shape.
+    rect->SetWorldPose(math::Mat2D::TranslationRotation(math::Vec2(0.0f, 0.0f), math::PIf / 2.0f));
+    EXPECT_NEAR(rect->DistanceWorld(math::Vec2(0.0f, 1.9f)), -0.1f, 0.02f);
+    EXPECT_NEAR(rect->DistanceWorld(math::Vec2(0.9f, 0.0f)), -0.1f, 0.02f);
+}
+
+TEST_F(WorldTest, Polygon_ConcaveShapeHasItsNotchOutside)
+{
+    // A U shape: the notch between the arms is outside.
+    const std::vector<math::Vec2> u = {math::Vec2(0.0f, 0.0f), math::Vec2(3.0f, 0.0f), math::Vec2(3.0f, 3.0f),
+                                       math::Vec2(2.0f, 3.0f), math::Vec2(2.0f, 1.0f), math::Vec2(1.0f, 1.0f),
+                                       math::Vec2(1.0f, 3.0f), math::Vec2(0.0f, 3.0f)};
+    Polygon polygon(AssertMaxDist(u, 0.25f));
+    EXPECT_GT(polygon.DistanceWorld(math::Vec2(1.5f, 2.0f)), 0.3f);
+    EXPECT_LT(polygon.DistanceWorld(math::Vec2(0.5f, 2.0f)), -0.3f);
+    EXPECT_LT(polygon.DistanceWorld(math::Vec2(1.5f, 0.5f)), -0.3f);
+    EXPECT_FLOAT_EQ(polygon.Area(), 7.0f);
+    const math::Vec2 closest = polygon.GetClosestEdge(math::Vec2(1.5f, 2.0f));
+    EXPECT_NEAR(std::fabs(closest.x - 1.5f), 0.5f, 1e-5f);
+}
+
+TEST_F(WorldTest, Polygon_ScaleMirrorsAndKeepsCounterClockwise)
+{
+    const std::vector<math::Vec2> l = {math::Vec2(0.0f, 0.0f), math::Vec2(2.0f, 0.0f), math::Vec2(2.0f, 1.0f),
+                                       math::Vec2(1.0f, 1.0f), math::Vec2(1.0f, 3.0f), math::Vec2(0.0f, 3.0f)};
+    util::SharedPtr<Polygon> polygon = QLEX_NEW new Polygon(l);
+    polygon->SetFriction(0.25f);
+    util::SharedPtr<Polygon> mirrored = polygon->Scale(math::Vec2(-1.0f, 1.0f));
+    EXPECT_GT(SignedArea(mirrored->GetVertices()), 0.0f);
+    EXPECT_NEAR(mirrored->Area(), polygon->Area(), 1e-4f);
+    EXPECT_EQ(mirrored->GetFriction(), 0.25f);
+    for (size_t i = 0; i < polygon->GetVertices().size(); ++i)
+    {
+        const math::Vec2 v = polygon->GetWorldVertices()[i];
+        const math::Vec2 mirror(2.0f * polygon->GetPosition().x - v.x, v.y);
+        EXPECT_LT(std::fabs(mirrored->DistanceWorld(mirror)), 0.05f);
+    }
+
+    util::SharedPtr<Polygon> twice = polygon->Scale(math::Vec2(2.0f, 2.0f));
+    EXPECT_NEAR(twice->Area(), 4.0f * polygon->Area(), 1e-3f);
+
+    util::SharedPtr<Polygon> same = polygon->Scale(math::Vec2(1.0f, 1.0f));
+    EXPECT_EQ(same->GetVertices(), polygon->GetVertices());
+    EXPECT_EQ(same->GetPose(), polygon->GetPose());
+    EXPECT_NE(same->GetId(), polygon->GetId());
+}
+
+TEST_F(WorldTest, Polygon_PointSpacingHelpers)
+{
+    const std::vector<math::Vec2> square = Square(1.0f, false);
+    // Three segments per side of length 1 at a spacing of at most 0.4.
+    const std::vector<math::Vec2> dense = AssertMaxDist(square, 0.4f);
+    EXPECT_EQ(dense.size(), 12u);
+    for (size_t i = 0; i < dense.size(); ++i)
+        EXPECT_LE(math::Distance(dense[i], dense[(i + 1) % dense.size()]), 0.4f + 1e-6f);
+
+    EXPECT_EQ(AssertMinDist(square, 5.0f).size(), 1u);
+    const std::vector<math::Vec2> sparse = AssertMinDist(dense, 0.5f);
+    EXPECT_LT(sparse.size(), dense.size());
+    for (size_t i = 0; i < sparse.size(); ++i)
+        EXPECT_GE(math::Distance(sparse[i], sparse[(i + 1) % sparse.size()]), 0.5f);
+
+    std::vector<math::Vec2> side;
+    AddPolygonSide(side, math::Vec2(0.0f, 0.0f), math::Vec2(32.0f, 0.0f));
+    ASSERT_EQ(side.size(), 4u);
+    EXPECT_EQ(side[1], math::Vec2(1.0f, 0.0f));
+    EXPECT_EQ(side[3], math::Vec2(31.0f, 0.0f));
+}
+
+TEST_F(WorldTest, Polygon_ContainsAndCopies)
+{
+    util::SharedPtr<Polygon> big = Polygon::CreateBox(math::Vec2(-2.0f, -2.0f), math::Vec2(2.0f, 2.0f));
+    util::SharedPtr<Polygon> small = Polygon::CreateBox(math::Vec2(-0.5f, -0.5f), math::Vec2(0.5f, 0.5f));
+    util::SharedPtr<Polygon> apart = Polygon::CreateBox(math::Vec2(5.0f, 5.0f), math::Vec2(6.0f, 6.0f));
+    EXPECT_TRUE(big->Contains(*small));
+    EXPECT_FALSE(small->Contains(*big));
+    EXPECT_FALSE(big->Contains(*apart));
+
+    util::SharedPtr<Polygon> copy = big->Clone();
+    EXPECT_EQ(copy->DistanceWorld(math::Vec2(0.3f, 0.1f)), big->DistanceWorld(math::Vec2(0.3f, 0.1f)));
+    EXPECT_EQ(copy->GetBody(), nullptr);
+}
+
+} // namespace physics
