@@ -114,14 +114,14 @@ template <> std::vector<unsigned long> ObjectToValue<std::vector<unsigned long>>
     return ObjectToVector<unsigned long>(object);
 }
 
-template <> math::BoundingBox ObjectToValue<math::BoundingBox>(const ObjectPtr& object)
+template <> math::BoundingBox2 ObjectToValue<math::BoundingBox2>(const ObjectPtr& object)
 {
     List* list = dynamic_cast<List*>(object.get());
     if (!list || list->Size() != 2)
         QLEX_THROW(ScriptException("Not a bounding box"));
     math::Vec2 position = ObjectToValue<math::Vec2>((*list)[0]);
     math::Vec2 size = ObjectToValue<math::Vec2>((*list)[1]);
-    return math::BoundingBox(position, position + size);
+    return math::BoundingBox2(position, position + size);
 }
 
 template <> FunctionPtr ObjectToValue<FunctionPtr>(const ObjectPtr& object)
@@ -193,9 +193,9 @@ ObjectPtr ValueToObject(const ObjectPtr& value)
     return value;
 }
 
-ObjectPtr ValueToObject(const math::BoundingBox& box)
+ObjectPtr ValueToObject(const math::BoundingBox2& box)
 {
-    return MakeList(ValueToObject(box.m_min), ValueToObject(box.GetSize()));
+    return MakeList(ValueToObject(box.min), ValueToObject(box.GetSize()));
 }
 
 ObjectPtr VecToObject(const math::Vec2& v)

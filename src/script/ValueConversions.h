@@ -34,7 +34,7 @@ template <> math::Vec4 ObjectToValue<math::Vec4>(const ObjectPtr& object);
 template <> math::TVector2<int> ObjectToValue<math::TVector2<int>>(const ObjectPtr& object);
 template <> std::vector<math::Vec2> ObjectToValue<std::vector<math::Vec2>>(const ObjectPtr& object);
 template <> std::vector<unsigned long> ObjectToValue<std::vector<unsigned long>>(const ObjectPtr& object);
-template <> math::BoundingBox ObjectToValue<math::BoundingBox>(const ObjectPtr& object);
+template <> math::BoundingBox2 ObjectToValue<math::BoundingBox2>(const ObjectPtr& object);
 template <> FunctionPtr ObjectToValue<FunctionPtr>(const ObjectPtr& object);
 template <> ObjectPtr ObjectToValue<ObjectPtr>(const ObjectPtr& object);
 
@@ -67,7 +67,7 @@ ObjectPtr ValueToObject(const util::String& value);
 ObjectPtr ValueToObject(const char* value);
 ObjectPtr ValueToObject(const FunctionPtr& value);
 ObjectPtr ValueToObject(const ObjectPtr& value);
-ObjectPtr ValueToObject(const math::BoundingBox& box);
+ObjectPtr ValueToObject(const math::BoundingBox2& box);
 
 // A vector as a list of its components.
 ObjectPtr VecToObject(const math::Vec2& v);
