@@ -19,14 +19,15 @@ class Target : public script::Reflected
 {
 public:
     Target()
-        : script::Reflected("Fuzz"), b(this, "b", true), i(this, "i", 1), u(this, "u", 2UL), f(this, "f", 1.5f),
-          s(this, "s", std::string("s")), v2(this, "v2", math::Vec2(1, 2)), v3(this, "v3", math::Vec3(1, 2, 3)),
-          v4(this, "v4", math::Vec4(1, 2, 3, 4)), iv(this, "iv", math::TVector2<int>(1, 2)),
-          outside(this, "outside", [this] { return m_outside; }, [this](const float& x) { m_outside = x; })
+        : script::Reflected("Fuzz"), b(this, "b", true), i(this, "i", 1), u(this, "u", 2UL),
+          f(this, "f", 1.5f), s(this, "s", std::string("s")), v2(this, "v2", math::Vec2(1, 2)),
+          v3(this, "v3", math::Vec3(1, 2, 3)), v4(this, "v4", math::Vec4(1, 2, 3, 4)),
+          iv(this, "iv", math::TVector2<int>(1, 2)),
+          outside(
+              this, "outside", [this] { return m_outside; }, [this](const float& x) { m_outside = x; })
     {
-        AddVoidCmd1("eval", [](script::ObjectPtr text) {
-            script::Parser::GetInstancePtr()->Execute(script::ObjectToValue<std::string>(text));
-        });
+        AddVoidCmd1("eval", [](script::ObjectPtr text)
+                    { script::Parser::GetInstancePtr()->Execute(script::ObjectToValue<std::string>(text)); });
     }
 
     script::AttribWrapper<bool> b;

@@ -23,10 +23,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         state = qlex_fuzz::CaptureState(*parser);
         // The process ends without static destructors, as the programs do: the order in which
         // singletons would die is no concern of a process that is going away.
-        std::atexit([] {
-            std::fflush(nullptr);
-            _exit(0);
-        });
+        std::atexit(
+            []
+            {
+                std::fflush(nullptr);
+                _exit(0);
+            });
     }
     qlex_fuzz::RunScript(*parser, std::string(reinterpret_cast<const char*>(data), size));
     qlex_fuzz::RestoreState(*parser, state);

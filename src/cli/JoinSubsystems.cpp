@@ -15,13 +15,15 @@ void JoinSubsystems(World& world)
     util::SharedPtr<script::Reflected>(QLEX_NEW new SimulationReflection())->AddToRoot();
     util::SharedPtr<script::Reflected>(QLEX_NEW new SPHReflection())->AddToRoot();
 
-    world.step = [] {
+    world.step = []
+    {
         physics::Simulation* sim = physics::Simulation::GetInstancePtr();
         sim->Step(sim->m_running);
         // The scene's own update follows here once the scene is part of qlex-cli.
     };
     world.timeDelta = [] { return static_cast<double>(physics::Simulation::GetInstancePtr()->m_timeDelta); };
-    world.stats = [] {
+    world.stats = []
+    {
         // The statistics text is written by a frame's update; one of no real time takes no step.
         physics::Simulation* sim = physics::Simulation::GetInstancePtr();
         sim->Update(0.0);

@@ -138,7 +138,8 @@ int CommandLine::Run()
                 {
                     double seconds = util::FromString<double>(value);
                     if (!m_world.timeDelta)
-                        return Fail(EXIT_BAD_ARGUMENT, "The simulation is not part of this build of qlex-cli");
+                        return Fail(EXIT_BAD_ARGUMENT,
+                                    "The simulation is not part of this build of qlex-cli");
                     count = std::lround(seconds / m_world.timeDelta());
                 }
             }

@@ -9,8 +9,7 @@ namespace cli
 namespace
 {
 // An attribute over a member of another object, kept alive by its owner's list.
-template <class T>
-std::shared_ptr<void> MakeRemote(script::Reflected* owner, const char* name, T* member)
+template <class T> std::shared_ptr<void> MakeRemote(script::Reflected* owner, const char* name, T* member)
 {
     return std::make_shared<script::AttribWrapper<T>>(owner, name, member);
 }
@@ -85,9 +84,11 @@ SPHReflection::SPHReflection() : script::Reflected("SPH")
     for (const char* name : {"AVG_neighCount", "AVG_pressure", "AVG_density"})
     {
         util::String key = name;
-        AddCmd(name, [key] { return script::ValueToObject(physics::SPH::GetInstancePtr()->GetReportedValue(key)); });
+        AddCmd(name, [key]
+               { return script::ValueToObject(physics::SPH::GetInstancePtr()->GetReportedValue(key)); });
     }
-    AddCmd("hashInfo", [] { return script::ValueToObject(physics::SPH::GetInstancePtr()->GetReportedText("hashInfo")); });
+    AddCmd("hashInfo",
+           [] { return script::ValueToObject(physics::SPH::GetInstancePtr()->GetReportedText("hashInfo")); });
 }
 
 } // namespace cli

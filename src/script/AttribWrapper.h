@@ -34,8 +34,9 @@ public:
     // Member functions of `object`: `T (C::*)() const` and `void (C::*)(T)` or `void (C::*)(const T&)`.
     template <class C, class G, class S>
     AttribWrapper(Reflected* owner, const util::String& name, C* object, G getter, S setter)
-        : AttribWrapper(owner, name, [object, getter]() -> T { return (object->*getter)(); },
-                        [object, setter](const T& value) { (object->*setter)(value); })
+        : AttribWrapper(
+              owner, name, [object, getter]() -> T { return (object->*getter)(); },
+              [object, setter](const T& value) { (object->*setter)(value); })
     {
     }
 

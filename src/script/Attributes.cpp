@@ -29,7 +29,9 @@ void PokeMeOncePerFrame::PokeAll()
 
 // ---------------------------------------------------------------------------------------------------
 
-AbstractAttrib::AbstractAttrib(const util::String& name, ObjectPtr initial) : Variable(name, initial, false) {}
+AbstractAttrib::AbstractAttrib(const util::String& name, ObjectPtr initial) : Variable(name, initial, false)
+{
+}
 
 AbstractAttrib::~AbstractAttrib() = default;
 
@@ -200,10 +202,10 @@ template <class T> void AttribRemotePoker<T>::Poke()
     }
 }
 
-#define QLEX_DEFINE_ATTRIB(T)                                                                              \
-    template class TAttrib<T>;                                                                             \
-    template class Attrib<T>;                                                                              \
-    template class AttribGetSet<T>;                                                                        \
+#define QLEX_DEFINE_ATTRIB(T)                                                                                \
+    template class TAttrib<T>;                                                                               \
+    template class Attrib<T>;                                                                                \
+    template class AttribGetSet<T>;                                                                          \
     template class AttribRemotePoker<T>;
 QLEX_ATTRIB_TYPES(QLEX_DEFINE_ATTRIB)
 #undef QLEX_DEFINE_ATTRIB

@@ -109,21 +109,21 @@ private:
     T m_lastSeen;
 };
 
-#define QLEX_ATTRIB_TYPES(X)                                                                               \
-    X(bool)                                                                                                \
-    X(int)                                                                                                 \
-    X(unsigned long)                                                                                       \
-    X(float)                                                                                               \
-    X(util::String)                                                                                        \
-    X(math::Vec2)                                                                                          \
-    X(math::Vec3)                                                                                          \
-    X(math::Vec4)                                                                                          \
+#define QLEX_ATTRIB_TYPES(X)                                                                                 \
+    X(bool)                                                                                                  \
+    X(int)                                                                                                   \
+    X(unsigned long)                                                                                         \
+    X(float)                                                                                                 \
+    X(util::String)                                                                                          \
+    X(math::Vec2)                                                                                            \
+    X(math::Vec3)                                                                                            \
+    X(math::Vec4)                                                                                            \
     X(math::TVector2<int>)
 
-#define QLEX_DECLARE_ATTRIB(T)                                                                             \
-    extern template class TAttrib<T>;                                                                      \
-    extern template class Attrib<T>;                                                                       \
-    extern template class AttribGetSet<T>;                                                                 \
+#define QLEX_DECLARE_ATTRIB(T)                                                                               \
+    extern template class TAttrib<T>;                                                                        \
+    extern template class Attrib<T>;                                                                         \
+    extern template class AttribGetSet<T>;                                                                   \
     extern template class AttribRemotePoker<T>;
 QLEX_ATTRIB_TYPES(QLEX_DECLARE_ATTRIB)
 #undef QLEX_DECLARE_ATTRIB

@@ -70,11 +70,21 @@ util::String QuoteString(const util::String& text)
     {
         switch (c)
         {
-        case '\n': code += "\\n"; break;
-        case '\t': code += "\\t"; break;
-        case '"': code += "\\\""; break;
-        case '\\': code += "\\\\"; break;
-        default: code += c; break;
+        case '\n':
+            code += "\\n";
+            break;
+        case '\t':
+            code += "\\t";
+            break;
+        case '"':
+            code += "\\\"";
+            break;
+        case '\\':
+            code += "\\\\";
+            break;
+        default:
+            code += c;
+            break;
         }
     }
     return code + "\"";
@@ -132,7 +142,8 @@ util::String Identifier::ToCode() const
 // ---------------------------------------------------------------------------------------------------
 // Assignment
 
-Assignment::Assignment(util::SharedPtr<Identifier> target, ExpressionPtr value) : m_target(target), m_value(value)
+Assignment::Assignment(util::SharedPtr<Identifier> target, ExpressionPtr value)
+    : m_target(target), m_value(value)
 {
 }
 
@@ -161,7 +172,8 @@ ObjectPtr FunctionCall::Evaluate(const ClosurePtr& closure)
 {
     EvalGuard::Tick();
     util::String code = ToCode();
-    util::SharedPtr<AbstractFunction> function = util::dynamic_pointer_cast<AbstractFunction>(m_head->Evaluate(closure));
+    util::SharedPtr<AbstractFunction> function =
+        util::dynamic_pointer_cast<AbstractFunction>(m_head->Evaluate(closure));
     if (!function)
         QLEX_THROW(ScriptException("Function call applied to non-function: " + code));
     ObjectList args;

@@ -223,7 +223,8 @@ void AddBinFun(Parser& parser, const ClosurePtr& closure, const ExpressionPtr& m
 {
     closure->AddVariable2(name, QLEX_NEW new IntrinsicCmd2(function));
     ExpressionPtr functionExpression = QLEX_NEW new Identifier(mathIdentifier, name);
-    parser.AddInfix(QLEX_NEW new Infix(BINARY_OPERATOR_PRECEDENCE, ASSOC_LEFT, {"", symbol, ""}, functionExpression));
+    parser.AddInfix(
+        QLEX_NEW new Infix(BINARY_OPERATOR_PRECEDENCE, ASSOC_LEFT, {"", symbol, ""}, functionExpression));
 }
 
 void AddNegeator(Parser& parser, const ClosurePtr& closure, const ExpressionPtr& mathIdentifier)
@@ -235,7 +236,8 @@ void AddNegeator(Parser& parser, const ClosurePtr& closure, const ExpressionPtr&
 
 void AddUnary(const ClosurePtr& closure, const util::String& name, float (*function)(float))
 {
-    closure->AddVariable2(name, QLEX_NEW new IntrinsicCmd1([function](ObjectPtr x) { return UnaryFloat(function, x); }));
+    closure->AddVariable2(
+        name, QLEX_NEW new IntrinsicCmd1([function](ObjectPtr x) { return UnaryFloat(function, x); }));
 }
 
 void AddIntrinsics(Parser& parser)
@@ -260,10 +262,12 @@ void AddIntrinsics(Parser& parser)
 
     // What scripts print goes to the parser's output function (the console, or standard output).
     Parser* p = &parser;
-    parser.GetRootClosure()->AddVariable2("print", QLEX_NEW new IntrinsicCmd1([p](ObjectPtr x) -> ObjectPtr {
-                                              p->Print(x->ToText());
-                                              return QLEX_NEW new Void();
-                                          }));
+    parser.GetRootClosure()->AddVariable2("print", QLEX_NEW new IntrinsicCmd1(
+                                                       [p](ObjectPtr x) -> ObjectPtr
+                                                       {
+                                                           p->Print(x->ToText());
+                                                           return QLEX_NEW new Void();
+                                                       }));
 }
 
 } // namespace script

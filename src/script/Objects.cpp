@@ -197,7 +197,8 @@ ObjectPtr ExpandObject(const ObjectPtr& object)
 
 IntrinsicCmd::Fn VoidWrapper(const std::function<void()>& fn)
 {
-    return [fn]() -> ObjectPtr {
+    return [fn]() -> ObjectPtr
+    {
         fn();
         return QLEX_NEW new Void();
     };
@@ -205,7 +206,8 @@ IntrinsicCmd::Fn VoidWrapper(const std::function<void()>& fn)
 
 IntrinsicCmd1::Fn VoidWrapper1(const std::function<void(ObjectPtr)>& fn)
 {
-    return [fn](ObjectPtr a) -> ObjectPtr {
+    return [fn](ObjectPtr a) -> ObjectPtr
+    {
         fn(a);
         return QLEX_NEW new Void();
     };
@@ -213,7 +215,8 @@ IntrinsicCmd1::Fn VoidWrapper1(const std::function<void(ObjectPtr)>& fn)
 
 IntrinsicCmd2::Fn VoidWrapper2(const std::function<void(ObjectPtr, ObjectPtr)>& fn)
 {
-    return [fn](ObjectPtr a, ObjectPtr b) -> ObjectPtr {
+    return [fn](ObjectPtr a, ObjectPtr b) -> ObjectPtr
+    {
         fn(a, b);
         return QLEX_NEW new Void();
     };

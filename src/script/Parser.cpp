@@ -22,7 +22,8 @@ const char* const FUNCTION_SCOPE_NAME = "[function scope]";
 
 [[noreturn]] void ParserAssert(const Token& token, const util::String& message)
 {
-    QLEX_THROW(ParseException("line " + util::ToString(token.pos.line) + " '" + token.text + "': " + message));
+    QLEX_THROW(
+        ParseException("line " + util::ToString(token.pos.line) + " '" + token.text + "': " + message));
 }
 
 [[noreturn]] void ParserAssert(TokenPos pos, const util::String& message)
@@ -282,11 +283,24 @@ ExpressionPtr Parser::ParseExpression(const util::SharedPtr<Scope>& scope, Token
         const Token& token = *it;
         switch (token.type)
         {
-        case TOKEN_STRING: terms.push_back(script::ParseString(token.text)); ++it; continue;
-        case TOKEN_INT: terms.push_back(script::ParseInt(token.text)); ++it; continue;
-        case TOKEN_FLOAT: terms.push_back(script::ParseFloat(token.text)); ++it; continue;
-        case TOKEN_BOOL: terms.push_back(script::ParseBool(token.text)); ++it; continue;
-        case TOKEN_WORD: break;
+        case TOKEN_STRING:
+            terms.push_back(script::ParseString(token.text));
+            ++it;
+            continue;
+        case TOKEN_INT:
+            terms.push_back(script::ParseInt(token.text));
+            ++it;
+            continue;
+        case TOKEN_FLOAT:
+            terms.push_back(script::ParseFloat(token.text));
+            ++it;
+            continue;
+        case TOKEN_BOOL:
+            terms.push_back(script::ParseBool(token.text));
+            ++it;
+            continue;
+        case TOKEN_WORD:
+            break;
         }
         if (AtStatementEnder(it))
             break;
@@ -295,7 +309,8 @@ ExpressionPtr Parser::ParseExpression(const util::SharedPtr<Scope>& scope, Token
             if (terms.empty())
                 ParserAssert(token, "General parse error");
             ++it;
-            if (AtEnd(it) || it->type != TOKEN_WORD || !(std::isalpha(static_cast<unsigned char>(it->text[0])) || it->text[0] == '_'))
+            if (AtEnd(it) || it->type != TOKEN_WORD ||
+                !(std::isalpha(static_cast<unsigned char>(it->text[0])) || it->text[0] == '_'))
                 ParserAssert(token, "General parse error");
             ExpressionPtr owner = terms.back();
             terms.back() = QLEX_NEW new Identifier(owner, it->text);
@@ -308,7 +323,8 @@ ExpressionPtr Parser::ParseExpression(const util::SharedPtr<Scope>& scope, Token
             if (terms.size() != 1)
             {
                 TokenIt next = it + 1;
-                ParserAssert(token, "Bad placement of = (info: " + (AtEnd(next) ? util::String() : next->text) + ")");
+                ParserAssert(
+                    token, "Bad placement of = (info: " + (AtEnd(next) ? util::String() : next->text) + ")");
             }
             if (!target)
                 ParserAssert(token, "You can only assign to an identifier");
@@ -320,7 +336,8 @@ ExpressionPtr Parser::ParseExpression(const util::SharedPtr<Scope>& scope, Token
         }
         else if (token.Is("("))
         {
-            terms.push_back(IsFunctionDeclaration(it) ? ParseFunctionDeclaration(scope, it) : ParseBlock(scope, it));
+            terms.push_back(IsFunctionDeclaration(it) ? ParseFunctionDeclaration(scope, it)
+                                                      : ParseBlock(scope, it));
         }
         else if (token.Is("["))
         {
@@ -341,7 +358,8 @@ ExpressionPtr Parser::ParseExpression(const util::SharedPtr<Scope>& scope, Token
     return ParseExpression(first.pos, scope, terms.begin(), terms.end());
 }
 
-ExpressionPtr Parser::ParseExpression(TokenPos pos, const util::SharedPtr<Scope>& scope, TermIt begin, TermIt end)
+ExpressionPtr Parser::ParseExpression(TokenPos pos, const util::SharedPtr<Scope>& scope, TermIt begin,
+                                      TermIt end)
 {
     if (begin == end)
         return nullptr;
@@ -372,7 +390,8 @@ ExpressionPtr Parser::ParseExpression(TokenPos pos, const util::SharedPtr<Scope>
         return head;
     }
 
-    auto isKeyword = [](const ExpressionPtr& term, const util::String& keyword) {
+    auto isKeyword = [](const ExpressionPtr& term, const util::String& keyword)
+    {
         Identifier* identifier = dynamic_cast<Identifier*>(term.get());
         return identifier && identifier->GetName() == keyword;
     };
@@ -393,7 +412,8 @@ ExpressionPtr Parser::ParseExpression(TokenPos pos, const util::SharedPtr<Scope>
         if (i + 1 < pattern.size())
         {
             const util::String& next = pattern[i + 1];
-            holeEnd = std::find_if(cur, end, [&](const ExpressionPtr& term) { return isKeyword(term, next); });
+            holeEnd =
+                std::find_if(cur, end, [&](const ExpressionPtr& term) { return isKeyword(term, next); });
             if (holeEnd == end)
                 ParserAssert(pos, "Could not find infix function keyword " + next);
         }
@@ -505,7 +525,8 @@ void Parser::SaveConfig(const util::String& path)
     util::String code = ToCode();
     if (code.empty())
         return;
-    util::FileSystem::WriteFile(path, "// Generated by " + util::FileSystem::NameAndVersion() + "\n\n" + code);
+    util::FileSystem::WriteFile(path,
+                                "// Generated by " + util::FileSystem::NameAndVersion() + "\n\n" + code);
 }
 
 // ---------------------------------------------------------------------------------------------------

@@ -62,7 +62,8 @@ private:
     CodeBlockPtr ParseCodeBlock(const util::SharedPtr<Scope>& scope, TokenIt& it);
     std::vector<ExpressionPtr> ParseExpressionList(const util::SharedPtr<Scope>& scope, TokenIt& it);
     ExpressionPtr ParseExpression(const util::SharedPtr<Scope>& scope, TokenIt& it);
-    ExpressionPtr ParseExpression(TokenPos pos, const util::SharedPtr<Scope>& scope, TermIt begin, TermIt end);
+    ExpressionPtr ParseExpression(TokenPos pos, const util::SharedPtr<Scope>& scope, TermIt begin,
+                                  TermIt end);
     ExpressionPtr ParseInfixDeclaration(const util::SharedPtr<Scope>& scope, TokenIt& it);
     ExpressionPtr ParseFunctionDeclaration(const util::SharedPtr<Scope>& scope, TokenIt& it);
     ExpressionPtr ParseBlock(const util::SharedPtr<Scope>& scope, TokenIt& it);

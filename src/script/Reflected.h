@@ -62,28 +62,34 @@ public:
     {
         C* self = CheckedSelf<C>();
         util::WeakPtr<Reflected> guard(this);
-        AddVoidCmd(name, [self, guard, fn]() {
-            CheckAlive(guard);
-            (self->*fn)();
-        });
+        AddVoidCmd(name,
+                   [self, guard, fn]()
+                   {
+                       CheckAlive(guard);
+                       (self->*fn)();
+                   });
     }
     template <class C, class T> void AddMemberCmd(const util::String& name, T (C::*fn)())
     {
         C* self = CheckedSelf<C>();
         util::WeakPtr<Reflected> guard(this);
-        AddCmd(name, std::function<ObjectPtr()>([self, guard, fn]() {
-                   CheckAlive(guard);
-                   return ValueToObject((self->*fn)());
-               }));
+        AddCmd(name, std::function<ObjectPtr()>(
+                         [self, guard, fn]()
+                         {
+                             CheckAlive(guard);
+                             return ValueToObject((self->*fn)());
+                         }));
     }
     template <class C, class T> void AddMemberCmd(const util::String& name, T (C::*fn)() const)
     {
         C* self = CheckedSelf<C>();
         util::WeakPtr<Reflected> guard(this);
-        AddCmd(name, std::function<ObjectPtr()>([self, guard, fn]() {
-                   CheckAlive(guard);
-                   return ValueToObject((self->*fn)());
-               }));
+        AddCmd(name, std::function<ObjectPtr()>(
+                         [self, guard, fn]()
+                         {
+                             CheckAlive(guard);
+                             return ValueToObject((self->*fn)());
+                         }));
     }
 
     // Publishes a value for scripts to read (statistics and the like): sets or makes the variable.

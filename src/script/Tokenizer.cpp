@@ -179,7 +179,8 @@ TokenList Tokenizer::Tokenize(const util::String& text)
     CharIt runBegin = end;
     CharIt runEnd = end;
     bool runIsNumber = false;
-    auto numBeginner = [&](CharIt p) {
+    auto numBeginner = [&](CharIt p)
+    {
         if (p == end || !IsSign(*p))
             return IsNumBeginner(p, end);
         if (runBegin == end || p < runBegin || p >= runEnd)

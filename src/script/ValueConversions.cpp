@@ -210,7 +210,8 @@ ObjectPtr VecToObject(const math::Vec3& v)
 
 ObjectPtr VecToObject(const math::Vec4& v)
 {
-    return QLEX_NEW new List({ValueToObject(v.x), ValueToObject(v.y), ValueToObject(v.z), ValueToObject(v.w)});
+    return QLEX_NEW new List(
+        {ValueToObject(v.x), ValueToObject(v.y), ValueToObject(v.z), ValueToObject(v.w)});
 }
 
 ObjectPtr VecToObject(const math::TVector2<int>& v)

@@ -10,8 +10,8 @@ namespace script
 {
 
 // Dynamic cast that throws ScriptException(message) on failure (also for a null object).
-template <class To, class From> util::SharedPtr<To> ThrowCast(const util::SharedPtr<From>& object,
-                                                              const char* message)
+template <class To, class From>
+util::SharedPtr<To> ThrowCast(const util::SharedPtr<From>& object, const char* message)
 {
     util::SharedPtr<To> result = util::dynamic_pointer_cast<To>(object);
     if (!result)
@@ -74,10 +74,22 @@ ObjectPtr VecToObject(const math::Vec2& v);
 ObjectPtr VecToObject(const math::Vec3& v);
 ObjectPtr VecToObject(const math::Vec4& v);
 ObjectPtr VecToObject(const math::TVector2<int>& v);
-inline ObjectPtr ValueToObject(const math::Vec2& v) { return VecToObject(v); }
-inline ObjectPtr ValueToObject(const math::Vec3& v) { return VecToObject(v); }
-inline ObjectPtr ValueToObject(const math::Vec4& v) { return VecToObject(v); }
-inline ObjectPtr ValueToObject(const math::TVector2<int>& v) { return VecToObject(v); }
+inline ObjectPtr ValueToObject(const math::Vec2& v)
+{
+    return VecToObject(v);
+}
+inline ObjectPtr ValueToObject(const math::Vec3& v)
+{
+    return VecToObject(v);
+}
+inline ObjectPtr ValueToObject(const math::Vec4& v)
+{
+    return VecToObject(v);
+}
+inline ObjectPtr ValueToObject(const math::TVector2<int>& v)
+{
+    return VecToObject(v);
+}
 
 template <class T> ObjectPtr ValueToObject(const std::vector<T>& values)
 {

@@ -32,7 +32,6 @@ bool iequals(const String& a, const String& b);
 // `?` takes exactly one character, `*` any run; text used up before a trailing `*` doesn't match.
 bool WildcardMatcher(const char* text, const char* pattern);
 
-
 String FloatToString(float x);
 String DoubleToString(double x);
 

@@ -85,10 +85,14 @@ TEST_F(Attributes, ABadTypeIsLoggedAndTheOldValueStays)
         const char* statement;
         const char* name;
     };
-    const Case cases[] = {{"Settings.speed = \"x\"", "speed"},       {"Settings.speed = true", "speed"},
-                          {"Settings.count = 1.5", "count"},         {"Settings.size = [1.0, 2.0]", "size"},
-                          {"Settings.gravity = [1, 2, 3]", "gravity"}, {"Settings.on = 1", "on"},
-                          {"Settings.name = 5", "name"},             {"Settings.speed = (a)=>{ a }", "speed"}};
+    const Case cases[] = {{"Settings.speed = \"x\"", "speed"},
+                          {"Settings.speed = true", "speed"},
+                          {"Settings.count = 1.5", "count"},
+                          {"Settings.size = [1.0, 2.0]", "size"},
+                          {"Settings.gravity = [1, 2, 3]", "gravity"},
+                          {"Settings.on = 1", "on"},
+                          {"Settings.name = 5", "name"},
+                          {"Settings.speed = (a)=>{ a }", "speed"}};
     for (const Case& c : cases)
     {
         m_log.clear();
@@ -169,7 +173,8 @@ TEST_F(Attributes, OutsideValuesAreFollowedFromTheNextPoke)
     Settings& s = *m_settings;
     EXPECT_EQ("2", Run("Settings.outside"));
     m_settings->m_outside = 4.0f;
-    EXPECT_EQ("2", Root()->GetVariable("Settings") ? m_settings->GetVariable("outside")->GetObject()->ToText() : "");
+    EXPECT_EQ("2", Root()->GetVariable("Settings") ? m_settings->GetVariable("outside")->GetObject()->ToText()
+                                                   : "");
     m_parser->Update();
     EXPECT_EQ("4", Run("Settings.outside"));
     // The setter may refuse: the variable follows what the getter says.

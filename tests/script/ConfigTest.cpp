@@ -32,8 +32,9 @@ protected:
     void SetUp() override
     {
         ScriptFixture::SetUp();
-        m_dir = std::filesystem::temp_directory_path() /
-                ("qlex_config_" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+        m_dir =
+            std::filesystem::temp_directory_path() /
+            ("qlex_config_" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
         std::filesystem::remove_all(m_dir);
         std::filesystem::create_directories(m_dir);
     }
@@ -98,7 +99,8 @@ TEST_F(Config, ReloadingGivesTheSameBytes)
     EXPECT_EQ("tab\there \"q\" \\", std::string(machine->label));
 
     m_parser->SaveConfig(Path("again.cfg"));
-    EXPECT_EQ(util::FileSystem::ReadWholeFile(Path("config.cfg")), util::FileSystem::ReadWholeFile(Path("again.cfg")));
+    EXPECT_EQ(util::FileSystem::ReadWholeFile(Path("config.cfg")),
+              util::FileSystem::ReadWholeFile(Path("again.cfg")));
 }
 
 TEST_F(Config, BadStatementsFailOneByOne)
@@ -125,7 +127,8 @@ TEST_F(Config, BadStatementsFailOneByOne)
 TEST_F(Config, AMissingFileIsAWarning)
 {
     m_parser->LoadConfig(Path("absent.cfg"));
-    EXPECT_TRUE(Reported("-- Warning: Failed loading config file: Failed to open file \"" + Path("absent.cfg") + "\""));
+    EXPECT_TRUE(Reported("-- Warning: Failed loading config file: Failed to open file \"" +
+                         Path("absent.cfg") + "\""));
 }
 
 TEST_F(Config, NothingToSaveWritesNothing)
@@ -158,8 +161,10 @@ TEST_F(Config, StartupPicksAutosaveThenConfig)
 
     machine->steps = 8;
     script::Configuration::SaveAutosave(dir);
-    EXPECT_NE(std::string::npos, util::FileSystem::ReadWholeFile(Path("config.autosave.cfg")).find("Machine.steps = 8"));
+    EXPECT_NE(std::string::npos,
+              util::FileSystem::ReadWholeFile(Path("config.autosave.cfg")).find("Machine.steps = 8"));
     script::Configuration::SaveAtExit(dir);
     EXPECT_FALSE(util::FileSystem::FileExists(Path("config.autosave.cfg")));
-    EXPECT_NE(std::string::npos, util::FileSystem::ReadWholeFile(Path("config.cfg")).find("Machine.steps = 8"));
+    EXPECT_NE(std::string::npos,
+              util::FileSystem::ReadWholeFile(Path("config.cfg")).find("Machine.steps = 8"));
 }

@@ -32,7 +32,8 @@ TEST_F(Evaluation, FailingStatementsAreLoggedWhileTheRestRun)
 
     // Inside a function a failing statement doesn't leave it: its value is that of its last statement.
     EXPECT_EQ("4", Run("f = { p = 1; q = missing; 4 }; f"));
-    EXPECT_TRUE(Reported("Failed to evaluate: q = missing, Cannot find identifier missing in [function closure: {"));
+    EXPECT_TRUE(
+        Reported("Failed to evaluate: q = missing, Cannot find identifier missing in [function closure: {"));
 
     EXPECT_EQ("", Run("Nowhere.x = 1"));
     EXPECT_TRUE(Reported("Failed to evaluate: Nowhere.x = 1, Cannot find identifier Nowhere in [ROOT]"));

@@ -90,7 +90,8 @@ TEST_F(Parser, AFaultyTextRunsNothing)
 
 TEST_F(Parser, InfixDeclarationsTakeEffectAtOnceAndPrintBack)
 {
-    EXPECT_EQ("[true, 1, 2]", Run("choose = (c, a, b)=>{ [c, a, b] }; infix 1 left: _ ? _ : _ => choose; true ? 1 : 2"));
+    EXPECT_EQ("[true, 1, 2]",
+              Run("choose = (c, a, b)=>{ [c, a, b] }; infix 1 left: _ ? _ : _ => choose; true ? 1 : 2"));
     EXPECT_EQ("c ? a : b", Reprint("c ? a : b"));
     EXPECT_EQ("[false, x, [3]]", Run("false ? \"x\" : [3]"));
     // A pattern that begins with an operator word needs a blank behind the colon.
@@ -103,7 +104,8 @@ TEST_F(Parser, InfixDeclarationsTakeEffectAtOnceAndPrintBack)
     EXPECT_EQ("infix 1 left: _ ? _ : _ => choose;\n", Reprint("infix 1 left: _ ? _ : _ => choose"));
     EXPECT_EQ("null", Reprint("c ? a : b"));
     EXPECT_TRUE(Reported("Multiple mathcing infix functions found"));
-    EXPECT_EQ("infix 2 left: _ + _ => math.add;\n", script::InfixDeclaration(m_parser->GetRootScope()->GetInfixes()[0]).ToCode());
+    EXPECT_EQ("infix 2 left: _ + _ => math.add;\n",
+              script::InfixDeclaration(m_parser->GetRootScope()->GetInfixes()[0]).ToCode());
 }
 
 TEST_F(Parser, DeepNestingIsRefusedNotFollowed)

@@ -116,7 +116,8 @@ TEST_F(Reflection, InnerScopesShadowOuterInfixes)
 {
     util::SharedPtr<script::Scope> outer = QLEX_NEW new script::Scope("outer");
     util::SharedPtr<script::Scope> inner = QLEX_NEW new script::Scope("inner", outer);
-    auto infix = [](double precedence, const char* word) {
+    auto infix = [](double precedence, const char* word)
+    {
         return util::SharedPtr<script::Infix>(QLEX_NEW new script::Infix(
             precedence, script::ASSOC_LEFT, {"", word, ""}, QLEX_NEW new script::Identifier(nullptr, word)));
     };

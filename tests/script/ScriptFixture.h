@@ -3,8 +3,8 @@
 // the log, and removes what it added, so that tests don't see each other.
 
 #include "logging/Log.h"
-#include "script/Parser.h"
 #include "script/EvalGuard.h"
+#include "script/Parser.h"
 #include "script/ValueConversions.h"
 #include "script/Variable.h"
 
@@ -21,8 +21,9 @@ protected:
         for (const script::VariablePtr& var : Root()->GetVariables())
             m_rootNames.insert(var->GetName());
         m_parser->SetErrorFunction([this](const std::string& text) { m_errors.push_back(text); });
-        m_logger = QLEX_NEW new logging::FunctionLogger(logging::Error | logging::Warning | logging::Info,
-                                                        [this](const std::string& text) { m_log.push_back(text); });
+        m_logger =
+            QLEX_NEW new logging::FunctionLogger(logging::Error | logging::Warning | logging::Info,
+                                                 [this](const std::string& text) { m_log.push_back(text); });
         logging::Logger::GetInstancePtr()->AddLogger(m_logger);
         ForgetRepeats();
     }

@@ -1,10 +1,10 @@
-#include "script/ScriptException.h"
 #include "script/Tokenizer.h"
+#include "script/ScriptException.h"
 
 #include <gtest/gtest.h>
 
-using script::TokenType;
 using script::Tokenizer;
+using script::TokenType;
 
 namespace
 {
@@ -44,7 +44,8 @@ TEST(Tokenizer, EmptyTextAndCommentsGiveNoTokens)
 
 TEST(Tokenizer, WordsAndBooleans)
 {
-    EXPECT_EQ((V{"true:0", "false:0", "truex:4", "_a1:4", "inf:4", "NaN:4"}), Tokens("true false truex _a1 inf NaN"));
+    EXPECT_EQ((V{"true:0", "false:0", "truex:4", "_a1:4", "inf:4", "NaN:4"}),
+              Tokens("true false truex _a1 inf NaN"));
     EXPECT_EQ((V{"2:2", "x:4"}), Tokens("2x"));
     EXPECT_EQ((V{"2e:1", "lse:4"}), Tokens("2else"));
 }

@@ -1,5 +1,5 @@
-#include "util/FILEWrapper.h"
 #include "util/FileSystem.h"
+#include "util/FILEWrapper.h"
 #include "util/Random.h"
 #include "util/Timer.h"
 
@@ -94,8 +94,10 @@ TEST_F(FileSystemDir, WriteReadSizeRenameErase)
 TEST_F(FileSystemDir, MissingFilesThrowTheOpenFailure)
 {
     std::string path = Path("missing.cfg");
-    EXPECT_EQ("Failed to open file \"" + path + "\"", ExceptionText([&] { util::FileSystem::ReadWholeFile(path); }));
-    EXPECT_EQ("Failed to open file \"" + path + "\"", ExceptionText([&] { util::FileSystem::GetFileSize(path); }));
+    EXPECT_EQ("Failed to open file \"" + path + "\"",
+              ExceptionText([&] { util::FileSystem::ReadWholeFile(path); }));
+    EXPECT_EQ("Failed to open file \"" + path + "\"",
+              ExceptionText([&] { util::FileSystem::GetFileSize(path); }));
     // A failed rename is logged, not thrown.
     util::FileSystem::RenameFile(path, Path("other.cfg"));
     EXPECT_FALSE(util::FileSystem::FileExists(Path("other.cfg")));

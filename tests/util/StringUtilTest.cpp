@@ -1,5 +1,5 @@
-#include "util/ColorUtil.h"
 #include "util/StringUtil.h"
+#include "util/ColorUtil.h"
 
 #include <gtest/gtest.h>
 
@@ -36,8 +36,16 @@ TEST(StringUtil_NumberText, InfinitiesAndNaNHaveWords)
 
 TEST(StringUtil_NumberText, EveryPrintedFloatReadsBackExactly)
 {
-    const float values[] = {0.1f, -9.8f, 1.0f / 3.0f, 1e-38f, 3.0e38f, 16777217.0f, 123.456f, -0.0f,
-                            std::numeric_limits<float>::max(), std::numeric_limits<float>::denorm_min()};
+    const float values[] = {0.1f,
+                            -9.8f,
+                            1.0f / 3.0f,
+                            1e-38f,
+                            3.0e38f,
+                            16777217.0f,
+                            123.456f,
+                            -0.0f,
+                            std::numeric_limits<float>::max(),
+                            std::numeric_limits<float>::denorm_min()};
     for (float x : values)
     {
         float back = util::FromString<float>(util::ToString(x));
@@ -59,7 +67,8 @@ TEST(StringUtil_NumberText, SpecialWordsReadInAnyCase)
 
 TEST(StringUtil_NumberText, BadTextThrowsWithTheTypeName)
 {
-    auto message = [](auto parse) {
+    auto message = [](auto parse)
+    {
         try
         {
             parse();
@@ -149,7 +158,8 @@ TEST(StringUtil_Color, HSLRoundTripsAndKnownColors)
     EXPECT_FLOAT_EQ(0.4f, greyRgb.x);
     EXPECT_FLOAT_EQ(0.4f, greyRgb.z);
 
-    const math::Vec3 colors[] = {{0.2f, 0.5f, 0.9f}, {0.9f, 0.1f, 0.3f}, {0.5f, 0.9f, 0.2f}, {0.7f, 0.7f, 0.1f}};
+    const math::Vec3 colors[] = {
+        {0.2f, 0.5f, 0.9f}, {0.9f, 0.1f, 0.3f}, {0.5f, 0.9f, 0.2f}, {0.7f, 0.7f, 0.1f}};
     for (const math::Vec3& c : colors)
     {
         math::Vec3 back = util::HSL2RGB(util::RGB2HSL(c));
