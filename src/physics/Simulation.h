@@ -3,6 +3,7 @@
 #include "math/Math.h"
 #include "physics/CollisionDetection.h"
 #include "physics/ContactID.h"
+#include "physics/WorldGeom.h"
 #include "util/Callback.h"
 #include "util/HashMap.h"
 #include "util/SharedPtr.h"
@@ -22,7 +23,6 @@ class Contact;
 class Hinge;
 class Joint;
 class Particle;
-class WorldGeom;
 
 // The simulated time in seconds.
 double GetSimTime();
