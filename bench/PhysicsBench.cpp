@@ -46,19 +46,23 @@ template <class Build> void RunScene(benchmark::State& state, Build build)
 void Pyramid_Boxes(benchmark::State& state)
 {
     const int rows = static_cast<int>(state.range(0));
-    RunScene(state, [rows] {
-        Simulation::GetInstancePtr()->m_airSwitch = false;
-        scenes::BuildPyramid(rows, scenes::Shape::Box);
-    });
+    RunScene(state,
+             [rows]
+             {
+                 Simulation::GetInstancePtr()->m_airSwitch = false;
+                 scenes::BuildPyramid(rows, scenes::Shape::Box);
+             });
 }
 
 void Pyramid_Polygons(benchmark::State& state)
 {
     const int rows = static_cast<int>(state.range(0));
-    RunScene(state, [rows] {
-        Simulation::GetInstancePtr()->m_airSwitch = false;
-        scenes::BuildPyramid(rows, scenes::Shape::Polygon);
-    });
+    RunScene(state,
+             [rows]
+             {
+                 Simulation::GetInstancePtr()->m_airSwitch = false;
+                 scenes::BuildPyramid(rows, scenes::Shape::Polygon);
+             });
 }
 
 void Circles_InContainer(benchmark::State& state)
@@ -76,17 +80,19 @@ void Water_Tank(benchmark::State& state)
     const int count = static_cast<int>(state.range(0));
     RunScene(state, [count] { scenes::BuildWaterTank(count, WATER_ROWS); });
     state.counters["us/particle"] =
-        benchmark::Counter(static_cast<double>(count) * 1e-6, benchmark::Counter::kIsIterationInvariantRate |
-                                                                  benchmark::Counter::kInvert);
+        benchmark::Counter(static_cast<double>(count) * 1e-6,
+                           benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 void Water_FloatingBoxes(benchmark::State& state)
 {
     const int boxes = static_cast<int>(state.range(0));
-    RunScene(state, [boxes] {
-        scenes::BuildWaterTank(2000, WATER_ROWS);
-        scenes::AddFloatingBoxes(boxes, WATER_ROWS);
-    });
+    RunScene(state,
+             [boxes]
+             {
+                 scenes::BuildWaterTank(2000, WATER_ROWS);
+                 scenes::AddFloatingBoxes(boxes, WATER_ROWS);
+             });
 }
 
 void Polygon_Construction(benchmark::State& state)

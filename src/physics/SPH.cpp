@@ -167,7 +167,8 @@ void SPH::FindNeighbors()
     }
 }
 
-void SPH::MatchCells(const util::VectorPOD<Particle*>& a, const util::VectorPOD<Particle*>& b, float squaredDistance)
+void SPH::MatchCells(const util::VectorPOD<Particle*>& a, const util::VectorPOD<Particle*>& b,
+                     float squaredDistance)
 {
     const bool same = &a == &b;
     const size_t na = a.size();

@@ -161,7 +161,8 @@ private:
 // Drag on a body: linear and quadratic in speed per metre of exposed width, and rotational, each bounded so
 // that it can't reverse the motion within one step.
 void AddAirFrictionForce(float invDt, float linear, float quadratic, float rot, AbstractBody& body,
-                         const math::Vec2& velocity, float speed, float width, const math::Vec2& arm, float mult);
+                         const math::Vec2& velocity, float speed, float width, const math::Vec2& arm,
+                         float mult);
 // Lift of the displaced air, at the centre of the area.
 void AddAirBuoyancy(float density, const math::Vec2& gravity, AbstractBody& body, float area,
                     const math::Vec2& arm);

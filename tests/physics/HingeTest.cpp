@@ -27,7 +27,8 @@ protected:
     {
         util::SharedPtr<Box> shape = QLEX_NEW new Box(math::Vec2(1.0f, 0.2f), math::Vec2(0.5f, 2.0f));
         bar = testing::AddDynamic(shape);
-        util::SharedPtr<Hinge> hinge = QLEX_NEW new Hinge(Sim().GetWorldGeom(), shape, math::Vec2(0.0f, 2.0f));
+        util::SharedPtr<Hinge> hinge =
+            QLEX_NEW new Hinge(Sim().GetWorldGeom(), shape, math::Vec2(0.0f, 2.0f));
         Sim().AddConstraint(hinge);
         return hinge;
     }
@@ -149,8 +150,8 @@ TEST_F(JointTest, Spring_StretchesByGravityOverStiffnessWhateverTheMass)
             util::SharedPtr<Circle> weight = QLEX_NEW new Circle(math::Vec2(0.0f, 4.0f), 0.2f);
             weight->SetDensity(density);
             util::SharedPtr<Body> body = testing::AddDynamic(weight);
-            util::SharedPtr<SpringJoint> spring =
-                QLEX_NEW new SpringJoint(Sim().GetWorldGeom(), math::Vec2(0.0f, 5.0f), weight, math::Vec2(0.0f, 4.0f));
+            util::SharedPtr<SpringJoint> spring = QLEX_NEW new SpringJoint(
+                Sim().GetWorldGeom(), math::Vec2(0.0f, 5.0f), weight, math::Vec2(0.0f, 4.0f));
             spring->SetStrengthFactor(strength);
             Sim().AddJoint(spring);
 

@@ -136,7 +136,8 @@ TEST_F(WaterTest, Boxes_FloatSinkOrPassThrough)
         surface = std::max(surface, p->GetPosition().y);
 
     const float size = 0.5f;
-    auto drop = [&](float x, float density, bool collideWater) {
+    auto drop = [&](float x, float density, bool collideWater)
+    {
         util::SharedPtr<Box> box = QLEX_NEW new Box(math::Vec2(size, size), math::Vec2(x, surface + size));
         box->SetDensity(density);
         box->SetWaterCollide(collideWater);
