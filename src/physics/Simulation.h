@@ -55,6 +55,8 @@ public:
     void AddConstraint(const util::SharedPtr<Hinge>& hinge);
     void RemoveConstraint(const util::SharedPtr<Hinge>& hinge);
     bool HasConstraint(const util::SharedPtr<Hinge>& hinge) const;
+    const util::HashSet<util::SharedPtr<Joint>>& GetJoints() const { return m_joints; }
+    const util::HashSet<util::SharedPtr<Hinge>>& GetConstraints() const { return m_constraints; }
 
     void AddParticle(const util::SharedPtr<Particle>& particle);
     const std::vector<util::SharedPtr<Particle>>& GetParticles() const { return m_particles; }

@@ -33,6 +33,14 @@ protected:
         return hinge;
     }
 
+    std::vector<util::SharedPtr<Hinge>> Hinges()
+    {
+        std::vector<util::SharedPtr<Hinge>> hinges;
+        for (const util::SharedPtr<Hinge>& hinge : Sim().GetConstraints())
+            hinges.push_back(hinge);
+        return hinges;
+    }
+
     float AnchorGap(const Hinge& hinge)
     {
         math::Vec2 points[2];
@@ -88,6 +96,35 @@ TEST_F(JointTest, Pendulum_KeepsItsAnchorTogether)
     EXPECT_TRUE(hinge->IsGood());
     // Hinged shapes don't collide with each other.
     EXPECT_TRUE(bar->GetParts()[0].geom->HasNoCollide(Sim().GetWorldGeom().get()));
+}
+
+TEST_F(JointTest, Chain_HangsTogether)
+{
+    const std::vector<util::SharedPtr<Body>> links =
+        testing::BuildHingeChain(8, math::Vec2(0.0f, 5.0f), 0.5f);
+    float widest = 0.0f;
+    float lowest = 5.0f;
+    for (int i = 0; i < 600; ++i)
+    {
+        RunSteps(1);
+        for (const util::SharedPtr<Hinge>& hinge : Hinges())
+            widest = std::max(widest, AnchorGap(*hinge));
+        lowest = std::min(lowest, links.back()->GetPosition().y);
+        // The last link's centre never gets farther from the pin than 3.75 m of chain and a centimetre per
+        // hinge.
+        ASSERT_LT(math::Distance(links.back()->GetPosition(), math::Vec2(0.0f, 5.0f)), 3.75f + 8 * 0.01f);
+    }
+    EXPECT_EQ(Hinges().size(), 8u);
+    // The whip of the free end stretches the hinges a little while it is fast.
+    EXPECT_LT(widest, 0.06f);
+    float widestAfter = 0.0f;
+    for (const util::SharedPtr<Hinge>& hinge : Hinges())
+        widestAfter = std::max(widestAfter, AnchorGap(*hinge));
+    EXPECT_LT(widestAfter, 0.01f);
+    // It swung down through the bottom.
+    EXPECT_LT(lowest, 5.0f - 3.5f);
+    for (const util::SharedPtr<Body>& link : links)
+        EXPECT_FALSE(link->IsBad());
 }
 
 TEST_F(JointTest, Limits_BreakTheHinge)
