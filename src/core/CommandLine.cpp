@@ -12,9 +12,11 @@ const std::string FILE_SCHEME = "file:///";
 
 bool EqualsIgnoringCase(const std::string& a, const std::string& b)
 {
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-               return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
-           });
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(),
+                                              [](char x, char y) {
+                                                  return std::tolower(static_cast<unsigned char>(x)) ==
+                                                         std::tolower(static_cast<unsigned char>(y));
+                                              });
 }
 } // namespace
 
@@ -30,9 +32,11 @@ std::vector<std::string> ArgumentsOf(int argc, char** argv)
 
 bool AsksForVersion(const std::vector<std::string>& arguments)
 {
-    return std::any_of(arguments.begin(), arguments.end(), [](const std::string& argument) {
-        return argument.find("-version") != std::string::npos || argument.find("/version") != std::string::npos;
-    });
+    return std::any_of(arguments.begin(), arguments.end(),
+                       [](const std::string& argument) {
+                           return argument.find("-version") != std::string::npos ||
+                                  argument.find("/version") != std::string::npos;
+                       });
 }
 
 std::optional<std::string> SceneToOpen(const std::vector<std::string>& arguments)
@@ -52,7 +56,8 @@ std::optional<std::string> SceneToOpen(const std::vector<std::string>& arguments
     {
         path += (i == 0 ? "" : " ") + arguments[i];
     }
-    if (path.size() >= FILE_SCHEME.size() && EqualsIgnoringCase(path.substr(0, FILE_SCHEME.size()), FILE_SCHEME))
+    if (path.size() >= FILE_SCHEME.size() &&
+        EqualsIgnoringCase(path.substr(0, FILE_SCHEME.size()), FILE_SCHEME))
     {
         // The third slash is the root of the absolute path the address names, so it stays.
         path.erase(0, FILE_SCHEME.size() - 1);

@@ -31,7 +31,10 @@ constexpr int CHANNEL_BITS = 8;
 bool s_glHasLoaded = false;
 
 // Seconds since SDL started; the tick count is unsigned and wraps after 49 days.
-double Now() { return static_cast<unsigned>(SDL_GetTicks()) / 1000.0; }
+double Now()
+{
+    return static_cast<unsigned>(SDL_GetTicks()) / 1000.0;
+}
 
 std::optional<math::TVector2<int>> DisplaySize()
 {
@@ -87,7 +90,8 @@ Subsystem::Subsystem() : m_doLater(std::make_unique<util::CallbackSet>())
     logging::Logger* logger = logging::Logger::GetInstancePtr();
     logger->AddLogger(QLEX_NEW new logging::StreamLogger(STDERR_LOG_MASK, std::cerr));
     logger->AddLogger(QLEX_NEW new logging::StreamLogger(STDOUT_LOG_MASK, std::cout));
-    logger->AddLogger(QLEX_NEW new logging::FileLogger(FILE_LOG_MASK, interim::WorkDir() + "Logfile.txt", true));
+    logger->AddLogger(
+        QLEX_NEW new logging::FileLogger(FILE_LOG_MASK, interim::WorkDir() + "Logfile.txt", true));
 
     Log(logging::Info, "Init SDL...");
     if (SDL_Init(SDL_INIT_TIMER | SDL_INIT_VIDEO | SDL_INIT_JOYSTICK | SDL_INIT_NOPARACHUTE) != 0)
@@ -103,7 +107,10 @@ Subsystem::~Subsystem()
     SDL_Quit();
 }
 
-bool Subsystem::MayQuit() const { return m_quit && !interim::TrapUser(); }
+bool Subsystem::MayQuit() const
+{
+    return m_quit && !interim::TrapUser();
+}
 
 void Subsystem::Run()
 {
@@ -212,7 +219,10 @@ void Subsystem::Exit()
     }
 }
 
-void Subsystem::DoLater(util::CallbackPtr callback) { m_doLater->Add(callback); }
+void Subsystem::DoLater(util::CallbackPtr callback)
+{
+    m_doLater->Add(callback);
+}
 
 void Subsystem::CreateWindow(WindowParams params)
 {
@@ -295,7 +305,10 @@ void Subsystem::CreateWindow(WindowParams params)
     Log(logging::Info, "Window created.");
 }
 
-void Subsystem::ApplyParserConfig() { CreateWindow(m_requestedParams); }
+void Subsystem::ApplyParserConfig()
+{
+    CreateWindow(m_requestedParams);
+}
 
 void Subsystem::OnOtherEvent(const interim::InputEvent& input)
 {
@@ -322,7 +335,10 @@ void Subsystem::OnOtherEvent(const interim::InputEvent& input)
     }
 }
 
-void Subsystem::SetTitle(const std::string& title) { SDL_WM_SetCaption(title.c_str(), title.c_str()); }
+void Subsystem::SetTitle(const std::string& title)
+{
+    SDL_WM_SetCaption(title.c_str(), title.c_str());
+}
 
 int Subsystem::GetWidth() const
 {
@@ -336,9 +352,15 @@ int Subsystem::GetHeight() const
     return screen ? screen->h : m_currentParams.height;
 }
 
-bool Subsystem::GetVSync() const { return false; }
+bool Subsystem::GetVSync() const
+{
+    return false;
+}
 
-void Subsystem::SetVSync(bool) { m_currentParams.vSync = false; }
+void Subsystem::SetVSync(bool)
+{
+    m_currentParams.vSync = false;
+}
 
 void Subsystem::SetParams(const WindowParams& params)
 {
@@ -347,6 +369,12 @@ void Subsystem::SetParams(const WindowParams& params)
 }
 } // namespace core
 
-void GLHasLoaded() { core::s_glHasLoaded = true; }
+void GLHasLoaded()
+{
+    core::s_glHasLoaded = true;
+}
 
-bool HasGLLoaded() { return core::s_glHasLoaded; }
+bool HasGLLoaded()
+{
+    return core::s_glHasLoaded;
+}

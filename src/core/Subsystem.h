@@ -61,8 +61,8 @@ private:
     void RunDueCallbacks();
 
     bool m_firstWindow = false;
-    unsigned m_frameCount = 0;    // frames since the last measurement
-    double m_measureStart = 0.0;  // seconds
+    unsigned m_frameCount = 0;   // frames since the last measurement
+    double m_measureStart = 0.0; // seconds
     double m_fps = 0.0;
     bool m_quit = false;
     WindowParams m_currentParams;

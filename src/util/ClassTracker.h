@@ -27,10 +27,11 @@ public:
         return all;
     }
 
+    // Never destroyed: singletons and other statics leave their sets after static destruction has begun.
     static InstanceSet& Instances()
     {
-        static InstanceSet s_instances;
-        return s_instances;
+        static InstanceSet* s_instances = new InstanceSet;
+        return *s_instances;
     }
 };
 

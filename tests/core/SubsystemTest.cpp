@@ -1,5 +1,6 @@
 #include "core/Subsystem.h"
 
+#include "logging/Log.h"
 #include "platform/Os.h"
 
 #include <gtest/gtest.h>
@@ -47,6 +48,13 @@ protected:
     {
         core::interim::CalcWorkDir("");
         core::Subsystem::Create();
+    }
+
+    // In the order of an orderly end, so that no singleton is left to static destruction.
+    static void TearDownTestSuite()
+    {
+        core::Subsystem::Destroy();
+        logging::Logger::Destroy();
     }
 
     void SetUp() override

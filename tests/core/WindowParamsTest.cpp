@@ -16,21 +16,6 @@ WindowParams Sized(int width, int height)
 }
 } // namespace
 
-TEST(WindowParams, DefaultsDescribeAFramedResizableWindow)
-{
-    const WindowParams params;
-    EXPECT_TRUE(params.resizable);
-    EXPECT_TRUE(params.framed);
-    EXPECT_FALSE(params.fullscreen);
-    EXPECT_EQ(params.GetResolution().x, 1024);
-    EXPECT_EQ(params.GetResolution().y, 768);
-    EXPECT_EQ(params.depth, 32);
-    EXPECT_EQ(params.zDepth, 24);
-    EXPECT_EQ(params.stencilDepth, 8);
-    EXPECT_FALSE(params.vSync);
-    EXPECT_EQ(params.antiAlias, 1);
-}
-
 TEST(WindowParams, SizeIsClampedToWhatADriverTakes)
 {
     const WindowParams tiny = ClampWindowSize(Sized(0, -20), std::nullopt);

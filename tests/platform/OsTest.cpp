@@ -90,11 +90,13 @@ TEST(ShowErrorPopup, WritesToStandardErrorAndNeverAsksForCrashHandling)
 
 TEST(ExitProcess, FlushesBufferedOutputAndKeepsTheCode)
 {
-    const auto [code, output] = RunInChild([] {
-        std::cout << "C++ stream, ";
-        std::printf("C stream");
-        os::ExitProcess(3);
-    });
+    const auto [code, output] = RunInChild(
+        []
+        {
+            std::cout << "C++ stream, ";
+            std::printf("C stream");
+            os::ExitProcess(3);
+        });
     EXPECT_EQ(code, 3);
     EXPECT_EQ(output, "C++ stream, C stream");
 }
@@ -109,10 +111,12 @@ TEST(ExitProcess, SkipsStaticDestructors)
             std::cout.flush();
         }
     };
-    const auto [code, output] = RunInChild([] {
-        static SaysGoodbye s_goodbye;
-        os::ExitProcess(0);
-    });
+    const auto [code, output] = RunInChild(
+        []
+        {
+            static SaysGoodbye s_goodbye;
+            os::ExitProcess(0);
+        });
     EXPECT_EQ(code, 0);
     EXPECT_EQ(output, "");
 }

@@ -28,11 +28,20 @@ void CalcWorkDir(const std::string& argv0)
     std::cout << "workdir =  " << dir << std::endl;
 }
 
-const std::string& WorkDir() { return WorkDirectory(); }
+const std::string& WorkDir()
+{
+    return WorkDirectory();
+}
 
-std::string ConfigDir() { return WorkDirectory(); }
+std::string ConfigDir()
+{
+    return WorkDirectory();
+}
 
-std::string SceneDir() { return WorkDirectory() + "scenes/"; }
+std::string SceneDir()
+{
+    return WorkDirectory() + "scenes/";
+}
 
 bool FileExists(const std::string& path)
 {

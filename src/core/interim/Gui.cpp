@@ -34,7 +34,10 @@ void GuiDraw()
 
 void GuiOnNewWindowSize(int, int) {}
 
-bool TrapUser() { return false; }
+bool TrapUser()
+{
+    return false;
+}
 
 void LoadSceneFile(const std::string& path, bool)
 {

@@ -1,0 +1,194 @@
+#include "gui/GUI.h"
+
+#include "gui/GuiRenderer.h"
+#include "gui/LookAndFeel.h"
+#include "input/Input.h"
+#include "util/Profiler.h"
+
+#include <GL/gl.h>
+
+namespace gui
+{
+
+namespace
+{
+
+// Hands unhandled key presses to the profiler, which walks its table with the numeric pad.
+class ProfilerKeyRelay : public input::InputListener
+{
+public:
+    ProfilerKeyRelay() : InputListener(50) {}
+    void OnKeyEvent(const input::KeyEvent& event) override
+    {
+        InputListener::OnKeyEvent(event);
+        if (!event.IsHandled() && event.pressed && util::Profiler::GetInstancePtr()->OnKeyPress(event.key))
+            event.SetHandled();
+    }
+};
+
+} // namespace
+
+GUI::GUI() : InputListener(50)
+{
+    input::Input* input = input::Input::GetInstancePtr();
+    m_rootComponent = QLEX_NEW new Component();
+    m_profilerKeys = QLEX_NEW new ProfilerKeyRelay();
+    input->AddListener(m_profilerKeys);
+    // Added after the profiler at the same priority, the root gets events first.
+    input->AddListener(m_rootComponent);
+    SetPriority(PRIORITY);
+    input->AddListener(this);
+    input::Input::SetSettings(this);
+
+    m_mainComponent = QLEX_NEW new Component();
+    m_tooltipLayer = QLEX_NEW new Component();
+    m_mainComponent->SetFillOwner(true);
+    m_rootComponent->AddComponent(m_mainComponent);
+    m_rootComponent->AddComponent(m_tooltipLayer);
+}
+
+GUI::~GUI()
+{
+    if (input::Input::IsUp())
+    {
+        input::Input* input = input::Input::GetInstancePtr();
+        input->RemoveListener(m_rootComponent);
+        input->RemoveListener(m_profilerKeys);
+        input::Input::SetSettings(nullptr);
+    }
+    LookAndFeel::ResetDefault();
+}
+
+void GUI::SetScale(float scale)
+{
+    if (scale == m_scale)
+        return;
+    m_scale = scale;
+    OnScaleChange();
+}
+
+void GUI::SetFont(const std::string& font)
+{
+    m_font = font;
+}
+
+math::Vec2 GUI::GetSize() const
+{
+    return PosFromPixel(m_windowWidth, m_windowHeight);
+}
+
+math::Vec2 GUI::PosFromPixel(int x, int y) const
+{
+    return math::Vec2(static_cast<float>(x) / m_scale, static_cast<float>(y) / m_scale);
+}
+
+void GUI::OnNewWindowSize(int width, int height)
+{
+    m_windowWidth = width;
+    m_windowHeight = height;
+    m_rootComponent->SetOuterSize(GetSize());
+}
+
+void GUI::OnScaleChange()
+{
+    OnNewWindowSize(m_windowWidth, m_windowHeight);
+}
+
+void GUI::Update(float dt)
+{
+    UpdateMouseOverComp();
+    m_rootComponent->Update(dt);
+}
+
+void GUI::OnMouseMove(const input::MouseEvent& event)
+{
+    UpdateMouseOverComp();
+    InputListener::OnMouseMove(event);
+}
+
+void GUI::UpdateMouseOverComp()
+{
+    util::ScopeProfiler profiler("GUI::UpdateMouseOverComp");
+    // The root's outer position is its local origin when it has no border, as the root never has.
+    const math::Vec2 mouse = input::Input::GetInstancePtr()->GetMousePos();
+    UpdateMouseOver(*m_rootComponent, true, m_rootComponent->GUIToLocal(mouse));
+}
+
+void GUI::Begin()
+{
+    const math::Vec2 size = GetSize();
+    glPushAttrib(0xFFFFF);
+    glMatrixMode(GL_PROJECTION);
+    glPushMatrix();
+    glLoadIdentity();
+    // GUI units, y down.
+    glOrtho(0.0, size.x, size.y, 0.0, -1.0, 0.0);
+    glMatrixMode(GL_MODELVIEW);
+    glPushMatrix();
+    glLoadIdentity();
+    glEnable(GL_TEXTURE_2D);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    GuiRenderer::SetColor4(math::Vec4(1.0f, 1.0f, 1.0f, m_opaqueness));
+}
+
+void GUI::End()
+{
+    glMatrixMode(GL_MODELVIEW);
+    glPopMatrix();
+    glMatrixMode(GL_PROJECTION);
+    glPopMatrix();
+    glMatrixMode(GL_MODELVIEW);
+    glPopAttrib();
+}
+
+void GUI::Draw()
+{
+    util::ScopeProfiler profiler("GUI::Draw");
+    Begin();
+    {
+        util::ScopeProfiler tree("GUI");
+        glPushAttrib(0xFFFFF);
+        glPushMatrix();
+        // Untextured until textures land: borders are flat colour.
+        glDisable(GL_TEXTURE_2D);
+        m_rootComponent->DrawCompAndChildren();
+        glPopMatrix();
+        glPopAttrib();
+    }
+    // No cursor textures yet: the operating system draws the mouse.
+    SDL_ShowCursor(SDL_ENABLE);
+    End();
+}
+
+bool UpdateMouseOver(Component& c, bool mayBeOver, math::Vec2 pos)
+{
+    const bool inside = mayBeOver && c.GetOuterBBLocal().Contains(pos);
+    c.SetMouseOverOuter(inside);
+    bool stillFree = mayBeOver;
+    bool hit = false;
+    // Topmost first: the children are drawn first to last.
+    c.ForwardEvent(
+        [&](Component& child)
+        {
+            if (stillFree)
+            {
+                if (UpdateMouseOver(child, true, pos - child.GetInnerPos()))
+                {
+                    stillFree = false;
+                    hit = true;
+                }
+            }
+            else
+                SetMouseNotOver(child);
+        });
+    return inside || hit;
+}
+
+void SetMouseNotOver(Component& c)
+{
+    c.SetMouseOverOuter(false);
+    c.ForwardEvent([](Component& child) { SetMouseNotOver(child); });
+}
+
+} // namespace gui

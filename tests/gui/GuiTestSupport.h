@@ -1,0 +1,76 @@
+#pragma once
+
+#include "gui/GUI.h"
+#include "gui/components/Component.h"
+#include "input/Clock.h"
+#include "input/Input.h"
+
+#include <string>
+#include <vector>
+
+namespace gui::test
+{
+
+// A clock the test sets by hand.
+struct ManualClock
+{
+    ManualClock()
+    {
+        input::Clock::SetSource([this] { return now; });
+    }
+    ~ManualClock() { input::Clock::SetSource(nullptr); }
+    double now = 100.0;
+};
+
+// A plain component of a given inner size.
+inline util::SharedPtr<Component> Box(float w, float h)
+{
+    util::SharedPtr<Component> c = QLEX_NEW new Component();
+    c->SetInnerSize(w, h);
+    return c;
+}
+
+// Takes clicks over its inner rectangle that nobody took before, as controls do.
+class ClickTarget : public Component
+{
+public:
+    explicit ClickTarget(std::string name) : m_name(std::move(name)) {}
+    void OnClick(const input::ClickEvent& event) override
+    {
+        Component::OnClick(event);
+        if (event.IsHandled() || !IsMouseOverInner())
+            return;
+        clicks.push_back(event.position);
+        event.SetHandled();
+    }
+    std::vector<math::Vec2> clicks;
+
+private:
+    std::string m_name;
+};
+
+inline void MoveMouseTo(int x, int y)
+{
+    SDL_Event e = {};
+    e.type = SDL_MOUSEMOTION;
+    e.motion.type = SDL_MOUSEMOTION;
+    e.motion.x = static_cast<Uint16>(x);
+    e.motion.y = static_cast<Uint16>(y);
+    input::Input::GetInstancePtr()->HandleEvent(e);
+}
+
+inline void ClickAt(int x, int y)
+{
+    for (bool down : {true, false})
+    {
+        SDL_Event e = {};
+        e.type = down ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
+        e.button.type = e.type;
+        e.button.button = SDL_BUTTON_LEFT;
+        e.button.x = static_cast<Uint16>(x);
+        e.button.y = static_cast<Uint16>(y);
+        input::Input::GetInstancePtr()->HandleEvent(e);
+    }
+}
+
+} // namespace gui::test
