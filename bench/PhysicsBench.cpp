@@ -46,25 +46,51 @@ template <class Build> void RunScene(benchmark::State& state, Build build)
 void Pyramid_Boxes(benchmark::State& state)
 {
     const int rows = static_cast<int>(state.range(0));
-    RunScene(state, [rows] {
-        Simulation::GetInstancePtr()->m_airSwitch = false;
-        scenes::BuildPyramid(rows, scenes::Shape::Box);
-    });
+    RunScene(state,
+             [rows]
+             {
+                 Simulation::GetInstancePtr()->m_airSwitch = false;
+                 scenes::BuildPyramid(rows, scenes::Shape::Box);
+             });
 }
 
 void Pyramid_Polygons(benchmark::State& state)
 {
     const int rows = static_cast<int>(state.range(0));
-    RunScene(state, [rows] {
-        Simulation::GetInstancePtr()->m_airSwitch = false;
-        scenes::BuildPyramid(rows, scenes::Shape::Polygon);
-    });
+    RunScene(state,
+             [rows]
+             {
+                 Simulation::GetInstancePtr()->m_airSwitch = false;
+                 scenes::BuildPyramid(rows, scenes::Shape::Polygon);
+             });
 }
 
 void Circles_InContainer(benchmark::State& state)
 {
     const int count = static_cast<int>(state.range(0));
     RunScene(state, [count] { scenes::BuildCirclesInContainer(count, 0.25f); });
+}
+
+// Water in a tank of this many rows: deep enough to press on the bottom, shallow enough to stay calm at the
+// default step.
+const int WATER_ROWS = 8;
+
+void Water_Tank(benchmark::State& state)
+{
+    const int count = static_cast<int>(state.range(0));
+    RunScene(state, [count] { scenes::BuildWaterTank(count, WATER_ROWS); });
+    state.counters["particles"] = static_cast<double>(count);
+}
+
+void Water_FloatingBoxes(benchmark::State& state)
+{
+    const int boxes = static_cast<int>(state.range(0));
+    RunScene(state,
+             [boxes]
+             {
+                 scenes::BuildWaterTank(2000, WATER_ROWS);
+                 scenes::AddFloatingBoxes(boxes, WATER_ROWS);
+             });
 }
 
 void Polygon_Construction(benchmark::State& state)
@@ -83,6 +109,8 @@ void Polygon_Construction(benchmark::State& state)
 BENCHMARK(Pyramid_Boxes)->Arg(10)->Arg(20)->Arg(30)->Unit(benchmark::kMillisecond);
 BENCHMARK(Pyramid_Polygons)->Arg(10)->Arg(20)->Arg(30)->Unit(benchmark::kMillisecond);
 BENCHMARK(Circles_InContainer)->Arg(500)->Unit(benchmark::kMillisecond);
+BENCHMARK(Water_Tank)->Arg(1000)->Arg(4000)->Arg(16000)->Unit(benchmark::kMillisecond);
+BENCHMARK(Water_FloatingBoxes)->Arg(20)->Unit(benchmark::kMillisecond);
 BENCHMARK(Polygon_Construction)->Arg(16)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

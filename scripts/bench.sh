@@ -17,12 +17,13 @@ import json, sys
 data = json.load(open(sys.argv[1]))
 scale = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}
 rows = [b for b in data["benchmarks"] if b.get("aggregate_name") == "median"]
-print(f"{'case':<28}{'ms/step (wall)':>16}{'ms/step (cpu)':>15}{'contacts':>10}{'allocs/step':>13}")
+print(f"{'case':<28}{'ms/step (wall)':>16}{'ms/step (cpu)':>15}{'contacts':>10}{'allocs/step':>13}{'us/particle':>13}")
 for b in rows:
     f = scale[b["time_unit"]]
     name = b["run_name"]
     contacts = f"{b['contacts']:.0f}" if "contacts" in b else "-"
     allocs = f"{b['allocs/step']:.0f}" if "allocs/step" in b else "-"
-    print(f"{name:<28}{b['real_time'] * f:>16.3f}{b['cpu_time'] * f:>15.3f}{contacts:>10}{allocs:>13}")
+    per = f"{b['cpu_time'] * f * 1000 / b['particles']:.3f}" if "particles" in b else "-"
+    print(f"{name:<28}{b['real_time'] * f:>16.3f}{b['cpu_time'] * f:>15.3f}{contacts:>10}{allocs:>13}{per:>13}")
 print("(Polygon_Construction rows are ms per polygon.)")
 PY

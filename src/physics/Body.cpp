@@ -14,9 +14,7 @@ void SetUnitMass(float& mass, float& massInv, float& inertia, float& inertiaInv)
 }
 } // namespace
 
-Body::Body() : m_geoms(3)
-{
-}
+Body::Body() : m_geoms(3) {}
 
 Body::~Body()
 {

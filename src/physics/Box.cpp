@@ -53,7 +53,8 @@ math::Vec2 Box::NormalWorld(const math::Vec2& p) const
     const math::Vec2 d = p - m_worldBox.center;
     const float s0 = math::Dot(d, m_worldBox.axis[0]);
     const float s1 = math::Dot(d, m_worldBox.axis[1]);
-    if (std::fabs(std::fabs(s1) - m_worldBox.halfExtent[1]) > std::fabs(std::fabs(s0) - m_worldBox.halfExtent[0]))
+    if (std::fabs(std::fabs(s1) - m_worldBox.halfExtent[1]) >
+        std::fabs(std::fabs(s0) - m_worldBox.halfExtent[0]))
         return s0 >= 0.0f ? m_worldBox.axis[0] : -m_worldBox.axis[0];
     return s1 >= 0.0f ? m_worldBox.axis[1] : -m_worldBox.axis[1];
 }

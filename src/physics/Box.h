@@ -5,7 +5,7 @@
 namespace physics
 {
 // A rectangle. The world box is kept in step with the pose, so that collision reads it without work.
-class Box : public Geom
+class Box final : public Geom
 {
 public:
     Box(const math::Vec2& size, const math::Vec2& position);

@@ -7,7 +7,7 @@
 
 namespace physics
 {
-class Circle : public Circular
+class Circle final : public Circular
 {
 public:
     Circle(const math::Vec2& position, float radius);

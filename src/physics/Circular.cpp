@@ -2,9 +2,7 @@
 
 namespace physics
 {
-Circular::Circular(Kind kind, float radius) : Geom(kind), m_radius(radius)
-{
-}
+Circular::Circular(Kind kind, float radius) : Geom(kind), m_radius(radius) {}
 
 float Circular::DistanceWorld(const math::Vec2& p) const
 {

@@ -8,8 +8,8 @@
 #include "physics/Particle.h"
 #include "physics/Plane.h"
 #include "physics/Polygon.h"
-#include "util/Profiler.h"
 #include "physics/SPH.h"
+#include "util/Profiler.h"
 
 #include <algorithm>
 #include <cmath>
@@ -26,8 +26,8 @@ const std::uint32_t SUB_CENTRE_INSIDE = 0xFFFFFFFFu;
 
 bool ShouldCollide(const AbstractBody* bodyA, const Geom& geomA, const AbstractBody* bodyB, const Geom& geomB)
 {
-    if (geomA.GetHeteroCollide() && geomB.GetHeteroCollide() && geomA.GetCollideSet() == geomB.GetCollideSet() &&
-        geomA.GetWaterCollide() == geomB.GetWaterCollide())
+    if (geomA.GetHeteroCollide() && geomB.GetHeteroCollide() &&
+        geomA.GetCollideSet() == geomB.GetCollideSet() && geomA.GetWaterCollide() == geomB.GetWaterCollide())
         return false;
     if ((geomA.GetCollideSet() & geomB.GetCollideSet() & Geom::COLLIDE_MASK) == 0)
         return false;
@@ -543,8 +543,8 @@ void Collider::CollideWater(util::VectorPOD<Contact*>& out)
         for (PolyHull& poly : m_polygons)
         {
             Polygon& shape = *poly.polygon;
-            if (!AABBvcBC(waterBox, shape.GetBCWorld()) ||
-                !math::Intersects(waterOBB, shape.GetWorldOBB()) || !shape.GetWaterCollide())
+            if (!AABBvcBC(waterBox, shape.GetBCWorld()) || !math::Intersects(waterOBB, shape.GetWorldOBB()) ||
+                !shape.GetWaterCollide())
                 continue;
             for (Particle* p : m_particles)
                 CollideParticle(distance, *p, shape, out);
@@ -554,8 +554,8 @@ void Collider::CollideWater(util::VectorPOD<Contact*>& out)
         const util::ScopeProfiler profile("Box-Water");
         for (Box* box : m_boxes)
         {
-            if (!AABBvcBC(waterBox, box->GetBCWorld()) ||
-                !math::Intersects(waterOBB, box->GetWorldOBB()) || !box->GetWaterCollide())
+            if (!AABBvcBC(waterBox, box->GetBCWorld()) || !math::Intersects(waterOBB, box->GetWorldOBB()) ||
+                !box->GetWaterCollide())
                 continue;
             for (Particle* p : m_particles)
                 CollideParticle(distance, *p, *box, out);

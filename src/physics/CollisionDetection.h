@@ -56,7 +56,8 @@ private:
     float m_waterContactDistance = 0.0f;
 };
 
-bool ShouldCollide(const AbstractBody* bodyA, const Geom& geomA, const AbstractBody* bodyB, const Geom& geomB);
+bool ShouldCollide(const AbstractBody* bodyA, const Geom& geomA, const AbstractBody* bodyB,
+                   const Geom& geomB);
 bool ShouldCollide(const Geom& geomA, const Geom& geomB);
 
 // Drops (and logs) a contact with a non-finite value.

@@ -13,9 +13,7 @@ ConstraintParams::ConstraintParams(float h_, float d, float k, float accFactor) 
     regularization = 4.0f / (q * h * h * k);
 }
 
-Constraint::Constraint() : m_r0(0.0f, 0.0f), m_r1(0.0f, 0.0f)
-{
-}
+Constraint::Constraint() : m_r0(0.0f, 0.0f), m_r1(0.0f, 0.0f) {}
 
 Constraint::Constraint(const Constraint& other)
     : util::Pointee(), m_distanceWeight(other.m_distanceWeight), m_warmStartWeight(other.m_warmStartWeight),

@@ -83,7 +83,10 @@ protected:
 // Greatest priority first.
 struct ConstraintComparer
 {
-    bool operator()(const Constraint* a, const Constraint* b) const { return a->GetPriority() > b->GetPriority(); }
+    bool operator()(const Constraint* a, const Constraint* b) const
+    {
+        return a->GetPriority() > b->GetPriority();
+    }
 };
 
 // Effective mass of two bodies for an impulse along dir at arms rA and rB; held bodies count as immovable.

@@ -27,9 +27,7 @@ Geom::Geom(Kind kind)
 {
 }
 
-Geom::Geom(const Geom& other) : Geom(other.m_kind)
-{
-}
+Geom::Geom(const Geom& other) : Geom(other.m_kind) {}
 
 Geom::~Geom() = default;
 

@@ -25,13 +25,14 @@ math::Vec2 VelocityChangeAt(const AbstractBody& body, const math::Vec2& r)
 }
 } // namespace
 
-Hinge::Hinge(const util::SharedPtr<Geom>& geomA, const util::SharedPtr<Geom>& geomB, const math::Vec2& anchorA,
-             const math::Vec2& anchorB)
+Hinge::Hinge(const util::SharedPtr<Geom>& geomA, const util::SharedPtr<Geom>& geomB,
+             const math::Vec2& anchorA, const math::Vec2& anchorB)
     : m_geomA(geomA), m_geomB(geomB), m_anchorA(anchorA), m_anchorB(anchorB)
 {
 }
 
-Hinge::Hinge(const util::SharedPtr<Geom>& geomA, const util::SharedPtr<Geom>& geomB, const math::Vec2& worldPoint)
+Hinge::Hinge(const util::SharedPtr<Geom>& geomA, const util::SharedPtr<Geom>& geomB,
+             const math::Vec2& worldPoint)
     : m_geomA(geomA), m_geomB(geomB),
       m_anchorA(math::TransformCoordinate(geomA->GetWorldToGeom(), worldPoint)),
       m_anchorB(math::TransformCoordinate(geomB->GetWorldToGeom(), worldPoint))
@@ -120,8 +121,9 @@ bool Hinge::SolveInit()
     {
         m_motorMass = 1.0f / (iA + iB + reg);
         m_motorImpulseLimit = m_motorMass * p.h * m_motorStrength;
-        m_motorTarget = (m_motorSpeed - (b.GetAngularVelocity() - a.GetAngularVelocity())) * p.velocityFactor -
-                        (iB * b.GetTorque() - iA * a.GetTorque()) * p.accelerationFactor;
+        m_motorTarget =
+            (m_motorSpeed - (b.GetAngularVelocity() - a.GetAngularVelocity())) * p.velocityFactor -
+            (iB * b.GetTorque() - iA * a.GetTorque()) * p.accelerationFactor;
     }
 
     if (sim.m_warmStart)

@@ -12,7 +12,8 @@ class Hinge : public Constraint
 public:
     Hinge(const util::SharedPtr<Geom>& geomA, const util::SharedPtr<Geom>& geomB, const math::Vec2& anchorA,
           const math::Vec2& anchorB);
-    Hinge(const util::SharedPtr<Geom>& geomA, const util::SharedPtr<Geom>& geomB, const math::Vec2& worldPoint);
+    Hinge(const util::SharedPtr<Geom>& geomA, const util::SharedPtr<Geom>& geomB,
+          const math::Vec2& worldPoint);
 
     // Hinged shapes never collide with each other.
     void Activate();

@@ -42,8 +42,8 @@ bool Linesegment::IsPointOnTheLeft(const math::Vec2& p) const
     return math::Dot(math::Rot90CCW(b - a), p - a) > 0.0f;
 }
 
-bool LineSegmentIntersectTest(const math::Vec2& a, const math::Vec2& b, const math::Vec2& c, const math::Vec2& d,
-                              math::Vec2* out)
+bool LineSegmentIntersectTest(const math::Vec2& a, const math::Vec2& b, const math::Vec2& c,
+                              const math::Vec2& d, math::Vec2* out)
 {
     if (a == c || b == d)
         return true;

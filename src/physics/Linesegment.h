@@ -25,8 +25,8 @@ public:
 };
 
 // Two segments joined end to start don't intersect; two sharing their first or their last point do.
-bool LineSegmentIntersectTest(const math::Vec2& a, const math::Vec2& b, const math::Vec2& c, const math::Vec2& d,
-                              math::Vec2* out = nullptr);
+bool LineSegmentIntersectTest(const math::Vec2& a, const math::Vec2& b, const math::Vec2& c,
+                              const math::Vec2& d, math::Vec2* out = nullptr);
 bool Intersects(const Linesegment& s0, const Linesegment& s1, math::Vec2* out = nullptr);
 int IntersectCount(const Linesegment& segment, const std::vector<Linesegment>& list);
 int IntersectCount(const std::vector<Linesegment>& list0, const std::vector<Linesegment>& list1);

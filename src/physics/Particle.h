@@ -19,7 +19,7 @@ public:
     };
 
     // The particle's collision shape; it gives water contacts their material and their ids.
-    class ParticleGeom : public Circular
+    class ParticleGeom final : public Circular
     {
     public:
         ParticleGeom(Particle* owner, float radius);

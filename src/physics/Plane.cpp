@@ -1,6 +1,5 @@
 #include "physics/Plane.h"
 
-
 namespace physics
 {
 Plane::Plane(const math::Plane2D& plane) : Geom(Kind::Plane), m_plane(plane)

@@ -5,7 +5,7 @@
 namespace physics
 {
 // A half-plane: everything behind the line is inside. The pose's x axis is the normal.
-class Plane : public Geom
+class Plane final : public Geom
 {
 public:
     explicit Plane(const math::Plane2D& plane);

@@ -57,7 +57,8 @@ void UpdateQueue(CellQueue& queue, std::vector<BuildCell>& cells, unsigned int c
 
 bool SegmentsMayTouch(const Linesegment& s, const Linesegment& t)
 {
-    return !(std::max(s.a.y, s.b.y) < std::min(t.a.y, t.b.y) || std::max(t.a.y, t.b.y) < std::min(s.a.y, s.b.y));
+    return !(std::max(s.a.y, s.b.y) < std::min(t.a.y, t.b.y) ||
+             std::max(t.a.y, t.b.y) < std::min(s.a.y, s.b.y));
 }
 
 // Whether any two edges cross. Edges are swept in order of their left end, so that only pairs whose x
@@ -272,8 +273,10 @@ void Polygon::CalcDistMap()
     {
         const math::Vec2 a = LocalToMap(edge.a);
         const math::Vec2 b = LocalToMap(edge.b);
-        const math::TVector2<int> p0(static_cast<int>(std::floor(a.x + 0.5f)), static_cast<int>(std::floor(a.y + 0.5f)));
-        const math::TVector2<int> p1(static_cast<int>(std::floor(b.x + 0.5f)), static_cast<int>(std::floor(b.y + 0.5f)));
+        const math::TVector2<int> p0(static_cast<int>(std::floor(a.x + 0.5f)),
+                                     static_cast<int>(std::floor(a.y + 0.5f)));
+        const math::TVector2<int> p1(static_cast<int>(std::floor(b.x + 0.5f)),
+                                     static_cast<int>(std::floor(b.y + 0.5f)));
         line.clear();
         Bresenham(p0, p1, line);
         for (const math::TVector2<int>& c : line)
@@ -301,7 +304,8 @@ void Polygon::CalcDistMap()
             {
                 const int x = cx + dx;
                 const int y = cy + dy;
-                if ((dx == 0 && dy == 0) || x < 0 || y < 0 || x >= static_cast<int>(w) || y >= static_cast<int>(h))
+                if ((dx == 0 && dy == 0) || x < 0 || y < 0 || x >= static_cast<int>(w) ||
+                    y >= static_cast<int>(h))
                     continue;
                 const unsigned int index = x + y * w;
                 if (!cells[index].done)

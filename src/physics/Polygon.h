@@ -11,7 +11,7 @@ namespace physics
 // Any simple polygon, convex or not. Construction bakes a signed distance field, its gradient and the
 // arc length of the nearest outline point on a fixed grid around the shape, so that every later inside,
 // distance and normal query is a constant-time bilinear lookup whatever the number of vertices.
-class Polygon : public Geom
+class Polygon final : public Geom
 {
 public:
     // Throws BadDataException "Bad polygon" (fewer than three distinct points, or no area) and

@@ -158,6 +158,12 @@ void SPH::FindNeighbors()
             const math::TVector2<int>& cell = m_occupiedCells[c];
             for (const math::TVector2<int>& offset : STENCIL)
             {
+                // The cell itself needs no lookup: its list is at hand.
+                if (offset.x == 0 && offset.y == 0)
+                {
+                    MatchCells(m_cellLists[c], m_cellLists[c], limit);
+                    continue;
+                }
                 const unsigned int* other =
                     cells.TryGet(math::TVector2<int>(cell.x + offset.x, cell.y + offset.y));
                 if (other)
@@ -167,7 +173,8 @@ void SPH::FindNeighbors()
     }
 }
 
-void SPH::MatchCells(const util::VectorPOD<Particle*>& a, const util::VectorPOD<Particle*>& b, float squaredDistance)
+void SPH::MatchCells(const util::VectorPOD<Particle*>& a, const util::VectorPOD<Particle*>& b,
+                     float squaredDistance)
 {
     const bool same = &a == &b;
     const size_t na = a.size();

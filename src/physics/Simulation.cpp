@@ -42,7 +42,8 @@ double GetSimTime()
 }
 
 void AddAirFrictionForce(float invDt, float linear, float quadratic, float rot, AbstractBody& body,
-                         const math::Vec2& velocity, float speed, float width, const math::Vec2& arm, float mult)
+                         const math::Vec2& velocity, float speed, float width, const math::Vec2& arm,
+                         float mult)
 {
     const bool movable = !body.IsHeld() && body.GetMassInv() != 0.0f;
     const float massBound = (body.IsHeld() ? math::INF : body.GetMass()) * invDt;
@@ -53,12 +54,14 @@ void AddAirFrictionForce(float invDt, float linear, float quadratic, float rot, 
         body.SetTorque(body.GetTorque() + math::Cross(arm, force));
 
     const float w = body.GetAngularVelocity();
-    const float torque = std::min(std::fabs(w) * rot * body.GetMass() * mult, body.GetInertia() * std::fabs(w) * invDt);
+    const float torque =
+        std::min(std::fabs(w) * rot * body.GetMass() * mult, body.GetInertia() * std::fabs(w) * invDt);
     if (movable)
         body.SetTorque(body.GetTorque() - torque * Sign(w));
 }
 
-void AddAirBuoyancy(float density, const math::Vec2& gravity, AbstractBody& body, float area, const math::Vec2& arm)
+void AddAirBuoyancy(float density, const math::Vec2& gravity, AbstractBody& body, float area,
+                    const math::Vec2& arm)
 {
     const math::Vec2 force = gravity * -(area * density);
     body.AddForce(force);
@@ -314,8 +317,8 @@ void Simulation::CalcForces()
             if (hasFriction)
             {
                 const math::Vec2 velocity = particle.GetVelocity();
-                AddAirFrictionForce(invDt, linear, quadratic, rot, particle, velocity, velocity.Length(), 2.0f * r,
-                                    noArm, 1.0f);
+                AddAirFrictionForce(invDt, linear, quadratic, rot, particle, velocity, velocity.Length(),
+                                    2.0f * r, noArm, 1.0f);
             }
             if (hasBuoyancy)
                 AddAirBuoyancy(airDensity, g, particle, area, noArm);

@@ -3,6 +3,7 @@
 #include "math/Math.h"
 #include "physics/CollisionDetection.h"
 #include "physics/ContactID.h"
+#include "physics/WorldGeom.h"
 #include "util/Callback.h"
 #include "util/HashMap.h"
 #include "util/SharedPtr.h"
@@ -22,7 +23,6 @@ class Contact;
 class Hinge;
 class Joint;
 class Particle;
-class WorldGeom;
 
 // The simulated time in seconds.
 double GetSimTime();
@@ -55,6 +55,8 @@ public:
     void AddConstraint(const util::SharedPtr<Hinge>& hinge);
     void RemoveConstraint(const util::SharedPtr<Hinge>& hinge);
     bool HasConstraint(const util::SharedPtr<Hinge>& hinge) const;
+    const util::HashSet<util::SharedPtr<Joint>>& GetJoints() const { return m_joints; }
+    const util::HashSet<util::SharedPtr<Hinge>>& GetConstraints() const { return m_constraints; }
 
     void AddParticle(const util::SharedPtr<Particle>& particle);
     const std::vector<util::SharedPtr<Particle>>& GetParticles() const { return m_particles; }
@@ -161,7 +163,8 @@ private:
 // Drag on a body: linear and quadratic in speed per metre of exposed width, and rotational, each bounded so
 // that it can't reverse the motion within one step.
 void AddAirFrictionForce(float invDt, float linear, float quadratic, float rot, AbstractBody& body,
-                         const math::Vec2& velocity, float speed, float width, const math::Vec2& arm, float mult);
+                         const math::Vec2& velocity, float speed, float width, const math::Vec2& arm,
+                         float mult);
 // Lift of the displaced air, at the centre of the area.
 void AddAirBuoyancy(float density, const math::Vec2& gravity, AbstractBody& body, float area,
                     const math::Vec2& arm);

@@ -60,7 +60,8 @@ void SpringJoint::GetWorldPoints(math::Vec2 out[2]) const
         out[i] = math::TransformCoordinate(m_geoms[i]->GetPose(), m_anchors[i]);
 }
 
-float SpringJoint::CalcMass(const Body& body0, const Body& body1, const math::Vec2 points[2], float& length) const
+float SpringJoint::CalcMass(const Body& body0, const Body& body1, const math::Vec2 points[2],
+                            float& length) const
 {
     math::Vec2 dir = points[1] - points[0];
     length = dir.Length();

@@ -21,8 +21,8 @@ struct SpringDamper
 class SpringJoint : public Joint
 {
 public:
-    SpringJoint(const util::SharedPtr<Geom>& geomA, const math::Vec2& worldPointA, const util::SharedPtr<Geom>& geomB,
-                const math::Vec2& worldPointB);
+    SpringJoint(const util::SharedPtr<Geom>& geomA, const math::Vec2& worldPointA,
+                const util::SharedPtr<Geom>& geomB, const math::Vec2& worldPointB);
 
     void ApplyForce() override;
     // Potential energy stored in the spring, for drawing.

@@ -2,9 +2,7 @@
 
 namespace physics
 {
-WorldGeom::WorldGeom() : Geom(Kind::World)
-{
-}
+WorldGeom::WorldGeom() : Geom(Kind::World) {}
 
 float WorldGeom::DistanceWorld(const math::Vec2&) const
 {

@@ -5,7 +5,7 @@
 namespace physics
 {
 // The shape of the fixed world: everything is inside it, and nothing collides with it.
-class WorldGeom : public Geom
+class WorldGeom final : public Geom
 {
 public:
     WorldGeom();

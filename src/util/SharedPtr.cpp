@@ -85,14 +85,16 @@ template <> void SafeDelete<Pointee>(const Pointee* p)
 {
     if (!p)
         return;
+    // Only the type is taken before the delete; naming it costs allocations, so that waits for a failure.
+    const std::type_info& type = typeid(*p);
     std::string typeName;
     try
     {
-        typeName = TypeName(typeid(*p));
         delete p;
     }
     catch (std::exception& e)
     {
+        typeName = TypeName(type);
         try
         {
             Log(logging::Error, "Exception caught when deleting a " + typeName + ": " + e.what());
@@ -104,6 +106,7 @@ template <> void SafeDelete<Pointee>(const Pointee* p)
     }
     catch (...)
     {
+        typeName = TypeName(type);
         try
         {
             Log(logging::Error, "Unknown exception caught when deleting a " + typeName);

@@ -161,13 +161,15 @@ TEST_F(WorldTest, Linesegments_IntersectionRules)
 {
     const math::Vec2 o(0.0f, 0.0f);
     // Joined end to start: no crossing. Sharing the first point: a crossing.
-    EXPECT_FALSE(LineSegmentIntersectTest(o, math::Vec2(1.0f, 1.0f), math::Vec2(1.0f, 1.0f), math::Vec2(2.0f, 0.0f)));
+    EXPECT_FALSE(
+        LineSegmentIntersectTest(o, math::Vec2(1.0f, 1.0f), math::Vec2(1.0f, 1.0f), math::Vec2(2.0f, 0.0f)));
     EXPECT_TRUE(LineSegmentIntersectTest(o, math::Vec2(1.0f, 1.0f), o, math::Vec2(1.0f, 0.0f)));
     math::Vec2 at;
-    EXPECT_TRUE(LineSegmentIntersectTest(math::Vec2(-1.0f, 0.0f), math::Vec2(1.0f, 0.0f), math::Vec2(0.0f, -1.0f),
-                                         math::Vec2(0.0f, 1.0f), &at));
+    EXPECT_TRUE(LineSegmentIntersectTest(math::Vec2(-1.0f, 0.0f), math::Vec2(1.0f, 0.0f),
+                                         math::Vec2(0.0f, -1.0f), math::Vec2(0.0f, 1.0f), &at));
     EXPECT_NEAR(at.x, 0.0f, 1e-6f);
-    EXPECT_FALSE(LineSegmentIntersectTest(o, math::Vec2(1.0f, 0.0f), math::Vec2(0.0f, 1.0f), math::Vec2(1.0f, 1.0f)));
+    EXPECT_FALSE(
+        LineSegmentIntersectTest(o, math::Vec2(1.0f, 0.0f), math::Vec2(0.0f, 1.0f), math::Vec2(1.0f, 1.0f)));
 
     float t;
     const Linesegment degenerate(math::Vec2(1.0f, 1.0f), math::Vec2(1.0f, 1.0f));

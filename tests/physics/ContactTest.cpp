@@ -31,7 +31,8 @@ protected:
     }
 
     // The largest distance of any body from where it started.
-    static float MaxDrift(const std::vector<util::SharedPtr<Body>>& bodies, const std::vector<math::Vec2>& start)
+    static float MaxDrift(const std::vector<util::SharedPtr<Body>>& bodies,
+                          const std::vector<math::Vec2>& start)
     {
         float drift = 0.0f;
         for (size_t i = 0; i < bodies.size(); ++i)

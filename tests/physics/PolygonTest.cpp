@@ -116,8 +116,9 @@ TEST_F(WorldTest, Polygon_ConcaveShapeHasItsNotchOutside)
 
 TEST_F(WorldTest, Polygon_ScaleMirrorsAndKeepsCounterClockwise)
 {
-    const std::vector<math::Vec2> l = {math::Vec2(0.0f, 0.0f), math::Vec2(2.0f, 0.0f), math::Vec2(2.0f, 1.0f),
-                                       math::Vec2(1.0f, 1.0f), math::Vec2(1.0f, 3.0f), math::Vec2(0.0f, 3.0f)};
+    const std::vector<math::Vec2> l = {math::Vec2(0.0f, 0.0f), math::Vec2(2.0f, 0.0f),
+                                       math::Vec2(2.0f, 1.0f), math::Vec2(1.0f, 1.0f),
+                                       math::Vec2(1.0f, 3.0f), math::Vec2(0.0f, 3.0f)};
     util::SharedPtr<Polygon> polygon = QLEX_NEW new Polygon(l);
     polygon->SetFriction(0.25f);
     util::SharedPtr<Polygon> mirrored = polygon->Scale(math::Vec2(-1.0f, 1.0f));

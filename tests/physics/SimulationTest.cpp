@@ -100,8 +100,8 @@ TEST_F(SimulationUpdateTest, Update_StepsStopWhenTheirCostExceedsTheBudget)
     m_clock.stepCost = 0.015;
     Sim().SetUpdateBudget(0.05f);
     Sim().m_timeFactor = 10.0f;
-    // 0.1 s of simulated time is owed. Each step costs 0.015 s of real time, and the frame's own 0.01 s counts
-    // too: after the second step 0.015 + 0.03 + 0.01 exceeds the budget.
+    // 0.1 s of simulated time is owed. Each step costs 0.015 s of real time, and the frame's own 0.01 s
+    // counts too: after the second step 0.015 + 0.03 + 0.01 exceeds the budget.
     EXPECT_EQ(Frame(0.01), 2);
     EXPECT_NEAR(Sim().GetRealtimeRatio(), 0.2f, 1e-4f);
     EXPECT_EQ(Sim().GetStatistics().substr(0, 14), " 19% realtime\n");
@@ -193,7 +193,8 @@ TEST_F(SimulationUpdateTest, Clear_LeavesOnlyTheWorldBody)
     EXPECT_TRUE(Sim().GetContacts().empty());
     EXPECT_EQ(Sim().GetSimulatedTime(), 0.0);
     Frame(0.01);
-    EXPECT_NE(Sim().GetStatistics().find("0 bodies\n0 geometries\n0 particles\n0 contacts\n"), std::string::npos);
+    EXPECT_NE(Sim().GetStatistics().find("0 bodies\n0 geometries\n0 particles\n0 contacts\n"),
+              std::string::npos);
 }
 
 TEST_F(WorldTest, Bodies_AddRemoveAndMembership)

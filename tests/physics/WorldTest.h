@@ -18,7 +18,8 @@ protected:
     void SetUp() override
     {
         testing::ResetWorld();
-        m_logger = QLEX_NEW new logging::FunctionLogger(~0u, [this](const std::string& text) { m_log.push_back(text); });
+        m_logger = QLEX_NEW new logging::FunctionLogger(~0u, [this](const std::string& text)
+                                                        { m_log.push_back(text); });
         logging::Logger::GetInstancePtr()->AddLogger(m_logger);
     }
 

@@ -21,7 +21,9 @@ const float ROW_GAP = 0.1f;
 // Walls of containers, in metres.
 const float WALL_THICKNESS = 0.5f;
 // Rest spacing of water particles, in particle radii.
-const float WATER_SPACING_RADII = 1.5f;
+const float WATER_SPACING_RADII = 1.9f;
+
+float s_lastTankWidth = 0.0f;
 } // namespace
 
 void ResetWorld()
@@ -154,10 +156,13 @@ void BuildContainer(float innerWidth, float wallHeight)
 {
     const float outer = innerWidth + 2.0f * WALL_THICKNESS;
     AddStatic(QLEX_NEW new Box(math::Vec2(outer, WALL_THICKNESS), math::Vec2(0.0f, -WALL_THICKNESS / 2.0f)));
+    // The walls reach down through the floor: a seam where a wall merely stands on the floor would let
+    // water particles, which meet shapes as tiny circles, squeeze in under the wall.
     const float wallX = innerWidth / 2.0f + WALL_THICKNESS / 2.0f;
+    const float wallLength = wallHeight + WALL_THICKNESS;
     for (float side : {-1.0f, 1.0f})
-        AddStatic(QLEX_NEW new Box(math::Vec2(WALL_THICKNESS, wallHeight),
-                                   math::Vec2(side * wallX, wallHeight / 2.0f)));
+        AddStatic(QLEX_NEW new Box(math::Vec2(WALL_THICKNESS, wallLength),
+                                   math::Vec2(side * wallX, wallHeight - wallLength / 2.0f)));
 }
 
 std::vector<util::SharedPtr<Body>> BuildCirclesInContainer(int count, float radius)
@@ -188,13 +193,15 @@ std::vector<util::SharedPtr<Particle>> BuildWaterTank(int count, int rows)
     const int columns = (count + rows - 1) / rows;
     const float spacing = WaterSpacing();
     const float width = static_cast<float>(columns) * spacing;
+    s_lastTankWidth = width;
     BuildContainer(width, static_cast<float>(rows) * spacing * 2.0f + 1.0f);
     std::vector<util::SharedPtr<Particle>> particles;
     Simulation& sim = *Simulation::GetInstancePtr();
     for (int i = 0; i < count; ++i)
     {
-        const int column = i % columns;
-        const int row = i / columns;
+        // Column by column: particles that are neighbours in the water are neighbours in memory too.
+        const int column = i / rows;
+        const int row = i % rows;
         const math::Vec2 p(-width / 2.0f + (static_cast<float>(column) + 0.5f) * spacing,
                            (static_cast<float>(row) + 0.5f) * spacing);
         util::SharedPtr<Particle> particle = QLEX_NEW new Particle(p, math::Vec2(0.0f, 0.0f));
@@ -202,6 +209,24 @@ std::vector<util::SharedPtr<Particle>> BuildWaterTank(int count, int rows)
         particles.push_back(particle);
     }
     return particles;
+}
+
+std::vector<util::SharedPtr<Body>> AddFloatingBoxes(int count, int rows)
+{
+    const float size = 0.25f;
+    const float spacing = WaterSpacing();
+    // The water settles lower than it is built; the boxes start just above the block.
+    const float y = static_cast<float>(rows) * spacing + size;
+    const float width = s_lastTankWidth - size;
+    std::vector<util::SharedPtr<Body>> bodies;
+    for (int i = 0; i < count; ++i)
+    {
+        const float x = -width / 2.0f + width * (static_cast<float>(i) + 0.5f) / static_cast<float>(count);
+        util::SharedPtr<Box> box = QLEX_NEW new Box(math::Vec2(size, size), math::Vec2(x, y));
+        box->SetDensity(0.5f);
+        bodies.push_back(AddDynamic(box));
+    }
+    return bodies;
 }
 
 std::vector<util::SharedPtr<Body>> BuildHingeChain(int links, const math::Vec2& anchor, float linkLength)

@@ -43,7 +43,10 @@ std::vector<util::SharedPtr<Body>> BuildCirclesInContainer(int count, float radi
 // A block of water particles, `rows` deep and count / rows wide, at rest spacing, in a container that
 // fits it snugly. Returns the particles.
 std::vector<util::SharedPtr<Particle>> BuildWaterTank(int count, int rows);
-// The spacing of particles in a water block at rest.
+// Light boxes (density 0.5, a quarter metre) in a row just above a tank of that many rows, spread over its
+// width; the tank is the last one BuildWaterTank made.
+std::vector<util::SharedPtr<Body>> AddFloatingBoxes(int count, int rows);
+// The spacing of particles in a water block as it is built.
 float WaterSpacing();
 // A chain of `links` boxes hinged end to end, hanging from the world at `anchor`, extending along +x.
 std::vector<util::SharedPtr<Body>> BuildHingeChain(int links, const math::Vec2& anchor, float linkLength);

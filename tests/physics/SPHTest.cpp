@@ -1,0 +1,180 @@
+#include "WorldTest.h"
+
+#include "physics/Box.h"
+#include "physics/Contact.h"
+#include "physics/SPH.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace physics
+{
+namespace
+{
+class WaterTest : public WorldTest
+{
+protected:
+    SPH& Water() { return *SPH::GetInstancePtr(); }
+
+    util::SharedPtr<Particle> AddParticle(const math::Vec2& p)
+    {
+        util::SharedPtr<Particle> particle = QLEX_NEW new Particle(p, math::Vec2(0.0f, 0.0f));
+        Sim().AddParticle(particle);
+        return particle;
+    }
+
+    static double KineticEnergy(const std::vector<util::SharedPtr<Particle>>& particles)
+    {
+        double e = 0.0;
+        for (const util::SharedPtr<Particle>& p : particles)
+            e += 0.5 * p->GetMass() * p->GetVelocity().LengthSq();
+        return e;
+    }
+
+    static double MeanHeight(const std::vector<util::SharedPtr<Particle>>& particles)
+    {
+        double sum = 0.0;
+        for (const util::SharedPtr<Particle>& p : particles)
+            sum += p->GetPosition().y;
+        return sum / static_cast<double>(particles.size());
+    }
+};
+} // namespace
+
+TEST_F(WaterTest, LoneParticle_HasItsOwnDensityAndVaporizes)
+{
+    Sim().m_gravitySwitch = false;
+    util::SharedPtr<Particle> p = AddParticle(math::Vec2(1.0f, 1.0f));
+    RunSteps(1);
+    // mass * 315 h^6 / (64 pi h^9), with mass pi r^2 and h = 2r = 0.1.
+    const double h = 0.1;
+    const double expected = math::PI * 0.05 * 0.05 * 315.0 / (64.0 * math::PI * h * h * h);
+    EXPECT_NEAR(p->GetDensity(), expected, 1e-3 * expected);
+    EXPECT_NEAR(p->GetDensity(), 12.3f, 0.05f);
+    EXPECT_GT(p->GetPressure(), 0.0f);
+    EXPECT_EQ(p->GetVelocity(), math::Vec2(0.0f, 0.0f));
+    EXPECT_FLOAT_EQ(Water().GetReportedValue("AVG_neighCount"), 1.0f);
+    EXPECT_NEAR(Water().GetReportedValue("AVG_density"), expected, 1e-3 * expected);
+
+    // Frozen, it doesn't age.
+    const float aged = p->GetLonelyTime();
+    Sim().m_running = false;
+    for (int i = 0; i < 100; ++i)
+        Sim().Step(false);
+    EXPECT_EQ(p->GetLonelyTime(), aged);
+    Sim().m_running = true;
+
+    RunSteps(488);
+    ASSERT_EQ(Sim().GetParticles().size(), 1u);
+    RunSteps(15);
+    EXPECT_TRUE(Sim().GetParticles().empty());
+}
+
+TEST_F(WaterTest, Neighbours_AreStrictlyWithinTheInfluenceDistance)
+{
+    Sim().m_gravitySwitch = false;
+    const float h = Water().InfluenceDistance();
+    util::SharedPtr<Particle> a = AddParticle(math::Vec2(0.0f, 0.0f));
+    util::SharedPtr<Particle> b = AddParticle(math::Vec2(h * 0.999f, 0.0f));
+    // Exactly h from the first: no neighbour.
+    util::SharedPtr<Particle> c = AddParticle(math::Vec2(0.0f, h));
+    RunSteps(1);
+    EXPECT_EQ(a->GetNeighbors().size(), 2u);
+    EXPECT_EQ(b->GetNeighbors().size(), 2u);
+    EXPECT_EQ(c->GetNeighbors().size(), 1u);
+    EXPECT_EQ(a->GetNeighbors()[0].particle, a.get());
+    EXPECT_EQ(a->GetNeighbors()[1].particle, b.get());
+    EXPECT_EQ(b->GetNeighbors()[1].offset, -a->GetNeighbors()[1].offset);
+    // The pair pushes apart.
+    EXPECT_LT(a->GetVelocity().x, 0.0f);
+    EXPECT_GT(b->GetVelocity().x, 0.0f);
+    EXPECT_EQ(Water().GetReportedText("hashInfo").rfind("Number of elements:  ", 0), 0u);
+}
+
+TEST_F(WaterTest, Neighbours_AcrossTheAxisAndAtOnePoint)
+{
+    // Truncation toward zero: both sides of x = 0 share cell 0.
+    EXPECT_EQ(Cellify(math::Vec2(-0.1f, 0.0f), 5.0f), Cellify(math::Vec2(0.1f, 0.0f), 5.0f));
+    EXPECT_NE(Cellify(math::Vec2(0.1f, 0.0f), 5.0f), Cellify(math::Vec2(0.3f, 0.0f), 5.0f));
+
+    Sim().m_gravitySwitch = false;
+    util::SharedPtr<Particle> a = AddParticle(math::Vec2(0.5f, 0.5f));
+    util::SharedPtr<Particle> b = AddParticle(math::Vec2(0.5f, 0.5f));
+    RunSteps(1);
+    ASSERT_EQ(a->GetNeighbors().size(), 2u);
+    EXPECT_FLOAT_EQ(a->GetNeighbors()[1].distance, 0.01f * Water().m_radius);
+    EXPECT_FALSE(a->IsBad());
+    EXPECT_NE(a->GetPosition(), b->GetPosition());
+}
+
+TEST_F(WaterTest, Tank_Settles)
+{
+    const std::vector<util::SharedPtr<Particle>> water = testing::BuildWaterTank(240, 8);
+    const float halfWidth = 30.0f * testing::WaterSpacing() / 2.0f;
+    RunSeconds(4.0f);
+    const double level = MeanHeight(water);
+    RunSeconds(1.0f);
+    EXPECT_EQ(Sim().GetParticles().size(), water.size());
+    for (const util::SharedPtr<Particle>& p : water)
+    {
+        ASSERT_LT(std::fabs(p->GetPosition().x), halfWidth);
+        ASSERT_GT(p->GetPosition().y, 0.0f);
+    }
+    EXPECT_NEAR(MeanHeight(water), level, 0.002);
+    // Near zero: a root-mean-square speed below a centimetre per second.
+    EXPECT_LT(KineticEnergy(water), 0.5 * 240 * water[0]->GetMass() * 1e-4);
+    EXPECT_GT(Water().GetReportedValue("AVG_neighCount"), 4.0f);
+    EXPECT_GT(Water().GetReportedValue("AVG_pressure"), 0.0f);
+}
+
+TEST_F(WaterTest, Boxes_FloatSinkOrPassThrough)
+{
+    const std::vector<util::SharedPtr<Particle>> water = testing::BuildWaterTank(480, 8);
+    RunSeconds(2.0f);
+    float surface = 0.0f;
+    for (const util::SharedPtr<Particle>& p : water)
+        surface = std::max(surface, p->GetPosition().y);
+
+    const float size = 0.5f;
+    auto drop = [&](float x, float density, bool collideWater)
+    {
+        util::SharedPtr<Box> box = QLEX_NEW new Box(math::Vec2(size, size), math::Vec2(x, surface + size));
+        box->SetDensity(density);
+        box->SetWaterCollide(collideWater);
+        return testing::AddDynamic(box);
+    };
+    util::SharedPtr<Body> light = drop(-1.5f, 0.5f, true);
+    util::SharedPtr<Body> heavy = drop(0.0f, 5.0f, true);
+    util::SharedPtr<Body> ghost = drop(1.5f, 0.5f, false);
+    RunSeconds(5.0f);
+
+    // The light box rides on the surface, partly under it; the heavy one lies on the bottom under the
+    // water; the one that ignores water lies on the floor.
+    EXPECT_GT(light->GetPosition().y, surface - size / 2.0f);
+    EXPECT_LT(light->GetPosition().y, surface + size / 2.0f);
+    EXPECT_LT(heavy->GetPosition().y, size);
+    EXPECT_NEAR(ghost->GetPosition().y, size / 2.0f, 0.01f);
+    EXPECT_EQ(Sim().GetParticles().size(), water.size());
+}
+
+TEST_F(WaterTest, Water_IgnoresCollideSetsButNotCollideWater)
+{
+    util::SharedPtr<Box> floor = QLEX_NEW new Box(math::Vec2(4.0f, 1.0f), math::Vec2(0.0f, -0.5f));
+    floor->SetCollideSet(0);
+    testing::AddStatic(floor);
+    util::SharedPtr<Particle> p = AddParticle(math::Vec2(0.0f, 0.3f));
+    RunSeconds(1.0f);
+    // It rests within the contact distance above the floor.
+    EXPECT_GT(p->GetPosition().y, 0.0f);
+    EXPECT_LT(p->GetPosition().y, 0.1f * Water().m_radius);
+    bool found = false;
+    for (const util::SharedPtr<Contact>& c : Sim().GetContacts())
+        found |= c->GetBody(1) == p.get();
+    EXPECT_TRUE(found);
+
+    floor->SetWaterCollide(false);
+    RunSeconds(0.5f);
+    EXPECT_LT(p->GetPosition().y, -0.5f);
+}
+
+} // namespace physics
