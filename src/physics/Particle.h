@@ -4,6 +4,9 @@
 #include "physics/Circular.h"
 #include "util/VectorPOD.h"
 
+#include <cstdint>
+#include <limits>
+
 namespace physics
 {
 // A water particle: a body to the integrator and the solver, and a sample of the fluid to SPH.
@@ -28,7 +31,8 @@ public:
     Particle(const math::Vec2& position, const math::Vec2& velocity);
     ~Particle() override;
 
-    // Mass and inertia from the radius and density; friction and restitution go to the shape.
+    // Mass and inertia from the radius and density; friction and restitution go to the shape. Setting the
+    // values the particle already has touches nothing.
     void SetAttribs(float radius, float density, float friction, float restitution);
 
     const util::SharedPtr<ParticleGeom>& GetGeom() const { return m_geom; }
@@ -37,8 +41,9 @@ public:
     const math::Vec2& GetCohesionForce() const { return m_cohesionForce; }
     float GetLonelyTime() const { return m_lonelyTime; }
     void SetLonelyTime(float t) { m_lonelyTime = t; }
-    // Valid from the last neighbour search until particles next change, within one step.
-    const util::VectorPOD<Neighbor>& GetNeighbors() const { return m_neighbors; }
+    // Valid from the last neighbour search until particles next change, within one step. The search keeps
+    // its pairs in its own arrays; the list is made from them when it is first asked for.
+    const util::VectorPOD<Neighbor>& GetNeighbors() const;
 
 private:
     friend class SPH;
@@ -46,9 +51,19 @@ private:
     float m_density = 0.0f;
     float m_pressure = 0.0f;
     math::Vec2 m_cohesionForce;
-    util::VectorPOD<Neighbor> m_neighbors;
+    mutable util::VectorPOD<Neighbor> m_neighbors;
     float m_lonelyTime = 0.0f;
     util::SharedPtr<ParticleGeom> m_geom;
+    // The values of the last SetAttribs; none at first, as NaN equals nothing.
+    float m_attribRadius = std::numeric_limits<float>::quiet_NaN();
+    float m_attribDensity = std::numeric_limits<float>::quiet_NaN();
+    float m_attribFriction = std::numeric_limits<float>::quiet_NaN();
+    float m_attribRestitution = std::numeric_limits<float>::quiet_NaN();
+    // The particle's place in the arrays of the neighbour search that saw it last, that search's number,
+    // and the number of the search that m_neighbors was made from (0: none).
+    std::uint32_t m_searchIndex = 0;
+    std::uint32_t m_searchGeneration = 0;
+    mutable std::uint32_t m_neighborsGeneration = 0;
 };
 
 } // namespace physics

@@ -1,8 +1,9 @@
 #include "physics/SPH.h"
 
-#include "physics/Particle.h"
+#include "script/Objects.h"
 #include "util/Profiler.h"
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 
@@ -91,7 +92,10 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
     const util::ScopeProfiler profile("SPH::Update");
     if (particles.empty())
         return;
-    m_workingList = particles;
+    m_workingList.clear();
+    m_workingList.reserve(particles.size());
+    for (const util::SharedPtr<Particle>& p : particles)
+        m_workingList.append(p.get());
     const float radius = m_radius;
     const float density = m_density;
     s_mass = math::PIf * radius * radius * density;
@@ -100,7 +104,7 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
         const util::ScopeProfiler stage("Update rad/density");
         const float friction = m_friction;
         const float restitution = m_restitution;
-        for (const util::SharedPtr<Particle>& p : m_workingList)
+        for (Particle* p : m_workingList)
             p->SetAttribs(radius, density, friction, restitution);
     }
     FindNeighbors();
@@ -108,8 +112,11 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
     {
         // A particle alone (only itself in its list) ages; removal is the simulation's business.
         const util::ScopeProfiler stage("Evaporation");
-        for (const util::SharedPtr<Particle>& p : m_workingList)
-            p->m_lonelyTime = p->m_neighbors.size() < 2 ? p->m_lonelyTime + dt : 0.0f;
+        for (size_t s = 0; s < m_sorted.size(); ++s)
+        {
+            Particle& p = *m_sorted[s];
+            p.m_lonelyTime = m_neighborCount[s] < 2 ? p.m_lonelyTime + dt : 0.0f;
+        }
     }
     const float jitter = m_jitter;
     if (jitter != 0.0f)
@@ -117,28 +124,13 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
         const util::ScopeProfiler stage("Jitter");
         std::mt19937 random(s_jitterSeed++);
         std::normal_distribution<float> normal(0.0f, 1.0f);
-        for (const util::SharedPtr<Particle>& p : m_workingList)
+        for (Particle* p : m_workingList)
         {
             const math::Vec2 dir(normal(random), normal(random));
             p->AddForce(dir * (s_mass * jitter));
         }
     }
-    {
-        const util::ScopeProfiler stage("Statistics");
-        double neighbourSum = 0.0;
-        double pressureSum = 0.0;
-        double densitySum = 0.0;
-        for (const util::SharedPtr<Particle>& p : m_workingList)
-        {
-            neighbourSum += p->m_neighbors.size();
-            pressureSum += p->m_pressure;
-            densitySum += p->m_density;
-        }
-        const double n = static_cast<double>(m_workingList.size());
-        Report(AVG_NEIGH_COUNT, static_cast<float>(neighbourSum / n));
-        Report(AVG_PRESSURE, static_cast<float>(pressureSum / n));
-        Report(AVG_DENSITY, static_cast<float>(densitySum / n));
-    }
+    ReportStatistics();
     m_workingList.clear();
 }
 
@@ -147,12 +139,9 @@ void SPH::FindNeighbors()
     const util::ScopeProfiler profile("FindNeighbors");
     const float h = InfluenceDistance();
     const float limit = h * h;
-
-    for (const util::SharedPtr<Particle>& p : m_workingList)
-    {
-        p->m_neighbors.clear();
-        p->m_neighbors.append(Particle::Neighbor{p.get(), 0.0f, math::Vec2(0.0f, 0.0f)});
-    }
+    // Zero stands for "no search" in the particles' records.
+    if (++m_generation == 0)
+        m_generation = 1;
 
     static CellMap cells(m_workingList.size());
     m_cells = &cells;
@@ -160,61 +149,101 @@ void SPH::FindNeighbors()
     m_occupiedCells.clear();
     {
         const util::ScopeProfiler stage("Hashing particles");
-        const float inverseCellSize = 1.0f / (h * m_bucketSize.Get());
-        for (const util::SharedPtr<Particle>& p : m_workingList)
-        {
-            const math::TVector2<int> cell = Cellify(p->GetPosition(), inverseCellSize);
-            const unsigned int fresh = static_cast<unsigned int>(m_occupiedCells.size());
-            unsigned int& index = cells[cell];
-            // A new key reads 0; slot numbers are stored one up so that 0 means "no list yet".
-            if (index == 0)
-            {
-                index = fresh + 1;
-                m_occupiedCells.push_back(cell);
-                if (m_cellLists.size() <= fresh)
-                    m_cellLists.emplace_back();
-                m_cellLists[fresh].clear();
-            }
-            m_cellLists[index - 1].append(p.get());
-        }
+        HashParticles(1.0f / (h * m_bucketSize.Get()));
     }
     {
         const util::ScopeProfiler stage("Building neighbor lists");
+        // Every list starts with the particle itself.
+        const size_t n = m_sorted.size();
+        m_neighborCount.resize(n);
+        for (size_t s = 0; s < n; ++s)
+            m_neighborCount[s] = 1;
+        m_pairs.clear();
         for (size_t c = 0; c < m_occupiedCells.size(); ++c)
         {
-            const math::TVector2<int>& cell = m_occupiedCells[c];
+            const math::TVector2<int> cell = m_occupiedCells[c];
+            const unsigned int begin = m_cellStart[c];
+            const unsigned int end = m_cellStart[c + 1];
             for (const math::TVector2<int>& offset : STENCIL)
             {
-                // The cell itself needs no lookup: its list is at hand.
+                // The cell itself needs no lookup: its range is at hand.
                 if (offset.x == 0 && offset.y == 0)
                 {
-                    MatchCells(m_cellLists[c], m_cellLists[c], limit);
+                    MatchCells(begin, end, begin, end, limit);
                     continue;
                 }
                 const unsigned int* other =
                     cells.TryGet(math::TVector2<int>(cell.x + offset.x, cell.y + offset.y));
                 if (other)
-                    MatchCells(m_cellLists[c], m_cellLists[*other - 1], limit);
+                    MatchCells(begin, end, m_cellStart[*other - 1], m_cellStart[*other], limit);
             }
         }
     }
-    Report(HASH_INFO, util::String(cells.GetDiagnostics()));
+    ReportHashInfo();
 }
 
-void SPH::MatchCells(const util::VectorPOD<Particle*>& a, const util::VectorPOD<Particle*>& b,
+void SPH::HashParticles(float inverseCellSize)
+{
+    CellMap& cells = *m_cells;
+    const size_t n = m_workingList.size();
+    m_slotOf.resize(n);
+    m_readPosition.resize(n);
+    m_readVelocity.resize(n);
+    m_cellFill.clear();
+    for (size_t k = 0; k < n; ++k)
+    {
+        const Particle& p = *m_workingList[k];
+        const math::Vec2 position = p.GetPosition();
+        m_readPosition[k] = position;
+        m_readVelocity[k] = p.GetVelocity();
+        const math::TVector2<int> cell = Cellify(position, inverseCellSize);
+        const unsigned int fresh = static_cast<unsigned int>(m_occupiedCells.size());
+        unsigned int& index = cells[cell];
+        // A new key reads 0; slot numbers are stored one up so that 0 means "no slot yet".
+        if (index == 0)
+        {
+            index = fresh + 1;
+            m_occupiedCells.append(cell);
+            m_cellFill.append(0);
+        }
+        m_slotOf[k] = index - 1;
+        ++m_cellFill[index - 1];
+    }
+
+    // A counting sort by slot, stable, so that each cell keeps the particles in the order of the list.
+    const size_t slots = m_occupiedCells.size();
+    m_cellStart.resize(slots + 1);
+    unsigned int next = 0;
+    for (size_t c = 0; c < slots; ++c)
+    {
+        m_cellStart[c] = next;
+        next += m_cellFill[c];
+        m_cellFill[c] = m_cellStart[c];
+    }
+    m_cellStart[slots] = next;
+    m_sorted.resize(n);
+    m_position.resize(n);
+    m_velocity.resize(n);
+    for (size_t k = 0; k < n; ++k)
+    {
+        const unsigned int s = m_cellFill[m_slotOf[k]]++;
+        m_sorted[s] = m_workingList[k];
+        m_position[s] = m_readPosition[k];
+        m_velocity[s] = m_readVelocity[k];
+    }
+}
+
+void SPH::MatchCells(unsigned int beginA, unsigned int endA, unsigned int beginB, unsigned int endB,
                      float squaredDistance)
 {
-    const bool same = &a == &b;
-    const size_t na = a.size();
-    const size_t nb = b.size();
-    for (size_t i = 0; i < na; ++i)
+    const bool same = beginA == beginB;
+    const math::Vec2* position = m_position.data();
+    for (unsigned int i = beginA; i < endA; ++i)
     {
-        Particle* pi = a[i];
-        const math::Vec2 position = pi->GetPosition();
-        for (size_t j = same ? i + 1 : 0; j < nb; ++j)
+        const math::Vec2 pi = position[i];
+        for (unsigned int j = same ? i + 1 : beginB; j < endB; ++j)
         {
-            Particle* pj = b[j];
-            math::Vec2 offset = pj->GetPosition() - position;
+            math::Vec2 offset = position[j] - pi;
             const float distSq = offset.LengthSq();
             if (!(distSq < squaredDistance))
                 continue;
@@ -224,55 +253,90 @@ void SPH::MatchCells(const util::VectorPOD<Particle*>& a, const util::VectorPOD<
                 d = m_radius * COINCIDENT_DISTANCE_FACTOR;
                 offset = math::Vec2(d, 0.0f);
             }
-            pi->m_neighbors.append(Particle::Neighbor{pj, d, offset});
-            pj->m_neighbors.append(Particle::Neighbor{pi, d, -offset});
+            m_pairs.append(Pair{i, j, d, offset});
+            ++m_neighborCount[i];
+            ++m_neighborCount[j];
         }
     }
 }
 
 void SPH::CalcForces()
 {
+    // Works on the positions and velocities that FindNeighbors read. Each pair is handled once and gives
+    // its terms to both particles: with the offset reversed they are exactly the negated terms, so that
+    // every particle's sums take the same values in the same order as a walk over its own list would.
     const util::ScopeProfiler profile("CalcSPHForces");
     SetupKernels();
+    const size_t n = m_sorted.size();
     const float restDensity = m_density;
     const float stiffness = m_soundSpeed * m_soundSpeed;
-    for (const util::SharedPtr<Particle>& p : m_workingList)
+    m_particleDensity.resize(n);
+    m_pressure.resize(n);
+    const float selfDensity = s_mass * InfluenceKernel(0.0f);
+    for (size_t s = 0; s < n; ++s)
+        m_particleDensity[s] = selfDensity;
+    for (const Pair& pair : m_pairs)
     {
-        float density = 0.0f;
-        for (const Particle::Neighbor& n : p->m_neighbors)
-            density += s_mass * InfluenceKernel(n.distance);
-        p->m_density = density;
-        // No clamp at zero: a thin region pulls as well as a dense one pushes.
-        p->m_pressure = (density - restDensity) * stiffness;
+        const float w = s_mass * InfluenceKernel(pair.distance);
+        m_particleDensity[pair.first] += w;
+        m_particleDensity[pair.second] += w;
     }
+    // No clamp at zero: a thin region pulls as well as a dense one pushes.
+    for (size_t s = 0; s < n; ++s)
+        m_pressure[s] = (m_particleDensity[s] - restDensity) * stiffness;
 
+    // A particle's own entry adds nothing: its offset and its velocity difference are zero.
+    m_pressureSum.resize(n);
+    m_gradientSum.resize(n);
+    m_viscositySum.resize(n);
+    const math::Vec2 zero(0.0f, 0.0f);
+    for (size_t s = 0; s < n; ++s)
+    {
+        m_pressureSum[s] = zero;
+        m_gradientSum[s] = zero;
+        m_viscositySum[s] = zero;
+    }
+    const bool specialPressure = m_specialPressure;
+    const float* density = m_particleDensity.data();
+    const float* pressure = m_pressure.data();
+    const math::Vec2* velocity = m_velocity.data();
+    for (const Pair& pair : m_pairs)
+    {
+        const unsigned int i = pair.first;
+        const unsigned int j = pair.second;
+        const math::Vec2 g = pair.offset * PressureKernelDelta(pair.distance);
+        const float c = specialPressure ? (pressure[i] + pressure[j]) / (2.0f * density[i] * density[j])
+                                        : pressure[i] / (density[i] * density[i]) +
+                                              pressure[j] / (density[j] * density[j]);
+        const math::Vec2 pressureTerm = g * c;
+        m_pressureSum[i] += pressureTerm;
+        m_pressureSum[j] -= pressureTerm;
+        m_gradientSum[i] += g / density[j];
+        m_gradientSum[j] -= g / density[i];
+        const math::Vec2 viscosityTerm =
+            (velocity[j] - velocity[i]) * (ViscocityKernelDelta2(pair.distance) / (density[j] * density[i]));
+        m_viscositySum[i] += viscosityTerm;
+        m_viscositySum[j] -= viscosityTerm;
+    }
+    WriteResults();
+}
+
+void SPH::WriteResults()
+{
     const float viscosityScale = m_viscosity * s_mass * m_viscMultiplier;
     const float pressureScale = s_mass * m_pressMultiplier;
-    const bool specialPressure = m_specialPressure;
-    const float surfaceTension = m_surfaceTension;
-    for (const util::SharedPtr<Particle>& p : m_workingList)
+    const float cohesionScale = m_surfaceTension * s_mass;
+    for (size_t s = 0; s < m_sorted.size(); ++s)
     {
-        Particle& pi = *p;
-        math::Vec2 pressureSum;
-        math::Vec2 gradientSum;
-        math::Vec2 viscositySum;
-        for (const Particle::Neighbor& n : pi.m_neighbors)
-        {
-            const Particle& pj = *n.particle;
-            const math::Vec2 g = n.offset * PressureKernelDelta(n.distance);
-            const float c = specialPressure
-                                ? (pi.m_pressure + pj.m_pressure) / (2.0f * pi.m_density * pj.m_density)
-                                : pi.m_pressure / (pi.m_density * pi.m_density) +
-                                      pj.m_pressure / (pj.m_density * pj.m_density);
-            pressureSum += g * c;
-            gradientSum += g / pj.m_density;
-            viscositySum += (pj.GetVelocity() - pi.GetVelocity()) *
-                            (ViscocityKernelDelta2(n.distance) / (pj.m_density * pi.m_density));
-        }
-        pi.m_cohesionForce = gradientSum * (surfaceTension * s_mass);
+        Particle& p = *m_sorted[s];
+        p.m_density = m_particleDensity[s];
+        p.m_pressure = m_pressure[s];
+        p.m_cohesionForce = m_gradientSum[s] * cohesionScale;
+        p.m_searchIndex = static_cast<std::uint32_t>(s);
+        p.m_searchGeneration = m_generation;
         const math::Vec2 force =
-            (pi.m_cohesionForce + viscositySum * viscosityScale - pressureSum * pressureScale) * s_mass;
-        pi.AddForce(force);
+            (p.m_cohesionForce + m_viscositySum[s] * viscosityScale - m_pressureSum[s] * pressureScale) * s_mass;
+        p.AddForce(force);
     }
 }
 
@@ -281,22 +345,138 @@ void SPH::VelocitySmoothing()
     if (!m_velocitySmoothing || m_workingList.empty())
         return;
     const util::ScopeProfiler profile("SPH vel-smoothing");
-    std::vector<math::Vec2> smoothed(m_workingList.size());
-    for (size_t i = 0; i < m_workingList.size(); ++i)
+    // The velocities as integration left them; the sums reuse the force pass's storage.
+    const size_t n = m_sorted.size();
+    util::VectorPOD<math::Vec2>& sum = m_pressureSum;
+    util::VectorPOD<float>& weight = m_particleDensity;
+    const float selfWeight = InfluenceKernel(0.0f);
+    for (size_t s = 0; s < n; ++s)
     {
-        math::Vec2 sum;
-        float weight = 0.0f;
-        for (const Particle::Neighbor& n : m_workingList[i]->m_neighbors)
-        {
-            const float w = InfluenceKernel(n.distance);
-            sum += n.particle->GetVelocity() * w;
-            weight += w;
-        }
-        smoothed[i] = weight > 0.0f ? sum / weight : m_workingList[i]->GetVelocity();
+        m_velocity[s] = m_sorted[s]->GetVelocity();
+        sum[s] = m_velocity[s] * selfWeight;
+        weight[s] = selfWeight;
     }
-    for (size_t i = 0; i < m_workingList.size(); ++i)
-        if (!m_workingList[i]->IsImmovable())
-            m_workingList[i]->SetVelocity(smoothed[i]);
+    for (const Pair& pair : m_pairs)
+    {
+        const float w = InfluenceKernel(pair.distance);
+        sum[pair.first] += m_velocity[pair.second] * w;
+        weight[pair.first] += w;
+        sum[pair.second] += m_velocity[pair.first] * w;
+        weight[pair.second] += w;
+    }
+    for (size_t s = 0; s < n; ++s)
+    {
+        Particle& p = *m_sorted[s];
+        if (!p.IsImmovable())
+            p.SetVelocity(weight[s] > 0.0f ? sum[s] / weight[s] : m_velocity[s]);
+    }
+}
+
+void SPH::FillNeighbors(const Particle& particle, util::VectorPOD<Particle::Neighbor>& list)
+{
+    list.clear();
+    const std::uint32_t s = particle.m_searchIndex;
+    if (m_generation == 0 || particle.m_searchGeneration != m_generation || s >= m_sorted.size() ||
+        m_sorted[s] != &particle)
+        return;
+    if (m_indexGeneration != m_generation)
+        BuildNeighborIndex();
+    list.append(Particle::Neighbor{m_sorted[s], 0.0f, math::Vec2(0.0f, 0.0f)});
+    // Neighbours are named, never read: one may have gone since the search.
+    for (unsigned int e = m_indexStart[s]; e < m_indexStart[s + 1]; ++e)
+    {
+        const Pair& pair = m_pairs[m_indexPairs[e]];
+        if (pair.first == s)
+            list.append(Particle::Neighbor{m_sorted[pair.second], pair.distance, pair.offset});
+        else
+            list.append(Particle::Neighbor{m_sorted[pair.first], pair.distance, -pair.offset});
+    }
+}
+
+void SPH::BuildNeighborIndex()
+{
+    // Each particle's pairs in the order they were found, which is the order of its list.
+    const size_t n = m_sorted.size();
+    m_indexStart.resize(n + 1);
+    m_indexFill.resize(n);
+    unsigned int next = 0;
+    for (size_t s = 0; s < n; ++s)
+    {
+        m_indexStart[s] = next;
+        m_indexFill[s] = next;
+        next += m_neighborCount[s] - 1;
+    }
+    m_indexStart[n] = next;
+    m_indexPairs.resize(next);
+    for (size_t k = 0; k < m_pairs.size(); ++k)
+    {
+        const unsigned int pairIndex = static_cast<unsigned int>(k);
+        m_indexPairs[m_indexFill[m_pairs[k].first]++] = pairIndex;
+        m_indexPairs[m_indexFill[m_pairs[k].second]++] = pairIndex;
+    }
+    m_indexGeneration = m_generation;
+}
+
+void SPH::ReportStatistics()
+{
+    const util::ScopeProfiler stage("Statistics");
+    double neighbourSum = 0.0;
+    double pressureSum = 0.0;
+    double densitySum = 0.0;
+    const size_t n = m_sorted.size();
+    for (size_t s = 0; s < n; ++s)
+    {
+        neighbourSum += m_neighborCount[s];
+        pressureSum += m_pressure[s];
+        densitySum += m_particleDensity[s];
+    }
+    const double count = static_cast<double>(n);
+    ReportValue(AVG_NEIGH_COUNT, static_cast<float>(neighbourSum / count));
+    ReportValue(AVG_PRESSURE, static_cast<float>(pressureSum / count));
+    ReportValue(AVG_DENSITY, static_cast<float>(densitySum / count));
+}
+
+void SPH::ReportValue(const char* name, float value)
+{
+    // A script value is never changed in place, except one that only its variable holds: nobody can see
+    // the difference, and the report then costs no new object every step.
+    if (const script::VariablePtr var = GetVariable(name))
+    {
+        const script::Object* object = var->GetObject().get();
+        const script::FloatValue* number = dynamic_cast<const script::FloatValue*>(object);
+        if (number && object->m_handle->m_refCount == 1)
+        {
+            const_cast<float&>(number->Get()) = value;
+            return;
+        }
+    }
+    Report(name, value);
+}
+
+void SPH::ReportHashInfo()
+{
+    // The text follows from the number of cells, of buckets and the largest bucket's size; it is made
+    // anew only when one of them changes.
+    const CellMap& cells = *m_cells;
+    const size_t buckets = cells.GetBucketCount();
+    if (m_bucketLoad.size() != buckets)
+    {
+        m_bucketLoad.resize(buckets);
+        for (unsigned int& load : m_bucketLoad)
+            load = 0;
+    }
+    size_t largest = 0;
+    for (const math::TVector2<int>& cell : m_occupiedCells)
+        largest = std::max<size_t>(largest, ++m_bucketLoad[cells.Hash(cell)]);
+    for (const math::TVector2<int>& cell : m_occupiedCells)
+        m_bucketLoad[cells.Hash(cell)] = 0;
+    const size_t count = m_occupiedCells.size();
+    if (count == m_reportedCellCount && buckets == m_reportedBucketCount && largest == m_reportedLargestBucket)
+        return;
+    m_reportedCellCount = count;
+    m_reportedBucketCount = buckets;
+    m_reportedLargestBucket = largest;
+    Report(HASH_INFO, util::String(cells.GetDiagnostics()));
 }
 
 float SPH::GetReportedValue(const util::String& name) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "math/Math.h"
+#include "physics/Particle.h"
 #include "script/AttribWrapper.h"
 #include "script/Reflected.h"
 #include "util/HashMap.h"
@@ -9,12 +10,11 @@
 #include "util/String.h"
 #include "util/VectorPOD.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace physics
 {
-class Particle;
-
 // Kernel constants, recomputed by SPH::SetupKernels: the influence distance h, 1 / (64 pi h^9),
 // 1 / (pi h^6), and the mass of one particle.
 extern float s_influenceRad;
@@ -42,8 +42,10 @@ public:
     void SetupKernels();
     void VelocitySmoothing();
     float InfluenceDistance() const { return m_radius * m_influence; }
-    // Pairs closer than the square root of squaredDistance enter both neighbour lists.
-    void MatchCells(const util::VectorPOD<Particle*>& a, const util::VectorPOD<Particle*>& b,
+    // Pairs of particles, one from the cell list [beginA, endA) and one from [beginB, endB) (positions in
+    // the hash's cell order), closer than the square root of squaredDistance become neighbours. One list
+    // given twice matches each pair of it once.
+    void MatchCells(unsigned int beginA, unsigned int endA, unsigned int beginB, unsigned int endB,
                     float squaredDistance);
 
     static float InfluenceKernel(float d);
@@ -53,6 +55,10 @@ public:
     // The last reported values, as a script reads them.
     float GetReportedValue(const util::String& name) const;
     util::String GetReportedText(const util::String& name) const;
+
+    // Rebuilds a particle's neighbour list from the last search, the particle itself first; leaves it
+    // empty when the particle wasn't part of that search.
+    void FillNeighbors(const Particle& particle, util::VectorPOD<Particle::Neighbor>& list);
 
     // Settings: attributes of "SPH", read at each use.
     // Particle radius in metres; sets area, mass and influence.
@@ -83,12 +89,66 @@ public:
 private:
     using CellMap = util::HashMap<math::TVector2<int>, unsigned int>;
 
-    std::vector<util::SharedPtr<Particle>> m_workingList;
-    // The spatial hash: cell to an index into m_cellLists. Both keep their storage from step to step, so
-    // that a steady state allocates nothing.
+    // Two neighbours, by their positions in cell order, found once and used from both sides: the offset
+    // leads from `first` to `second`.
+    struct Pair
+    {
+        unsigned int first;
+        unsigned int second;
+        float distance;
+        math::Vec2 offset;
+    };
+
+    void HashParticles(float inverseCellSize);
+    void WriteResults();
+    void ReportStatistics();
+    void ReportHashInfo();
+    void ReportValue(const char* name, float value);
+    void BuildNeighborIndex();
+
+    // Raw pointers: the simulation's list, which Update is given, owns the particles while it runs, and
+    // counting references here would touch every particle's handle twice a step.
+    util::VectorPOD<Particle*> m_workingList;
+
+    // Everything below keeps its storage from step to step, so that a steady state allocates nothing.
+    // The spatial hash: cell to a slot of the occupied cells, in the order the cells were first met.
     CellMap* m_cells = nullptr;
-    std::vector<util::VectorPOD<Particle*>> m_cellLists;
-    std::vector<math::TVector2<int>> m_occupiedCells;
+    util::VectorPOD<math::TVector2<int>> m_occupiedCells;
+    // Each slot's particles are the range [m_cellStart[slot], m_cellStart[slot + 1]) of the arrays below.
+    util::VectorPOD<unsigned int> m_cellStart;
+    util::VectorPOD<unsigned int> m_cellFill;
+    // Slot of each particle of the working list, and where its state was read.
+    util::VectorPOD<unsigned int> m_slotOf;
+    util::VectorPOD<math::Vec2> m_readPosition;
+    util::VectorPOD<math::Vec2> m_readVelocity;
+
+    // The state the water needs, compact and sorted by cell, so that neighbours lie close in memory.
+    util::VectorPOD<Particle*> m_sorted;
+    util::VectorPOD<math::Vec2> m_position;
+    util::VectorPOD<math::Vec2> m_velocity;
+    util::VectorPOD<float> m_particleDensity;
+    util::VectorPOD<float> m_pressure;
+    // Entries of each particle's neighbour list, itself included.
+    util::VectorPOD<unsigned int> m_neighborCount;
+    // The sums of the force pass: pressure, density gradient (for cohesion) and viscosity.
+    util::VectorPOD<math::Vec2> m_pressureSum;
+    util::VectorPOD<math::Vec2> m_gradientSum;
+    util::VectorPOD<math::Vec2> m_viscositySum;
+    util::VectorPOD<Pair> m_pairs;
+
+    // Counts each search, so that a particle knows whether its place in the arrays above is current.
+    std::uint32_t m_generation = 0;
+    // Pairs of each particle, grouped by particle; built only when a neighbour list is asked for.
+    std::uint32_t m_indexGeneration = 0;
+    util::VectorPOD<unsigned int> m_indexStart;
+    util::VectorPOD<unsigned int> m_indexFill;
+    util::VectorPOD<unsigned int> m_indexPairs;
+
+    // What "hashInfo" last said, so that its text is made only when it changes.
+    size_t m_reportedCellCount = 0;
+    size_t m_reportedBucketCount = 0;
+    size_t m_reportedLargestBucket = 0;
+    util::VectorPOD<unsigned int> m_bucketLoad;
 };
 
 } // namespace physics
