@@ -22,7 +22,48 @@ namespace
 const float WATER_CONTACT_FACTOR = 0.1f;
 // Sub id of the one contact of a circle whose centre is inside a polygon.
 const std::uint32_t SUB_CENTRE_INSIDE = 0xFFFFFFFFu;
+
+// The pool of the collider whose Collide is running; the pair functions reach it through AddContact.
+ContactPool* s_activePool = nullptr;
+
+class ActivePoolScope
+{
+public:
+    explicit ActivePoolScope(ContactPool& pool) : m_previous(s_activePool) { s_activePool = &pool; }
+    ~ActivePoolScope() { s_activePool = m_previous; }
+    ActivePoolScope(const ActivePoolScope&) = delete;
+    ActivePoolScope& operator=(const ActivePoolScope&) = delete;
+
+private:
+    ContactPool* m_previous;
+};
 } // namespace
+
+void ContactPool::Reclaim()
+{
+    // Backwards, so that contacts are handed out from the back in the order they were made.
+    m_free.clear();
+    for (size_t i = m_contacts.size(); i-- > 0;)
+    {
+        Contact* contact = m_contacts[i].get();
+        if (static_cast<const util::Pointee*>(contact)->m_handle->m_refCount == 1)
+            m_free.append(contact);
+    }
+}
+
+Contact* ContactPool::Make(Geom& geomA, Geom& geomB, std::uint32_t subId, const math::Vec2& point,
+                           const math::Vec2& normal, float depth)
+{
+    if (!m_free.empty())
+    {
+        Contact* contact = m_free.back();
+        m_free.pop_back();
+        contact->Reset(&geomA, &geomB, subId, point, normal, depth);
+        return contact;
+    }
+    m_contacts.push_back(util::SharedPtr<Contact>(new Contact(&geomA, &geomB, subId, point, normal, depth)));
+    return m_contacts.back().get();
+}
 
 bool ShouldCollide(const AbstractBody* bodyA, const Geom& geomA, const AbstractBody* bodyB, const Geom& geomB)
 {
@@ -46,10 +87,12 @@ bool ShouldCollide(const Geom& geomA, const Geom& geomB)
 void AddContact(util::VectorPOD<Contact*>& out, Geom& geomA, Geom& geomB, std::uint32_t subId,
                 const math::Vec2& point, const math::Vec2& normal, float depth)
 {
-    if (math::IsFinite(point) && math::IsFinite(normal) && math::IsFiniteFloat(depth))
-        out.append(new Contact(&geomA, &geomB, subId, point, normal, depth));
-    else
+    if (!(math::IsFinite(point) && math::IsFinite(normal) && math::IsFiniteFloat(depth)))
         Log(logging::Warning, "Collision detection reported bad contact");
+    else if (s_activePool)
+        out.append(s_activePool->Make(geomA, geomB, subId, point, normal, depth));
+    else
+        out.append(new Contact(&geomA, &geomB, subId, point, normal, depth));
 }
 
 bool RoughIntersectTest(const Polygon& a, const Polygon& b)
@@ -437,7 +480,6 @@ void Collider::AssignBodies(const std::vector<util::SharedPtr<Body>>& bodies,
             }
         }
     }
-    m_particles.reserve(particles.size());
     for (const util::SharedPtr<Particle>& p : particles)
         m_particles.append(p.get());
 }
@@ -445,6 +487,8 @@ void Collider::AssignBodies(const std::vector<util::SharedPtr<Body>>& bodies,
 void Collider::Collide(util::VectorPOD<Contact*>& out)
 {
     const util::ScopeProfiler profile("Collider::Collide");
+    m_contactPool.Reclaim();
+    const ActivePoolScope poolScope(m_contactPool);
     {
         const util::ScopeProfiler profile("Plane");
         for (Plane* plane : m_planes)

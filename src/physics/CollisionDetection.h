@@ -31,6 +31,22 @@ struct CircleHull
     BoundingCircle bounds;
 };
 
+// Contacts for reuse: a contact returns to service once nothing but the pool holds it, so that a steady
+// state makes no new contacts.
+class ContactPool
+{
+public:
+    // Frees every contact that only the pool holds.
+    void Reclaim();
+    // A contact as Contact's constructor makes it; the pool keeps a reference to it.
+    Contact* Make(Geom& geomA, Geom& geomB, std::uint32_t subId, const math::Vec2& point,
+                  const math::Vec2& normal, float depth);
+
+private:
+    std::vector<util::SharedPtr<Contact>> m_contacts;
+    util::VectorPOD<Contact*> m_free;
+};
+
 // Turns the present poses into raw contacts, once a step. Shapes are sorted by kind into flat lists and
 // each pair of lists is walked by plain nested loops: the filter first, then a quick bounding test, then
 // exact work. Water takes its own path, in which whole shapes are tested against the box around all
@@ -40,7 +56,8 @@ class Collider
 public:
     void AssignBodies(const std::vector<util::SharedPtr<Body>>& bodies,
                       const std::vector<util::SharedPtr<Particle>>& particles);
-    // Appends contacts made with new; the caller owns them.
+    // Appends contacts from the collider's pool; the caller takes references to those it keeps, and a
+    // contact is reused in a later call once the pool is its only holder.
     void Collide(util::VectorPOD<Contact*>& out);
 
 private:
@@ -51,6 +68,7 @@ private:
     util::VectorPOD<CircleHull> m_circles;
     util::VectorPOD<Box*> m_boxes;
     util::VectorPOD<Particle*> m_particles;
+    ContactPool m_contactPool;
     // A particle meets shapes as a small circle of this radius; pressure among particles gives the rest of
     // the water's volume.
     float m_waterContactDistance = 0.0f;
@@ -60,7 +78,8 @@ bool ShouldCollide(const AbstractBody* bodyA, const Geom& geomA, const AbstractB
                    const Geom& geomB);
 bool ShouldCollide(const Geom& geomA, const Geom& geomB);
 
-// Drops (and logs) a contact with a non-finite value.
+// Drops (and logs) a contact with a non-finite value. Within Collider::Collide the contact comes from the
+// collider's pool, otherwise from new (and the caller owns it).
 void AddContact(util::VectorPOD<Contact*>& out, Geom& geomA, Geom& geomB, std::uint32_t subId,
                 const math::Vec2& point, const math::Vec2& normal, float depth);
 

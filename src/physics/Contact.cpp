@@ -37,14 +37,42 @@ float Mix(float a, float b)
 
 Contact::Contact(Geom* geomA, Geom* geomB, std::uint32_t subId, const math::Vec2& point,
                  const math::Vec2& normal, float depth)
-    : m_birthTime(GetSimTime()), m_point(point), m_normal(normal), m_depth(depth),
-      m_friction(Mix(geomA->GetFriction(), geomB->GetFriction())),
-      m_restitution(Mix(geomA->GetRestitution(), geomB->GetRestitution())), m_tangent(math::Rot90CCW(normal)),
-      m_relativeVelocity(0.0f, 0.0f), m_id(geomA->GetId(), geomB->GetId(), subId)
+{
+    Reset(geomA, geomB, subId, point, normal, depth);
+}
+
+void Contact::Reset(Geom* geomA, Geom* geomB, std::uint32_t subId, const math::Vec2& point,
+                    const math::Vec2& normal, float depth)
 {
     QLEX_ASSERT(math::IsFinite(point));
     QLEX_ASSERT(math::IsFinite(normal));
     QLEX_ASSERT(math::IsFiniteFloat(depth));
+    m_distanceWeight = 1.0f;
+    m_warmStartWeight = 1.0f;
+    m_priority = 0.0f;
+    for (int i = 0; i < 2; ++i)
+    {
+        m_massInv[i] = 0.0f;
+        m_inertiaInv[i] = 0.0f;
+    }
+    m_birthTime = GetSimTime();
+    m_point = point;
+    m_normal = normal;
+    m_depth = depth;
+    m_friction = Mix(geomA->GetFriction(), geomB->GetFriction());
+    m_restitution = Mix(geomA->GetRestitution(), geomB->GetRestitution());
+    m_tangent = math::Rot90CCW(normal);
+    m_isNew = true;
+    m_relativeVelocity = math::Vec2(0.0f, 0.0f);
+    m_activeMassN = 0.0f;
+    m_activeMassT = 0.0f;
+    m_targetN = 0.0f;
+    m_targetT = 0.0f;
+    m_sumN = 0.0f;
+    m_sumT = 0.0f;
+    m_deltaN = 0.0f;
+    m_deltaT = 0.0f;
+    m_id = ContactID(geomA->GetId(), geomB->GetId(), subId);
     m_bodies[0] = geomA->GetBody();
     m_bodies[1] = geomB->GetBody();
     QLEX_ASSERT(m_bodies[0] && m_bodies[1]);

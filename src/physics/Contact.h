@@ -15,6 +15,10 @@ public:
     Contact(Geom* geomA, Geom* geomB, std::uint32_t subId, const math::Vec2& point, const math::Vec2& normal,
             float depth);
 
+    // Makes this a new contact, as the constructor would, so that contacts can be reused from step to step.
+    void Reset(Geom* geomA, Geom* geomB, std::uint32_t subId, const math::Vec2& point, const math::Vec2& normal,
+               float depth);
+
     // Continues a contact of the last step: its age and impulses carry over.
     void ReadFrom(const Contact& old);
 
@@ -46,21 +50,22 @@ private:
     float m_depth;
     float m_friction;
     float m_restitution;
+    // Every member is set by Reset.
     math::Vec2 m_tangent;
-    bool m_isNew = true;
+    bool m_isNew;
     math::Vec2 m_relativeVelocity;
     float m_massN;
     float m_massT;
     float m_regularizedN;
     float m_regularizedT;
-    float m_activeMassN = 0.0f;
-    float m_activeMassT = 0.0f;
-    float m_targetN = 0.0f;
-    float m_targetT = 0.0f;
-    float m_sumN = 0.0f;
-    float m_sumT = 0.0f;
-    float m_deltaN = 0.0f;
-    float m_deltaT = 0.0f;
+    float m_activeMassN;
+    float m_activeMassT;
+    float m_targetN;
+    float m_targetT;
+    float m_sumN;
+    float m_sumT;
+    float m_deltaN;
+    float m_deltaT;
     ContactID m_id;
 };
 

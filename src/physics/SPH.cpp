@@ -31,6 +31,9 @@ const char* const AVG_NEIGH_COUNT = "AVG_neighCount";
 const char* const AVG_PRESSURE = "AVG_pressure";
 const char* const AVG_DENSITY = "AVG_density";
 const char* const HASH_INFO = "hashInfo";
+// Updates between two texts of "hashInfo" at most (a second at the default step): making the text costs
+// several allocations, and the diagnostics of a moving fluid change nearly every step.
+const unsigned int HASH_INFO_INTERVAL = 100;
 } // namespace
 
 math::TVector2<int> Cellify(const math::Vec2& position, float inverseCellSize)
@@ -93,7 +96,6 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
     if (particles.empty())
         return;
     m_workingList.clear();
-    m_workingList.reserve(particles.size());
     for (const util::SharedPtr<Particle>& p : particles)
         m_workingList.append(p.get());
     const float radius = m_radius;
@@ -456,7 +458,11 @@ void SPH::ReportValue(const char* name, float value)
 void SPH::ReportHashInfo()
 {
     // The text follows from the number of cells, of buckets and the largest bucket's size; it is made
-    // anew only when one of them changes.
+    // anew only when one of them changes, and then at most once in HASH_INFO_INTERVAL updates.
+    if (m_updatesSinceHashInfo < HASH_INFO_INTERVAL)
+        ++m_updatesSinceHashInfo;
+    if (m_updatesSinceHashInfo < HASH_INFO_INTERVAL && m_reportedBucketCount != 0)
+        return;
     const CellMap& cells = *m_cells;
     const size_t buckets = cells.GetBucketCount();
     if (m_bucketLoad.size() != buckets)
@@ -476,6 +482,7 @@ void SPH::ReportHashInfo()
     m_reportedCellCount = count;
     m_reportedBucketCount = buckets;
     m_reportedLargestBucket = largest;
+    m_updatesSinceHashInfo = 0;
     Report(HASH_INFO, util::String(cells.GetDiagnostics()));
 }
 

@@ -261,7 +261,6 @@ void Simulation::AdvanceOneStep()
 void Simulation::RebuildStepList()
 {
     m_stepList.clear();
-    m_stepList.reserve(m_solidBodiesList.size() + m_particles.size());
     for (const util::SharedPtr<Body>& body : m_solidBodiesList)
         m_stepList.append(body.get());
     for (const util::SharedPtr<Particle>& particle : m_particles)
@@ -369,10 +368,8 @@ void Simulation::CalcContacts()
         const util::ScopeProfiler stage("Finding contacts");
         m_collider.AssignBodies(m_solidBodiesList, m_particles);
         m_rawContacts.clear();
-        m_rawContacts.reserve(m_contacts.capacity());
         m_collider.Collide(m_rawContacts);
         m_contacts.clear();
-        m_contacts.reserve(m_rawContacts.size());
         for (Contact* contact : m_rawContacts)
             m_contacts.push_back(util::SharedPtr<Contact>(contact));
     }
@@ -446,7 +443,6 @@ void Simulation::RunSolver()
         }
     }
     m_solverList.clear();
-    m_solverList.reserve(m_constraints.size() + m_contacts.size());
     for (const util::SharedPtr<Hinge>& hinge : m_constraints)
         m_solverList.append(hinge.get());
     for (const util::SharedPtr<Contact>& contact : m_contacts)
@@ -486,7 +482,9 @@ void Simulation::RunSolver()
 void Simulation::GaussSeidelSolver(const util::VectorPOD<Constraint*>& list)
 {
     const util::ScopeProfiler profile("GaussSeidelSolver");
-    m_sweepList = list;
+    // Copied element by element: the storage stays from step to step.
+    m_sweepList.resize(list.size());
+    std::copy(list.begin(), list.end(), m_sweepList.begin());
     if (m_solvePreSortConstraints.Get())
     {
         // The biggest demands are served first in the first sweep.

@@ -171,7 +171,8 @@ private:
     // which may already be gone when the simulation dies at process exit.
     util::CallbackArgSet<float>& m_stepCallbacks;
 
-    // Storage kept from step to step, so that the hot loop allocates nothing but contacts.
+    // Storage kept from step to step (lists grow by doubling, never by exact reservation), so that a steady
+    // state allocates nothing; contacts come from the collider's pool.
     Collider m_collider;
     util::VectorPOD<Contact*> m_rawContacts;
     util::VectorPOD<Constraint*> m_solverList;
