@@ -17,25 +17,32 @@
 #include <cstdlib>
 
 // Steps a water tank outside the benchmark harness, for profilers (callgrind, cachegrind) that would make
-// the harness's timing loop far too slow: water_steps <particles> <steps> [settle steps].
+// the harness's timing loop far too slow: water_steps <particles> <steps> [settle steps] [rebuilds].
 int main(int argc, char** argv)
 {
     const int count = argc > 1 ? std::atoi(argv[1]) : 4000;
     const int steps = argc > 2 ? std::atoi(argv[2]) : 20;
     const int settle = argc > 3 ? std::atoi(argv[3]) : 100;
-    if (count <= 0 || steps <= 0 || settle < 0)
+    // Scenes built and cleared before the measured one, as a benchmark's repetitions do: the measured
+    // scene then lives in a heap that others have used.
+    const int rebuilds = argc > 4 ? std::atoi(argv[4]) : 0;
+    if (count <= 0 || steps <= 0 || settle < 0 || rebuilds < 0)
     {
-        std::fprintf(stderr, "usage: water_steps <particles> <steps> [settle steps]\n");
+        std::fprintf(stderr, "usage: water_steps <particles> <steps> [settle steps] [rebuilds]\n");
         return 1;
     }
     namespace scenes = physics::testing;
-    scenes::ResetWorld();
     physics::Simulation& sim = *physics::Simulation::GetInstancePtr();
-    scenes::BuildWaterTank(count, 8);
-    for (int i = 0; i < settle; ++i)
+    for (int build = 0; build <= rebuilds; ++build)
     {
-        sim.Step(true);
+        scenes::ResetWorld();
         util::PointeeHandle::Flush();
+        scenes::BuildWaterTank(count, 8);
+        for (int i = 0; i < settle; ++i)
+        {
+            sim.Step(true);
+            util::PointeeHandle::Flush();
+        }
     }
     const std::size_t allocationsBefore = bench::AllocationCount();
     // Only the timed steps are measured when run under callgrind with --instr-atstart=no.

@@ -1,9 +1,41 @@
 #include "physics/Particle.h"
 
+#include "physics/ParticleAllocator.h"
 #include "physics/SPH.h"
+
+#include <new>
 
 namespace physics
 {
+namespace
+{
+// 64 KiB blocks of particles.
+const size_t PARTICLES_PER_BLOCK = 256;
+
+ParticleAllocator& Store()
+{
+    // Never deleted: particles may outlive every static object, in a singleton torn down at exit.
+    static ParticleAllocator* store = new ParticleAllocator(sizeof(Particle), PARTICLES_PER_BLOCK);
+    return *store;
+}
+} // namespace
+
+void* Particle::operator new(std::size_t size)
+{
+    // A larger class derived from Particle takes ordinary storage.
+    if (size != sizeof(Particle))
+        return ::operator new(size);
+    return Store().Allocate();
+}
+
+void Particle::operator delete(void* p, std::size_t size)
+{
+    if (size != sizeof(Particle))
+        ::operator delete(p);
+    else
+        Store().Free(p);
+}
+
 Particle::ParticleGeom::ParticleGeom(Particle* owner, float radius) : Circular(Kind::ParticleCircle, radius)
 {
     m_body = owner;

@@ -4,6 +4,7 @@
 #include "physics/Circular.h"
 #include "util/VectorPOD.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 
@@ -30,6 +31,11 @@ public:
 
     Particle(const math::Vec2& position, const math::Vec2& velocity);
     ~Particle() override;
+
+    // Particles are kept side by side in blocks of their own (see ParticleAllocator), so that the passes
+    // of a step over all water read memory in order.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* p, std::size_t size);
 
     // Mass and inertia from the radius and density; friction and restitution go to the shape. Setting the
     // values the particle already has touches nothing.

@@ -1,0 +1,73 @@
+#include "physics/ParticleAllocator.h"
+
+#include "logging/Exception.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <new>
+
+namespace physics
+{
+ParticleAllocator::ParticleAllocator(size_t slotSize, size_t slotsPerBlock) : m_slotsPerBlock(slotsPerBlock)
+{
+    QLEX_ASSERT(slotSize > 0 && slotsPerBlock > 0);
+    // Every slot aligned as operator new aligns.
+    const size_t align = alignof(std::max_align_t);
+    m_slotSize = (slotSize + align - 1) / align * align;
+}
+
+ParticleAllocator::~ParticleAllocator()
+{
+    ReleaseBlocks();
+}
+
+void* ParticleAllocator::Allocate()
+{
+    if (!m_free.empty())
+    {
+        std::pop_heap(m_free.begin(), m_free.end(), std::greater<void*>());
+        void* slot = m_free.back();
+        m_free.pop_back();
+        ++m_live;
+        return slot;
+    }
+    if (m_fresh == 0)
+    {
+        m_blocks.reserve(m_blocks.size() + 1);
+        m_blocks.push_back(static_cast<char*>(::operator new(m_slotSize * m_slotsPerBlock)));
+        m_fresh = m_slotsPerBlock;
+        // Room for every slot, so that Free, called from operator delete, never allocates.
+        m_free.reserve(m_blocks.size() * m_slotsPerBlock);
+    }
+    void* slot = m_blocks.back() + (m_slotsPerBlock - m_fresh) * m_slotSize;
+    --m_fresh;
+    ++m_live;
+    return slot;
+}
+
+void ParticleAllocator::Free(void* slot)
+{
+    if (!slot)
+        return;
+    QLEX_ASSERT(m_live > 0);
+    --m_live;
+    if (m_live == 0)
+    {
+        ReleaseBlocks();
+        return;
+    }
+    m_free.append(slot);
+    std::push_heap(m_free.begin(), m_free.end(), std::greater<void*>());
+}
+
+void ParticleAllocator::ReleaseBlocks()
+{
+    for (char* block : m_blocks)
+        ::operator delete(block);
+    m_blocks.clear();
+    m_free.clear();
+    m_fresh = 0;
+}
+
+} // namespace physics
