@@ -116,13 +116,29 @@ bool AABBvcBC(const BoundingBox2& box, const BoundingCircle& circle)
     return true;
 }
 
-template <class T>
-void CollideParticle(float distance, Particle& particle, T& shape, util::VectorPOD<Contact*>& out)
+namespace
 {
-    const math::Vec2& p = particle.GetPosition();
+template <class T>
+void CollideParticleAt(float distance, Particle& particle, const math::Vec2& p, T& shape,
+                       util::VectorPOD<Contact*>& out)
+{
     const float d = shape.DistanceWorld(p);
     if (d < distance)
         AddContact(out, shape, *particle.GetGeom(), 0, p, shape.NormalWorld(p), distance - d);
+}
+} // namespace
+
+template <class T>
+void CollideParticle(float distance, Particle& particle, T& shape, util::VectorPOD<Contact*>& out)
+{
+    CollideParticleAt(distance, particle, particle.GetPosition(), shape, out);
+}
+
+template <class T> void Collider::CollideWaterWith(T& shape, util::VectorPOD<Contact*>& out)
+{
+    const size_t n = m_particles.size();
+    for (size_t k = 0; k < n; ++k)
+        CollideParticleAt(m_waterContactDistance, *m_particles[k], m_positions[k], shape, out);
 }
 
 template void CollideParticle<Plane>(float, Particle&, Plane&, util::VectorPOD<Contact*>&);
@@ -551,8 +567,14 @@ void Collider::CollideWater(util::VectorPOD<Contact*>& out)
     math::OBB2D waterOBB;
     {
         const util::ScopeProfiler profile("Creating BB");
-        for (Particle* p : m_particles)
-            waterBox.Include(p->GetPosition());
+        // The positions are copied once, compact, for the passes over all water below.
+        m_positions.resize(m_particles.size());
+        for (size_t k = 0; k < m_particles.size(); ++k)
+        {
+            const math::Vec2& p = m_particles[k]->GetPosition();
+            m_positions[k] = p;
+            waterBox.Include(p);
+        }
         const math::Vec2 grow(m_waterContactDistance, m_waterContactDistance);
         waterBox = BoundingBox2(waterBox.min - grow, waterBox.max + grow);
         const math::Vec2 half = waterBox.GetSize() * 0.5f;
@@ -560,7 +582,6 @@ void Collider::CollideWater(util::VectorPOD<Contact*>& out)
         waterOBB.halfExtent[0] = half.x;
         waterOBB.halfExtent[1] = half.y;
     }
-    const float distance = m_waterContactDistance;
     {
         const util::ScopeProfiler profile("Plane-Water");
         for (Plane* plane : m_planes)
@@ -568,8 +589,7 @@ void Collider::CollideWater(util::VectorPOD<Contact*>& out)
             if (plane->DistanceWorld(waterOBB.center) > waterOBB.ProjectedRadius(plane->GetPlane().normal) ||
                 !plane->GetWaterCollide())
                 continue;
-            for (Particle* p : m_particles)
-                CollideParticle(distance, *p, *plane, out);
+            CollideWaterWith(*plane, out);
         }
     }
     {
@@ -578,8 +598,7 @@ void Collider::CollideWater(util::VectorPOD<Contact*>& out)
         {
             if (!AABBvcBC(waterBox, c.bounds) || !c.circle->GetWaterCollide())
                 continue;
-            for (Particle* p : m_particles)
-                CollideParticle(distance, *p, *c.circle, out);
+            CollideWaterWith(*c.circle, out);
         }
     }
     {
@@ -590,8 +609,7 @@ void Collider::CollideWater(util::VectorPOD<Contact*>& out)
             if (!AABBvcBC(waterBox, shape.GetBCWorld()) || !math::Intersects(waterOBB, shape.GetWorldOBB()) ||
                 !shape.GetWaterCollide())
                 continue;
-            for (Particle* p : m_particles)
-                CollideParticle(distance, *p, shape, out);
+            CollideWaterWith(shape, out);
         }
     }
     {
@@ -601,8 +619,7 @@ void Collider::CollideWater(util::VectorPOD<Contact*>& out)
             if (!AABBvcBC(waterBox, box->GetBCWorld()) || !math::Intersects(waterOBB, box->GetWorldOBB()) ||
                 !box->GetWaterCollide())
                 continue;
-            for (Particle* p : m_particles)
-                CollideParticle(distance, *p, *box, out);
+            CollideWaterWith(*box, out);
         }
     }
 }

@@ -62,12 +62,15 @@ public:
 
 private:
     void CollideWater(util::VectorPOD<Contact*>& out);
+    // CollideParticle for every particle, from the copied positions.
+    template <class T> void CollideWaterWith(T& shape, util::VectorPOD<Contact*>& out);
 
     util::VectorPOD<Plane*> m_planes;
     util::VectorPOD<PolyHull> m_polygons;
     util::VectorPOD<CircleHull> m_circles;
     util::VectorPOD<Box*> m_boxes;
     util::VectorPOD<Particle*> m_particles;
+    util::VectorPOD<math::Vec2> m_positions;
     ContactPool m_contactPool;
     // A particle meets shapes as a small circle of this radius; pressure among particles gives the rest of
     // the water's volume.
