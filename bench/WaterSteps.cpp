@@ -12,9 +12,9 @@
 
 #include <chrono>
 #include <cstdint>
-#include <cstring>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 // Steps a water tank outside the benchmark harness, for profilers (callgrind, cachegrind) that would make
 // the harness's timing loop far too slow: water_steps <particles> <steps> [settle steps] [rebuilds].
@@ -67,9 +67,10 @@ int main(int argc, char** argv)
         for (std::uint32_t b : bits)
             digest = (digest ^ b) * 1099511628211ull;
     }
-    std::printf("%d particles: %.3f ms/step, %.3f us/particle, %.1f allocations/step, %zu contacts, digest %016llx\n",
-                count, seconds * 1e3 / steps, seconds * 1e6 / steps / count, allocations / steps,
-                sim.GetContacts().size(), static_cast<unsigned long long>(digest));
+    std::printf(
+        "%d particles: %.3f ms/step, %.3f us/particle, %.1f allocations/step, %zu contacts, digest %016llx\n",
+        count, seconds * 1e3 / steps, seconds * 1e6 / steps / count, allocations / steps,
+        sim.GetContacts().size(), static_cast<unsigned long long>(digest));
     scenes::ResetWorld();
     return 0;
 }

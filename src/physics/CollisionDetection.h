@@ -1,5 +1,6 @@
 #pragma once
 
+#include "physics/ContactPool.h"
 #include "physics/Geom.h"
 #include "util/SharedPtr.h"
 #include "util/VectorPOD.h"
@@ -29,22 +30,6 @@ struct CircleHull
     Body* body;
     Circle* circle;
     BoundingCircle bounds;
-};
-
-// Contacts for reuse: a contact returns to service once nothing but the pool holds it, so that a steady
-// state makes no new contacts.
-class ContactPool
-{
-public:
-    // Frees every contact that only the pool holds.
-    void Reclaim();
-    // A contact as Contact's constructor makes it; the pool keeps a reference to it.
-    Contact* Make(Geom& geomA, Geom& geomB, std::uint32_t subId, const math::Vec2& point,
-                  const math::Vec2& normal, float depth);
-
-private:
-    std::vector<util::SharedPtr<Contact>> m_contacts;
-    util::VectorPOD<Contact*> m_free;
 };
 
 // Turns the present poses into raw contacts, once a step. Shapes are sorted by kind into flat lists and

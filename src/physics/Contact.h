@@ -16,8 +16,8 @@ public:
             float depth);
 
     // Makes this a new contact, as the constructor would, so that contacts can be reused from step to step.
-    void Reset(Geom* geomA, Geom* geomB, std::uint32_t subId, const math::Vec2& point, const math::Vec2& normal,
-               float depth);
+    void Reset(Geom* geomA, Geom* geomB, std::uint32_t subId, const math::Vec2& point,
+               const math::Vec2& normal, float depth);
 
     // Continues a contact of the last step: its age and impulses carry over.
     void ReadFrom(const Contact& old);

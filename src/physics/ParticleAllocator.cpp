@@ -34,8 +34,9 @@ void* ParticleAllocator::Allocate()
     }
     if (m_fresh == 0)
     {
+        const size_t bytes = m_slotSize * m_slotsPerBlock;
         m_blocks.reserve(m_blocks.size() + 1);
-        m_blocks.push_back(static_cast<char*>(::operator new(m_slotSize * m_slotsPerBlock)));
+        m_blocks.push_back(static_cast<char*>(::operator new(bytes)));
         m_fresh = m_slotsPerBlock;
         // Room for every slot, so that Free, called from operator delete, never allocates.
         m_free.reserve(m_blocks.size() * m_slotsPerBlock);

@@ -337,7 +337,8 @@ void SPH::WriteResults()
         p.m_searchIndex = static_cast<std::uint32_t>(s);
         p.m_searchGeneration = m_generation;
         const math::Vec2 force =
-            (p.m_cohesionForce + m_viscositySum[s] * viscosityScale - m_pressureSum[s] * pressureScale) * s_mass;
+            (p.m_cohesionForce + m_viscositySum[s] * viscosityScale - m_pressureSum[s] * pressureScale) *
+            s_mass;
         p.AddForce(force);
     }
 }
@@ -457,12 +458,17 @@ void SPH::ReportValue(const char* name, float value)
 
 void SPH::ReportHashInfo()
 {
-    // The text follows from the number of cells, of buckets and the largest bucket's size; it is made
-    // anew only when one of them changes, and then at most once in HASH_INFO_INTERVAL updates.
+    // The text follows from the number of cells, of buckets and the largest bucket's size. Those are
+    // looked at in every update after a change of the number of particles, and otherwise once in
+    // HASH_INFO_INTERVAL updates; the text is made only when one of them has changed.
     if (m_updatesSinceHashInfo < HASH_INFO_INTERVAL)
         ++m_updatesSinceHashInfo;
-    if (m_updatesSinceHashInfo < HASH_INFO_INTERVAL && m_reportedBucketCount != 0)
+    const size_t particles = m_sorted.size();
+    if (m_updatesSinceHashInfo < HASH_INFO_INTERVAL && particles == m_reportedParticleCount)
         return;
+    m_updatesSinceHashInfo = 0;
+    m_reportedParticleCount = particles;
+
     const CellMap& cells = *m_cells;
     const size_t buckets = cells.GetBucketCount();
     if (m_bucketLoad.size() != buckets)
@@ -477,12 +483,12 @@ void SPH::ReportHashInfo()
     for (const math::TVector2<int>& cell : m_occupiedCells)
         m_bucketLoad[cells.Hash(cell)] = 0;
     const size_t count = m_occupiedCells.size();
-    if (count == m_reportedCellCount && buckets == m_reportedBucketCount && largest == m_reportedLargestBucket)
+    if (count == m_reportedCellCount && buckets == m_reportedBucketCount &&
+        largest == m_reportedLargestBucket)
         return;
     m_reportedCellCount = count;
     m_reportedBucketCount = buckets;
     m_reportedLargestBucket = largest;
-    m_updatesSinceHashInfo = 0;
     Report(HASH_INFO, util::String(cells.GetDiagnostics()));
 }
 

@@ -148,6 +148,7 @@ private:
     size_t m_reportedCellCount = 0;
     size_t m_reportedBucketCount = 0;
     size_t m_reportedLargestBucket = 0;
+    size_t m_reportedParticleCount = 0;
     unsigned int m_updatesSinceHashInfo = 0;
     util::VectorPOD<unsigned int> m_bucketLoad;
 };

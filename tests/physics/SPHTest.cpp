@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <random>
 
 namespace physics
 {
@@ -29,6 +31,14 @@ protected:
         for (const util::SharedPtr<Particle>& p : particles)
             e += 0.5 * p->GetMass() * p->GetVelocity().LengthSq();
         return e;
+    }
+
+    // Runs the water's update alone: neither integration nor contacts move the particles, so that the lists
+    // can be checked against the positions they were found from.
+    void UpdateWater(int times = 1)
+    {
+        for (int i = 0; i < times; ++i)
+            Water().Update(Sim().GetParticles(), Sim().m_timeDelta);
     }
 
     static double MeanHeight(const std::vector<util::SharedPtr<Particle>>& particles)
@@ -105,6 +115,125 @@ TEST_F(WaterTest, Neighbours_AcrossTheAxisAndAtOnePoint)
     EXPECT_FLOAT_EQ(a->GetNeighbors()[1].distance, 0.01f * Water().m_radius);
     EXPECT_FALSE(a->IsBad());
     EXPECT_NE(a->GetPosition(), b->GetPosition());
+}
+
+TEST_F(WaterTest, Neighbours_AreEveryPairWithinTheInfluenceDistance)
+{
+    // A cloud over both axes, so that it spans the double-width cells at zero, and dense enough for
+    // neighbours in all eight directions.
+    std::mt19937 random(7);
+    std::uniform_real_distribution<float> coordinate(-0.6f, 0.6f);
+    std::vector<util::SharedPtr<Particle>> cloud;
+    for (int i = 0; i < 400; ++i)
+        cloud.push_back(AddParticle(math::Vec2(coordinate(random), coordinate(random))));
+    UpdateWater();
+
+    const float h = Water().InfluenceDistance();
+    const double mass = math::PI * 0.05 * 0.05;
+    double neighbourSum = 0.0;
+    math::Vec2 forceSum(0.0f, 0.0f);
+    double forceSize = 0.0;
+    for (const util::SharedPtr<Particle>& p : cloud)
+    {
+        const util::VectorPOD<Particle::Neighbor>& list = p->GetNeighbors();
+        ASSERT_FALSE(list.empty());
+        EXPECT_EQ(list[0].particle, p.get());
+        EXPECT_EQ(list[0].distance, 0.0f);
+        EXPECT_EQ(list[0].offset, math::Vec2(0.0f, 0.0f));
+
+        std::map<const Particle*, math::Vec2> expected;
+        for (const util::SharedPtr<Particle>& q : cloud)
+        {
+            const math::Vec2 offset = q->GetPosition() - p->GetPosition();
+            if (q != p && offset.LengthSq() < h * h)
+                expected[q.get()] = offset;
+        }
+        ASSERT_EQ(list.size(), expected.size() + 1);
+        double density = mass * SPH::InfluenceKernel(0.0f);
+        for (size_t k = 1; k < list.size(); ++k)
+        {
+            const auto found = expected.find(list[k].particle);
+            ASSERT_NE(found, expected.end());
+            EXPECT_EQ(list[k].offset, found->second);
+            EXPECT_FLOAT_EQ(list[k].distance, found->second.Length());
+            density += mass * SPH::InfluenceKernel(list[k].distance);
+            expected.erase(found);
+        }
+        EXPECT_NEAR(p->GetDensity(), density, 1e-4 * density);
+        neighbourSum += static_cast<double>(list.size());
+        forceSum += p->GetForce();
+        forceSize += p->GetForce().Length();
+    }
+    EXPECT_FLOAT_EQ(Water().GetReportedValue("AVG_neighCount"), static_cast<float>(neighbourSum / 400.0));
+    EXPECT_GT(neighbourSum / 400.0, 4.0);
+    // Every pair pushes both ways alike: the water's forces on itself cancel.
+    EXPECT_GT(forceSize, 0.0);
+    EXPECT_LT(forceSum.Length(), 1e-5 * forceSize);
+}
+
+TEST_F(WaterTest, NeighbourLists_FollowTheLastSearch)
+{
+    Sim().m_gravitySwitch = false;
+    util::SharedPtr<Particle> a = AddParticle(math::Vec2(0.0f, 0.0f));
+    util::SharedPtr<Particle> b = AddParticle(math::Vec2(0.05f, 0.0f));
+    UpdateWater();
+    ASSERT_EQ(a->GetNeighbors().size(), 2u);
+
+    // Made after the search: no list yet, and no change to the others'.
+    util::SharedPtr<Particle> c = AddParticle(math::Vec2(0.0f, 0.05f));
+    EXPECT_TRUE(c->GetNeighbors().empty());
+    EXPECT_EQ(a->GetNeighbors().size(), 2u);
+
+    UpdateWater();
+    EXPECT_EQ(a->GetNeighbors().size(), 3u);
+    EXPECT_EQ(c->GetNeighbors().size(), 3u);
+    EXPECT_EQ(c->GetNeighbors()[0].particle, c.get());
+
+    // Frozen, the lists stay as the last search left them even as the particles move.
+    Sim().m_running = false;
+    b->SetPosition(math::Vec2(5.0f, 5.0f));
+    Sim().Step(false);
+    EXPECT_EQ(a->GetNeighbors().size(), 3u);
+    EXPECT_EQ(b->GetNeighbors().size(), 3u);
+    Sim().m_running = true;
+    UpdateWater();
+    EXPECT_EQ(b->GetNeighbors().size(), 1u);
+    EXPECT_EQ(a->GetNeighbors().size(), 2u);
+}
+
+TEST_F(WaterTest, Reports_LeaveTheValuesThatScriptsHold)
+{
+    AddParticle(math::Vec2(0.0f, 0.0f));
+    UpdateWater();
+    const float alone = Water().GetReportedValue("AVG_density");
+    const script::ObjectPtr held = Water().GetObject("AVG_density");
+
+    AddParticle(math::Vec2(0.05f, 0.0f));
+    UpdateWater();
+    EXPECT_GT(Water().GetReportedValue("AVG_density"), alone);
+    EXPECT_EQ(script::ObjectToValue<float>(held), alone);
+    EXPECT_FLOAT_EQ(Water().GetReportedValue("AVG_neighCount"), 2.0f);
+
+    // Unheld, the value still follows every update.
+    AddParticle(math::Vec2(2.0f, 2.0f));
+    UpdateWater();
+    EXPECT_FLOAT_EQ(Water().GetReportedValue("AVG_neighCount"), 5.0f / 3.0f);
+}
+
+TEST_F(WaterTest, HashInfo_CountsTheOccupiedCells)
+{
+    // Cells are 0.2 wide at the default settings; these three lie in three of them.
+    AddParticle(math::Vec2(0.5f, 0.5f));
+    AddParticle(math::Vec2(1.5f, 0.5f));
+    AddParticle(math::Vec2(0.55f, 0.5f));
+    // In a steady state the text may lag behind by a second of updates.
+    UpdateWater(101);
+    EXPECT_EQ(Water().GetReportedText("hashInfo").rfind("Number of elements:  2\n", 0), 0u);
+
+    // More water is reported at once.
+    AddParticle(math::Vec2(-1.5f, 0.5f));
+    UpdateWater();
+    EXPECT_EQ(Water().GetReportedText("hashInfo").rfind("Number of elements:  3\n", 0), 0u);
 }
 
 TEST_F(WaterTest, Tank_Settles)

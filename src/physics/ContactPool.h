@@ -1,0 +1,34 @@
+#pragma once
+
+#include "math/Math.h"
+#include "util/SharedPtr.h"
+#include "util/VectorPOD.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace physics
+{
+class Contact;
+class Geom;
+
+// Contacts for reuse: a contact returns to service once nothing but the pool holds it, so that a steady
+// state makes no new contacts, while one that a caller keeps (to draw it, say) is never changed under it.
+class ContactPool
+{
+public:
+    // Frees every contact that only the pool holds.
+    void Reclaim();
+    // A contact as Contact's constructor makes it; the pool keeps a reference to it.
+    Contact* Make(Geom& geomA, Geom& geomB, std::uint32_t subId, const math::Vec2& point,
+                  const math::Vec2& normal, float depth);
+
+    size_t GetSize() const { return m_contacts.size(); }
+    size_t GetFreeCount() const { return m_free.size(); }
+
+private:
+    std::vector<util::SharedPtr<Contact>> m_contacts;
+    util::VectorPOD<Contact*> m_free;
+};
+
+} // namespace physics
