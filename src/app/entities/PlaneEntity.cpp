@@ -1,0 +1,119 @@
+#include "app/entities/PlaneEntity.h"
+
+#include "app/App.h"
+#include "app/entities/ShapeGeometry.h"
+#include "physics/Linesegment.h"
+
+#include <GL/gl.h>
+#include <GL/glu.h>
+
+namespace app
+{
+namespace
+{
+void DrawPlaneSegment(const math::Vec2 corners[4], const float dists[4], float lo, float hi)
+{
+    glBegin(GL_TRIANGLE_FAN);
+    for (const math::Vec2& p : PlaneSegment(corners, dists, lo, hi))
+        glVertex2f(p.x, p.y);
+    glEnd();
+}
+
+void Color(const math::Vec4& c)
+{
+    glColor4f(c.x, c.y, c.z, c.w);
+}
+} // namespace
+
+PlaneEntity::PlaneEntity(util::SharedPtr<physics::Plane> plane) : GeomEntity(plane), m_plane(plane) {}
+
+void PlaneEntity::CalcVecsAndDist(math::Vec2 corners[4], float dists[4]) const
+{
+    GLdouble model[16], projection[16];
+    GLint viewport[4];
+    glGetDoublev(GL_MODELVIEW_MATRIX, model);
+    glGetDoublev(GL_PROJECTION_MATRIX, projection);
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    const double x0 = viewport[0], y0 = viewport[1];
+    const double x1 = x0 + viewport[2], y1 = y0 + viewport[3];
+    const double windowCorners[4][2] = {{x0, y0}, {x0, y1}, {x1, y1}, {x1, y0}};
+    for (int i = 0; i < 4; ++i)
+    {
+        GLdouble wx = 0, wy = 0, wz = 0;
+        gluUnProject(windowCorners[i][0], windowCorners[i][1], 0.0, model, projection, viewport, &wx, &wy, &wz);
+        corners[i] = math::Vec2(float(wx), float(wy));
+        dists[i] = m_plane->DistanceWorld(corners[i]);
+    }
+}
+
+void PlaneEntity::Draw() const
+{
+    const App& app = *App::GetInstancePtr();
+    const bool showBorder = app.m_borders || m_selectedLook || m_markedLook;
+    math::Vec2 corners[4];
+    float dists[4];
+    CalcVecsAndDist(corners, dists);
+    if (showBorder)
+    {
+        const float bw = app.GetObjectBorderWidth();
+        glEnable(GL_DEPTH_TEST);
+        Color(m_color);
+        DrawPlaneSegment(corners, dists, -math::INF, -bw);
+        Color(app.GetBorderColor(this));
+        DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
+        glDisable(GL_DEPTH_TEST);
+    }
+    else
+    {
+        Color(m_color);
+        DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
+    }
+}
+
+void PlaneEntity::DrawBlack() const
+{
+    math::Vec2 corners[4];
+    float dists[4];
+    CalcVecsAndDist(corners, dists);
+    glColor4f(0, 0, 0, 0);
+    DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
+}
+
+bool PlaneEntity::ErasedBy(const std::vector<physics::Linesegment>& stroke) const
+{
+    for (const physics::Linesegment& segment : stroke)
+        if ((m_plane->DistanceWorld(segment.a) < 0.0f) != (m_plane->DistanceWorld(segment.b) < 0.0f))
+            return true;
+    return false;
+}
+
+bool PlaneEntity::IsContainedBy(const physics::Polygon&) const
+{
+    return false;
+}
+
+void PlaneEntity::GetBoundPoints(std::vector<math::Vec2>&) {}
+
+GeomEntityPtr PlaneEntity::Clone() const
+{
+    util::SharedPtr<PlaneEntity> clone = QLEX_NEW new PlaneEntity(m_plane->Clone());
+    clone->CopyFrom(this);
+    return clone;
+}
+
+GeomEntityPtr PlaneEntity::ScaledClone(math::Vec2 scale) const
+{
+    if (scale == math::Vec2(1, 1))
+        return Clone();
+    // Normals go through the transposed inverse of the scale; the line keeps its point at the pose.
+    const math::Vec2 point = m_geom->GetPosition();
+    const math::Vec2 n = m_plane->GetPlane().normal;
+    math::Plane2D plane = math::Plane2D::FromPointNormal(point, math::Vec2(n.x / scale.x, n.y / scale.y));
+    plane.Normalize();
+    util::SharedPtr<physics::Plane> newPlane = QLEX_NEW new physics::Plane(plane);
+    util::SharedPtr<PlaneEntity> clone = QLEX_NEW new PlaneEntity(newPlane);
+    clone->CopyFrom(this);
+    return clone;
+}
+
+} // namespace app
