@@ -13,7 +13,7 @@ Chain::Chain() : m_id(s_nextId++) {}
 void Chain::AddEntity(const util::SharedPtr<Entity>& entity)
 {
     QLEX_ASSERT(entity);
-    entity->SetChain(this);
+    entity->m_chain = this;
     m_entities.push_back(util::WeakPtr<Entity>(entity));
 }
 
@@ -21,7 +21,7 @@ void Chain::AddEntity(size_t index, const util::SharedPtr<Entity>& entity)
 {
     QLEX_ASSERT(entity);
     QLEX_DATA_ASSERT(index < 100000);
-    entity->SetChain(this);
+    entity->m_chain = this;
     if (m_entities.size() <= index)
         m_entities.resize(index + 1);
     m_entities[index] = util::WeakPtr<Entity>(entity);
@@ -93,7 +93,7 @@ void Chain::Detach()
         if (util::SharedPtr<Entity> entity = link.lock())
         {
             if (entity->GetChain().get() == this)
-                entity->SetChain(nullptr);
+                entity->m_chain = nullptr;
         }
     }
     m_entities.clear();

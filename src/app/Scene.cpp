@@ -576,7 +576,7 @@ void Scene::ScaleTransform(const GroupPtr& group, const math::Mat3& transform)
         {
             joint->m_size *= avg;
             if (SpringEntity* spring = dynamic_cast<SpringEntity*>(joint.get()))
-                spring->m_length = spring->m_length * avg;
+                spring->m_lengthAttrib = spring->m_lengthAttrib * avg;
         }
     }
 
