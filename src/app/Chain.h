@@ -15,7 +15,7 @@ class Chain : public util::Pointee
 {
 public:
     // Indices at or above this are taken for bad data.
-    static const size_t MAX_INDEX = 100000;
+    static constexpr size_t MAX_INDEX = 100000;
 
     Chain();
 

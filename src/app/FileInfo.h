@@ -12,9 +12,9 @@ namespace app
 class FileInfo : public script::Reflected, public util::Singleton<FileInfo>
 {
 public:
-    static const int VERSION_LATEST = 2;
+    static constexpr int VERSION_LATEST = 2;
     // The first version whose colours carry alpha.
-    static const int VERSION_BETA_4 = 2;
+    static constexpr int VERSION_BETA_4 = 2;
 
     FileInfo();
 

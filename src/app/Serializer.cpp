@@ -401,8 +401,11 @@ script::ObjectPtr Serializer::AddBox(const EntitySerializer& record)
 
 script::ObjectPtr Serializer::AddCircle(const EntitySerializer& record)
 {
+    // A circle's radius is fixed at its making.
+    const float radius = record.Has("radius") ? record.Get<float>("radius") : 1.0f;
+    QLEX_DATA_ASSERT(radius > 0.0f && math::IsFinite(radius));
     util::SharedPtr<CircleEntity> entity =
-        QLEX_NEW new CircleEntity(QLEX_NEW new physics::Circle(math::Vec2(0.0f, 0.0f), 1.0f));
+        QLEX_NEW new CircleEntity(QLEX_NEW new physics::Circle(math::Vec2(0.0f, 0.0f), radius));
     AddGeomEntity(record, entity, false);
     return entity;
 }

@@ -14,7 +14,7 @@ namespace app
 class Undoer : public util::Pointee, public util::Singleton<Undoer>
 {
 public:
-    static const unsigned long DEFAULT_MAX_UNDO = 25;
+    static constexpr unsigned long DEFAULT_MAX_UNDO = 25;
 
     Undoer();
     ~Undoer() override;
