@@ -70,7 +70,11 @@ Snapshot::Snapshot()
     }
 
     for (const util::SharedPtr<physics::Body>& body : sim->GetBodies())
-        m_helpers.push_back(QLEX_NEW new BodyInfo(body));
+    {
+        util::SharedPtr<BodyInfo> info = QLEX_NEW new BodyInfo(body);
+        m_helpers.push_back(info);
+        m_bodies.push_back(info);
+    }
 
     m_records.reserve(m_entities.size());
     for (const EntityPtr& entity : m_entities)
@@ -129,6 +133,9 @@ void Snapshot::Restore()
                 serializer->RegisterEntity(entity);
             });
     }
+    // Entering the simulation places each shape through its body once more.
+    for (const util::SharedPtr<BodyInfo>& body : m_bodies)
+        Guarded([&] { body->RestorePoses(); });
 
     for (size_t i = 0; i < m_waterPositions.size(); ++i)
     {
@@ -171,6 +178,17 @@ BodyInfo::BodyInfo(const util::SharedPtr<physics::Body>& body)
     : m_geoms(body->GetGeoms()), m_body(body), m_velocity(body->GetVelocity()),
       m_angularVelocity(body->GetAngularVelocity())
 {
+    for (const util::SharedPtr<physics::Geom>& geom : m_geoms)
+        m_poses.emplace_back(geom, geom->GetPose());
+}
+
+void BodyInfo::RestorePoses() const
+{
+    for (const auto& pose : m_poses)
+    {
+        if (pose.first->GetBodyBody() == m_body.get())
+            pose.first->SetWorldPose(pose.second);
+    }
 }
 
 void BodyInfo::Restore() const

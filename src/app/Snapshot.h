@@ -46,6 +46,7 @@ private:
 
     std::vector<EntityPtr> m_entities;
     std::vector<util::SharedPtr<RestoreHelper>> m_helpers;
+    std::vector<util::SharedPtr<class BodyInfo>> m_bodies;
     std::vector<std::pair<EntityPtr, EntitySerializer>> m_records;
     std::vector<math::Vec2> m_waterPositions;
     std::vector<math::Vec2> m_waterVelocities;
@@ -63,8 +64,12 @@ class BodyInfo : public Snapshot::RestoreHelper
 public:
     explicit BodyInfo(const util::SharedPtr<physics::Body>& body);
     void Restore() const override;
+    // Puts each shape back at its exact pose of the moment: a new geom set places shapes through the body's
+    // frame, which is exact only to rounding.
+    void RestorePoses() const;
 
 private:
+    std::vector<std::pair<util::SharedPtr<physics::Geom>, math::Mat2D>> m_poses;
     physics::Body::GeomSet m_geoms;
     util::SharedPtr<physics::Body> m_body;
     math::Vec2 m_velocity;
