@@ -9,6 +9,8 @@
 #include "util/FileSystem.h"
 #include "util/StringUtil.h"
 
+#include <filesystem>
+
 namespace app
 {
 
@@ -86,6 +88,11 @@ bool SaveSceneFile(const util::String& name, bool automatic)
         FileInfo::GetInstancePtr()->SetFileName(name);
     const util::String path = MakeLongFileName(name);
     const util::String text = Serializer::GetInstancePtr()->SerializeScene();
+    // The scene folder of a fresh work directory may not exist yet.
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    if (!folder.empty())
+        std::filesystem::create_directories(folder, error);
     util::FileSystem::WriteFile(path, text);
     // WriteFile doesn't report failure: a file that isn't there with the text afterwards failed.
     bool written = false;

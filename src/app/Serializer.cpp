@@ -127,8 +127,7 @@ Serializer::Serializer()
         scene->AddCmd1(command.first, [this, member](script::ObjectPtr argument) { return Helper(member, argument); });
     }
 
-    const util::SharedPtr<physics::WorldGeom>& world = physics::Simulation::GetInstancePtr()->GetWorldGeom();
-    m_geoms[int(world->GetId())] = world;
+    ClearTables();
 }
 
 Serializer::~Serializer() = default;
@@ -320,6 +319,7 @@ GroupPtr Serializer::Deserialize(const util::String& text)
     util::ScopeProfiler profile("Serializer::Deserialize");
     m_addedGroup = QLEX_NEW new Group();
     // Ids name objects only within one text: what an earlier read entered must not answer for this one.
+    // Commands typed between reads use the tables as the last read left them.
     ClearTables();
     if (util::starts_with(text, "version = ") || util::starts_with(text, "{"))
     {

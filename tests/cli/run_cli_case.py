@@ -7,6 +7,8 @@ A case NAME in the cases folder has:
   NAME.out   the exact standard output expected
   NAME.err   lines that must each appear somewhere in standard error (optional)
   NAME.code  the expected exit code (optional; default 0)
+  NAME.given.FILE   copied to scenes/FILE of the work directory before the run (optional, any number)
+  NAME.expect.FILE  the exact content that scenes/FILE must have after the run (optional, any number)
 Each case runs in a fresh work directory, given with --workdir.
 """
 import difflib
@@ -35,6 +37,18 @@ def main():
     expected_out = read(base + ".out", b"")
     expected_code = int(read(base + ".code", b"0").decode().strip())
 
+    scenes = os.path.join(work, "scenes")
+    os.makedirs(scenes)
+    expected_files = {}
+    for entry in sorted(os.listdir(cases)):
+        for kind in ("given", "expect"):
+            prefix = "%s.%s." % (name, kind)
+            if entry.startswith(prefix):
+                if kind == "given":
+                    shutil.copyfile(os.path.join(cases, entry), os.path.join(scenes, entry[len(prefix):]))
+                else:
+                    expected_files[entry[len(prefix):]] = read(os.path.join(cases, entry))
+
     run = subprocess.run([cli, "--workdir", work] + args, input=stdin, capture_output=True, timeout=120)
     ok = True
     if run.stdout != expected_out:
@@ -47,6 +61,15 @@ def main():
     if run.returncode != expected_code:
         ok = False
         print("Exit code %d, expected %d" % (run.returncode, expected_code))
+    for file_name, expected in expected_files.items():
+        actual = read(os.path.join(scenes, file_name))
+        if actual != expected:
+            ok = False
+            print("scenes/%s differs from %s.expect.%s:" % (file_name, name, file_name))
+            diff = difflib.unified_diff(expected.decode(errors="replace").splitlines(True),
+                                        (actual or b"").decode(errors="replace").splitlines(True),
+                                        "expected", "actual")
+            sys.stdout.writelines(diff)
     err = run.stderr.decode(errors="replace")
     for line in read(base + ".err", b"").decode().splitlines():
         if line and line not in err:
