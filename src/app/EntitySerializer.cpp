@@ -13,7 +13,29 @@ namespace app
 namespace
 {
 const size_t RECORD_CAPACITY = 3;
+
+// An unbound setting enters as its typed value: a float attribute set from the integer 2 then writes 2.0,
+// as floats always do. A bound one keeps its function.
+template <class T> bool TypedValue(const script::VariablePtr& var, script::ObjectPtr& out)
+{
+    auto* attrib = dynamic_cast<script::TAttrib<T>*>(var.get());
+    if (!attrib)
+        return false;
+    out = attrib->IsBound() ? attrib->GetObject() : script::ValueToObject(attrib->Get());
+    return true;
 }
+
+script::ObjectPtr ObjectOf(const script::VariablePtr& var)
+{
+    script::ObjectPtr object;
+#define QLEX_TYPED_VALUE(T)                                                                                  \
+    if (TypedValue<T>(var, object))                                                                          \
+        return object;
+    QLEX_ATTRIB_TYPES(QLEX_TYPED_VALUE)
+#undef QLEX_TYPED_VALUE
+    return var->GetObject();
+}
+} // namespace
 
 EntitySerializer::EntitySerializer() : m_map(RECORD_CAPACITY) {}
 
@@ -48,7 +70,7 @@ template <class T> void EntitySerializer::Set(const util::String& key, const T& 
 
 template <> void EntitySerializer::Set(const util::String& key, const script::AttribWrapper<float>& value)
 {
-    SetObject(key, value.GetAttrib()->GetObject());
+    SetObject(key, ObjectOf(value.GetAttrib()));
 }
 
 void EntitySerializer::SetObject(const util::String& key, const script::ObjectPtr& object)
@@ -64,17 +86,7 @@ void EntitySerializer::Remove(const util::String& key)
 void EntitySerializer::SerializeAttributes(const script::ClassObject& source)
 {
     for (const script::VariablePtr& var : source.GetVariables())
-    {
-        // A setting that mirrors an outside value is brought up to date first: between two frames its
-        // object may lag behind the value it stands for.
-        if (auto* polled = dynamic_cast<script::PokeMeOncePerFrame*>(var.get()))
-        {
-            auto* attrib = dynamic_cast<script::AbstractAttrib*>(var.get());
-            if (attrib && !attrib->IsBound())
-                polled->Poke();
-        }
-        SetObject(var->GetName(), var->GetObject());
-    }
+        SetObject(var->GetName(), ObjectOf(var));
 }
 
 void EntitySerializer::DeserializeAttributes(script::ClassObject& target) const

@@ -193,6 +193,8 @@ std::vector<unsigned long> Group::GetEnityIDs() const
     ids.reserve(m_entities.size());
     for (const EntityPtr& entity : m_entities)
         ids.push_back(entity->GetID());
+    // The set's own order follows the members' addresses; files and snapshots must not vary with them.
+    std::sort(ids.begin(), ids.end());
     return ids;
 }
 

@@ -19,6 +19,7 @@
 #include "physics/Plane.h"
 #include "physics/Polygon.h"
 #include "physics/Simulation.h"
+#include "script/Attributes.h"
 #include "script/Expressions.h"
 #include "script/Parser.h"
 #include "script/Variable.h"
@@ -46,8 +47,14 @@ const char* const BAD_HELPER_ARGUMENT =
 
 void AddSetting(std::vector<script::VariablePtr>& list, const char* name)
 {
-    if (script::VariablePtr var = FindSetting(name))
-        list.push_back(var);
+    script::VariablePtr var = FindSetting(name);
+    if (!var)
+        return;
+    // A setting over an outside value (the camera's pan) follows that value once a frame; within a frame
+    // its object may still show the one before.
+    if (auto* polled = dynamic_cast<script::PokeMeOncePerFrame*>(var.get()))
+        polled->Poke();
+    list.push_back(var);
 }
 
 bool IsBlack(const script::VariablePtr& var)
