@@ -11,7 +11,10 @@ namespace
 bool s_glLoaded = false;
 }
 
-void GLHasLoaded()
+// The shell owns the flag of the context and defines both functions with the window; these weak
+// definitions serve programs without the shell (the tests of rendering and the tools), and give way to
+// the shell's where it is linked.
+__attribute__((weak)) void GLHasLoaded()
 {
     s_glLoaded = true;
     // A new context starts with GL's default colour, whatever the shadow says.
@@ -19,7 +22,7 @@ void GLHasLoaded()
         rendering::Renderer::GetInstancePtr()->InvalidateColor();
 }
 
-bool HasGLLoaded()
+__attribute__((weak)) bool HasGLLoaded()
 {
     return s_glLoaded;
 }

@@ -99,8 +99,10 @@ using Vec4 = TVector4<float>;
 template <class T> struct TMatrix3
 {
     T m[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
-    T* operator[](int row) { return m + 3 * row; }
-    const T* operator[](int row) const { return m + 3 * row; }
+    T& operator[](int i) { return m[i]; }
+    const T& operator[](int i) const { return m[i]; }
+    T& operator()(int row, int column) { return m[row * 3 + column]; }
+    const T& operator()(int row, int column) const { return m[row * 3 + column]; }
     static TMatrix3 Translation2D(const TVector2<T>& v)
     {
         TMatrix3 r;
@@ -200,7 +202,7 @@ template <class T, int N, class V> struct BoundingBox
     V GetCenter() const { return (min + max) * T(0.5); }
     V GetSize() const { return max - min; }
     bool IsFinite() const { return math::IsFinite(min) && math::IsFinite(max); }
+    bool Contains(const V& p) const { return min.x <= p.x && p.x <= max.x && min.y <= p.y && p.y <= max.y; }
 };
-using BoundingBox2 = BoundingBox<float, 2, Vec2>;
 
 } // namespace math
