@@ -62,16 +62,19 @@ App::App()
       m_drawParticleNeighbors(this, "drawParticleNeighbors", false),
       m_polyTCFactor(this, "polyTCFactor", math::Vec2(10, 10)),
       m_selectColor(this, "selectColor", math::Vec3(1.0f, 0.5f, 0.5f)),
-      m_fadeColor(this, "fadeColor", math::Vec3(0, 0, 0)), m_fadeScale(this, "fadeScale", math::Vec2(0.95f, 0.95f)),
+      m_fadeColor(this, "fadeColor", math::Vec3(0, 0, 0)),
+      m_fadeScale(this, "fadeScale", math::Vec2(0.95f, 0.95f)),
       m_fadeTranslate(this, "fadeTranslate", math::Vec2(0, 0)), m_fadeRotate(this, "fadeRotate", 0.0f),
       m_minPointDist(this, "minPointDist", 0.2f), m_maxPointDist(this, "maxPointDist", 0.5f),
       m_DPI(this, "DPI", 86.0f), m_maxSPHSpawn(this, "maxSPHSpawn", 10000),
-      m_waterElongation(this, "waterElongation", 0.05f), m_waterMaxElongation(this, "waterMaxElongation", 2.0f),
-      m_metaCutoff(this, "metaCutoff", 0.5f), m_borderWidth(this, "borderWidth", 0.1f),
-      m_maxUndo(this, "maxUndo", 25ul), m_autosaveTime(this, "autosaveTime", 30.0f),
-      m_chainDensityFactor(this, "chainDensityFactor", 20.0f), m_dragToolStrength(this, "dragToolStrength", 0.25f),
-      m_waterColor(this, "waterColor", math::Vec4(0.1f, 0.1f, 1.0f, 0.7f)), m_simpleWater(this, "simpleWater", false),
-      m_waterFanceyFactor(this, "waterFanceyFactor", 10.0f), m_borders(this, "borders", true)
+      m_waterElongation(this, "waterElongation", 0.05f),
+      m_waterMaxElongation(this, "waterMaxElongation", 2.0f), m_metaCutoff(this, "metaCutoff", 0.5f),
+      m_borderWidth(this, "borderWidth", 0.1f), m_maxUndo(this, "maxUndo", 25ul),
+      m_autosaveTime(this, "autosaveTime", 30.0f), m_chainDensityFactor(this, "chainDensityFactor", 20.0f),
+      m_dragToolStrength(this, "dragToolStrength", 0.25f),
+      m_waterColor(this, "waterColor", math::Vec4(0.1f, 0.1f, 1.0f, 0.7f)),
+      m_simpleWater(this, "simpleWater", false), m_waterFanceyFactor(this, "waterFanceyFactor", 10.0f),
+      m_borders(this, "borders", true)
 {
     SetReflectedName("App");
 
@@ -324,8 +327,9 @@ void App::DrawWater(const std::vector<WaterParticle>& particles) const
             }
             else
             {
-                Log(logging::Warning, "Water transparency not supported by your computer. Try switching on shaders "
-                                      "(anti-aliasing in the options menu), or upgrade your graphics drivers.");
+                Log(logging::Warning,
+                    "Water transparency not supported by your computer. Try switching on shaders "
+                    "(anti-aliasing in the options menu), or upgrade your graphics drivers.");
             }
         }
         renderer.SetColor4(color.x, color.y, color.z, 1.0f);

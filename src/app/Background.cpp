@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <random>
 
 namespace app
@@ -35,7 +36,8 @@ constexpr unsigned CLOUD_SEED = 20061;
 bool IsImageFile(const std::string& name)
 {
     std::string lower = name;
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return char(std::tolower(c)); });
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char c) { return char(std::tolower(c)); });
     for (const char* extension : {".png", ".tga", ".bmp", ".jpg"})
     {
         const std::string end(extension);
@@ -46,8 +48,8 @@ bool IsImageFile(const std::string& name)
 }
 
 Background::Background()
-    : m_skyColor(this, "skyColor", DEFAULT_SKY_COLOR), m_cloudOpacity(this, "cloudOpacity", DEFAULT_CLOUD_OPACITY),
-      m_drawClouds(this, "drawClouds", true)
+    : m_skyColor(this, "skyColor", DEFAULT_SKY_COLOR),
+      m_cloudOpacity(this, "cloudOpacity", DEFAULT_CLOUD_OPACITY), m_drawClouds(this, "drawClouds", true)
 {
     SetReflectedName("Background");
 }
@@ -133,20 +135,16 @@ math::TMatrix3<float> Background::CloudView(const Camera& camera) const
 
 void Background::Wrap(const math::Vec2& center) const
 {
-    const math::Vec2 half = m_wrapSize * 0.5f;
+    // Whole wraps at once, so that a jump of the camera (a loaded scene) finds its sky at once.
+    const auto wrapAxis = [](float& pos, float c, float wrap)
+    {
+        if (pos < c - wrap * 0.5f || pos > c + wrap * 0.5f)
+            pos -= wrap * std::floor((pos - (c - wrap * 0.5f)) / wrap);
+    };
     for (Particle& p : m_particles)
     {
-        for (int axis = 0; axis < 2; ++axis)
-        {
-            float& pos = axis == 0 ? p.position.x : p.position.y;
-            const float c = axis == 0 ? center.x : center.y;
-            const float wrap = axis == 0 ? m_wrapSize.x : m_wrapSize.y;
-            const float h = axis == 0 ? half.x : half.y;
-            if (pos < c - h)
-                pos += wrap;
-            else if (pos > c + h)
-                pos -= wrap;
-        }
+        wrapAxis(p.position.x, center.x, m_wrapSize.x);
+        wrapAxis(p.position.y, center.y, m_wrapSize.y);
     }
 }
 

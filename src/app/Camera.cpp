@@ -38,7 +38,8 @@ void Camera::OnChange()
 math::TMatrix3<float> Camera::WorldToGUI() const
 {
     using M = math::TMatrix3<float>;
-    return M::Translation2D(m_viewSize * 0.5f) * M::Scale2D(math::Vec2(m_zoom, -m_zoom)) * M::Translation2D(-m_pan);
+    return M::Translation2D(m_viewSize * 0.5f) * M::Scale2D(math::Vec2(m_zoom, -m_zoom)) *
+           M::Translation2D(-m_pan);
 }
 
 math::TMatrix3<float> Camera::GUIToWorld() const

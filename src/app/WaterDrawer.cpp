@@ -101,7 +101,8 @@ WorldBox CalcViewBox(const Camera& camera, const math::Vec2& viewSize)
     return box;
 }
 
-std::vector<size_t> CullParticles(const std::vector<WaterParticle>& particles, const WorldBox& view, float margin)
+std::vector<size_t> CullParticles(const std::vector<WaterParticle>& particles, const WorldBox& view,
+                                  float margin)
 {
     std::vector<size_t> visible;
     visible.reserve(particles.size());
@@ -113,8 +114,8 @@ std::vector<size_t> CullParticles(const std::vector<WaterParticle>& particles, c
     return visible;
 }
 
-void DrawSplats(const std::vector<WaterParticle>& particles, const std::vector<size_t>& visible, float splatSize,
-                float elongation, float maxElongation)
+void DrawSplats(const std::vector<WaterParticle>& particles, const std::vector<size_t>& visible,
+                float splatSize, float elongation, float maxElongation)
 {
     rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
     const float toDegrees = 180.0f / math::PIf;

@@ -60,7 +60,7 @@ std::vector<size_t> CullParticles(const std::vector<WaterParticle>& particles, c
 
 // GL: adds one splat per listed particle into the colour buffer, under the present world matrix, with the
 // metaball texture bound and additive blending set by the caller.
-void DrawSplats(const std::vector<WaterParticle>& particles, const std::vector<size_t>& visible, float splatSize,
-                float elongation, float maxElongation);
+void DrawSplats(const std::vector<WaterParticle>& particles, const std::vector<size_t>& visible,
+                float splatSize, float elongation, float maxElongation);
 
 } // namespace app

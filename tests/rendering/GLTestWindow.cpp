@@ -44,6 +44,8 @@ bool GLTestWindow::SetMode(int width, int height)
     }
     m_width = width;
     m_height = height;
+    // Mesa's software GL takes a new window size into its buffers at the next swap.
+    SDL_GL_SwapBuffers();
     glViewport(0, 0, width, height);
     GLHasLoaded();
     while (glGetError() != GL_NO_ERROR)

@@ -65,8 +65,9 @@ public:
     }
     template <class C, class G, class S>
     AttribWrapper(Reflected* owner, const util::String& name, C* object, G getter, S setter)
-        : AttribWrapper(owner, name, [object, getter]() -> T { return (object->*getter)(); },
-                        [object, setter](const T& value) { (object->*setter)(value); })
+        : AttribWrapper(
+              owner, name, [object, getter]() -> T { return (object->*getter)(); },
+              [object, setter](const T& value) { (object->*setter)(value); })
     {
     }
     AttribWrapper(const AttribWrapper&) = delete;

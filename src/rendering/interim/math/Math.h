@@ -17,9 +17,18 @@ constexpr double PI = 3.14159265358979323846;
 constexpr float PIf = 3.14159265f;
 constexpr float INF = std::numeric_limits<float>::infinity();
 
-inline bool IsZero(float x) { return std::fabs(x) < 1e-7f; }
-inline bool IsNaN(float x) { return x != x; }
-inline bool IsFiniteFloat(float x) { return std::isfinite(x); }
+inline bool IsZero(float x)
+{
+    return std::fabs(x) < 1e-7f;
+}
+inline bool IsNaN(float x)
+{
+    return x != x;
+}
+inline bool IsFiniteFloat(float x)
+{
+    return std::isfinite(x);
+}
 
 template <class T> struct TVector2
 {
@@ -32,9 +41,24 @@ template <class T> struct TVector2
     TVector2 operator-() const { return {-x, -y}; }
     TVector2 operator*(T s) const { return {x * s, y * s}; }
     TVector2 operator/(T s) const { return {x / s, y / s}; }
-    TVector2& operator+=(const TVector2& o) { x += o.x; y += o.y; return *this; }
-    TVector2& operator-=(const TVector2& o) { x -= o.x; y -= o.y; return *this; }
-    TVector2& operator*=(T s) { x *= s; y *= s; return *this; }
+    TVector2& operator+=(const TVector2& o)
+    {
+        x += o.x;
+        y += o.y;
+        return *this;
+    }
+    TVector2& operator-=(const TVector2& o)
+    {
+        x -= o.x;
+        y -= o.y;
+        return *this;
+    }
+    TVector2& operator*=(T s)
+    {
+        x *= s;
+        y *= s;
+        return *this;
+    }
     bool operator==(const TVector2& o) const { return x == o.x && y == o.y; }
     bool operator!=(const TVector2& o) const { return !(*this == o); }
     T operator*(const TVector2& o) const { return x * o.x + y * o.y; }
@@ -44,10 +68,22 @@ template <class T> struct TVector2
     T LengthSq() const { return x * x + y * y; }
     const T* GetPtr() const { return &x; }
 };
-template <class T> TVector2<T> operator*(T s, const TVector2<T>& v) { return v * s; }
-template <class T> TVector2<T> Mul(const TVector2<T>& a, const TVector2<T>& b) { return {a.x * b.x, a.y * b.y}; }
-template <class T> TVector2<T> Div(const TVector2<T>& a, const TVector2<T>& b) { return {a.x / b.x, a.y / b.y}; }
-template <class T> TVector2<T> Abs(const TVector2<T>& a) { return {std::fabs(a.x), std::fabs(a.y)}; }
+template <class T> TVector2<T> operator*(T s, const TVector2<T>& v)
+{
+    return v * s;
+}
+template <class T> TVector2<T> Mul(const TVector2<T>& a, const TVector2<T>& b)
+{
+    return {a.x * b.x, a.y * b.y};
+}
+template <class T> TVector2<T> Div(const TVector2<T>& a, const TVector2<T>& b)
+{
+    return {a.x / b.x, a.y / b.y};
+}
+template <class T> TVector2<T> Abs(const TVector2<T>& a)
+{
+    return {std::fabs(a.x), std::fabs(a.y)};
+}
 template <class T> TVector2<T> Min(const TVector2<T>& a, const TVector2<T>& b)
 {
     return {a.x < b.x ? a.x : b.x, a.y < b.y ? a.y : b.y};
@@ -57,9 +93,18 @@ template <class T> TVector2<T> Max(const TVector2<T>& a, const TVector2<T>& b)
     return {a.x > b.x ? a.x : b.x, a.y > b.y ? a.y : b.y};
 }
 using Vec2 = TVector2<float>;
-inline bool IsFinite(const Vec2& v) { return IsFiniteFloat(v.x) && IsFiniteFloat(v.y); }
-inline float Distance(const Vec2& a, const Vec2& b) { return (a - b).Length(); }
-inline float DistanceSq(const Vec2& a, const Vec2& b) { return (a - b).LengthSq(); }
+inline bool IsFinite(const Vec2& v)
+{
+    return IsFiniteFloat(v.x) && IsFiniteFloat(v.y);
+}
+inline float Distance(const Vec2& a, const Vec2& b)
+{
+    return (a - b).Length();
+}
+inline float DistanceSq(const Vec2& a, const Vec2& b)
+{
+    return (a - b).LengthSq();
+}
 
 template <class T> struct TVector3
 {

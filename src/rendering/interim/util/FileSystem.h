@@ -45,8 +45,8 @@ private:
     {
         std::vector<String> names;
         std::error_code error;
-        for (std::filesystem::directory_iterator it(path.empty() ? "." : path, error), end; !error && it != end;
-             it.increment(error))
+        for (std::filesystem::directory_iterator it(path.empty() ? "." : path, error), end;
+             !error && it != end; it.increment(error))
         {
             if (it->is_directory(error) != dirs)
                 continue;
