@@ -9,16 +9,21 @@ build="$root/build"
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release >/dev/null
 cmake --build "$build" -j"$(nproc)"
 
+stage="$build/stage"
 home="${QLEX_HOME:-$HOME/.local/share/qlex}"
-mkdir -p "$home"
-# Programs and our own data are replaced; files the user made or changed are kept.
-cp -f "$build/stage/qlex" "$build/stage/qlex-cli" "$home/" 2>/dev/null || true
-(cd "$build/stage" && find . -type f ! -name qlex ! -name qlex-cli) | while read -r f; do
-  dest="$home/$f"
-  mkdir -p "$(dirname "$dest")"
-  case "$f" in
-    ./scenes/*|./config*.cfg|./autoexec.cfg) [ -e "$dest" ] || cp "$build/stage/$f" "$dest" ;;
-    *) cp -f "$build/stage/$f" "$dest" ;;
-  esac
+mkdir -p "$home/scenes/qlexlets"
+# Only what the build stages is installed; anything a run left in the staged tree (logs, configuration,
+# autosaved scenes) stays there. Programs, icon and our data are replaced on every install.
+for program in qlex qlex-cli; do
+  if [ -f "$stage/$program" ]; then
+    cp -f "$stage/$program" "$home/$program.new" && mv -f "$home/$program.new" "$home/$program"
+  fi
+done
+cp -f "$stage/Qlex.bmp" "$home/"
+[ -d "$stage/data" ] && cp -rf "$stage/data" "$home/"
+# Sample scenes arrive once and are then the user's; the program's own scenes ("_AUTOSAVE.qlx" and the
+# like) are never taken from the staged tree.
+(cd "$stage" && find scenes -type f ! -name '_*') | while IFS= read -r f; do
+  [ -e "$home/$f" ] || { mkdir -p "$home/$(dirname "$f")" && cp "$stage/$f" "$home/$f"; }
 done
 exec "$home/qlex" "$@"

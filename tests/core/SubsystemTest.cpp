@@ -1,0 +1,139 @@
+#include "core/Subsystem.h"
+
+#include "platform/Os.h"
+
+#include <gtest/gtest.h>
+
+#include <GL/gl.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace
+{
+// Counts the passes of the frame loop through work deferred with DoLater, and after a given number of
+// passes asks to close the window as the window manager would.
+class PassCounter : public util::Pointee
+{
+public:
+    explicit PassCounter(int closeAfter) : m_closeAfter(closeAfter) {}
+
+    void OnPass()
+    {
+        ++m_passes;
+        if (m_passes < m_closeAfter)
+        {
+            core::Subsystem::GetInstancePtr()->DoLater(util::MakeCallback(&PassCounter::OnPass, this));
+        }
+        else
+        {
+            SDL_Event quit{};
+            quit.type = SDL_QUIT;
+            SDL_PushEvent(&quit);
+        }
+    }
+
+    int m_passes = 0;
+
+private:
+    int m_closeAfter;
+};
+
+// One subsystem for the whole program, as in a run: it can't be made twice.
+class SubsystemTest : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        core::interim::CalcWorkDir("");
+        core::Subsystem::Create();
+    }
+
+    void SetUp() override
+    {
+        if (!std::getenv("DISPLAY"))
+        {
+            GTEST_SKIP() << "needs an X display (scripts/test.sh provides one)";
+        }
+    }
+
+    core::Subsystem& System() { return *core::Subsystem::GetInstancePtr(); }
+};
+} // namespace
+
+TEST_F(SubsystemTest, CreateWindow_ClampsTheSizeAndRecordsIt)
+{
+    math::TVector2<int> display;
+    ASSERT_TRUE(os::GetDisplaySize(display));
+
+    core::WindowParams params;
+    params.width = 5000;
+    params.height = 0;
+    System().CreateWindow(params);
+    EXPECT_EQ(System().GetWidth(), std::min(4096, display.x));
+    EXPECT_EQ(System().GetHeight(), 1);
+    EXPECT_EQ(System().GetCurrentParams().width, System().GetWidth());
+    EXPECT_EQ(System().GetRequestedParams().height, 1);
+    EXPECT_TRUE(HasGLLoaded());
+
+    GLint viewport[4] = {};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    EXPECT_EQ(viewport[2], System().GetWidth());
+    EXPECT_EQ(viewport[3], 1);
+}
+
+TEST_F(SubsystemTest, VSyncAlwaysReadsFalse)
+{
+    core::WindowParams params;
+    params.width = 320;
+    params.height = 240;
+    params.vSync = true;
+    System().CreateWindow(params);
+    System().SetVSync(true);
+    EXPECT_FALSE(System().GetVSync());
+    EXPECT_FALSE(System().GetCurrentParams().vSync);
+}
+
+TEST_F(SubsystemTest, ResizeEvent_RecreatesTheWindowAtTheNewSize)
+{
+    core::WindowParams params;
+    params.width = 320;
+    params.height = 240;
+    params.antiAlias = 1;
+    System().CreateWindow(params);
+
+    SDL_Event resize{};
+    resize.type = SDL_VIDEORESIZE;
+    resize.resize.w = 640;
+    resize.resize.h = 480;
+    ASSERT_EQ(SDL_PushEvent(&resize), 0);
+    core::interim::PumpEvents(System());
+
+    EXPECT_EQ(System().GetWidth(), 640);
+    EXPECT_EQ(System().GetHeight(), 480);
+    EXPECT_EQ(System().GetCurrentParams().width, 640);
+    EXPECT_FALSE(System().IsQuitRequested());
+}
+
+TEST_F(SubsystemTest, ApplyParserConfig_MakesTheRequestedWindow)
+{
+    System().GetRequestedParams().width = 400;
+    System().GetRequestedParams().height = 300;
+    EXPECT_NE(System().GetWidth(), 400);
+    System().ApplyParserConfig();
+    EXPECT_EQ(System().GetWidth(), 400);
+    EXPECT_EQ(System().GetHeight(), 300);
+}
+
+// Last of the suite: the quit flag stays set for the rest of the run.
+TEST_F(SubsystemTest, Run_DoesDeferredWorkOncePerPassAndStopsOnTheCloseEvent)
+{
+    util::SharedPtr<PassCounter> counter = QLEX_NEW new PassCounter(3);
+    System().DoLater(util::MakeCallback(&PassCounter::OnPass, counter.get()));
+    System().Run();
+
+    // The close event arrives in the pass after the third, which stops before any deferred work.
+    EXPECT_EQ(counter->m_passes, 3);
+    EXPECT_TRUE(System().IsQuitRequested());
+    EXPECT_GT(System().GetFPS(), 0.0);
+}

@@ -1,0 +1,117 @@
+#include "util/Array2D.h"
+#include "util/ClassTracker.h"
+#include "util/SharedPtr.h"
+#include "util/VectorPOD.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+TEST(VectorPOD, CapacityDoublesPastEachRequest)
+{
+    util::VectorPOD<int> v;
+    EXPECT_EQ(v.data(), nullptr);
+    std::vector<size_t> capacities;
+    for (int i = 0; i < 20; ++i)
+    {
+        v.append(i);
+        if (capacities.empty() || capacities.back() != v.capacity())
+            capacities.push_back(v.capacity());
+    }
+    EXPECT_EQ(capacities, (std::vector<size_t>{2, 6, 14, 30}));
+    // Appending an element of its own storage while it grows must copy the value first.
+    util::VectorPOD<int> w;
+    w.append(41);
+    w.append(w[0]);
+    w.append(w[1]);
+    EXPECT_EQ(w[2], 41);
+    util::VectorPOD<int> empty;
+    util::VectorPOD<int> copy(empty);
+    EXPECT_EQ(copy.data(), nullptr);
+    EXPECT_THROW(empty.pop_back(), BadCoderException);
+}
+
+TEST(VectorPOD, AssignmentReusesStorageOnlyWhenStrictlyLarger)
+{
+    util::VectorPOD<int> src;
+    for (int i = 0; i < 10; ++i)
+        src.append(i);
+    util::VectorPOD<int> roomy;
+    roomy.reserve(12);
+    roomy = src;
+    EXPECT_EQ(roomy.capacity(), 12u);
+    util::VectorPOD<int> small;
+    small.reserve(5);
+    small = src; // reallocated to exactly the source's size, not doubled
+    EXPECT_EQ(small.capacity(), 10u);
+    EXPECT_EQ(small[9], 9);
+}
+
+TEST(Array2D, SampleInterpolatesAndRepeatsTheBorder)
+{
+    util::Array2D<float> grid(2, 2);
+    grid(0, 0) = 0;
+    grid(1, 0) = 1;
+    grid(0, 1) = 2;
+    grid(1, 1) = 3;
+    EXPECT_FLOAT_EQ(grid.Sample(0, 0), 0);
+    EXPECT_FLOAT_EQ(grid.Sample(1, 1), 3);
+    EXPECT_FLOAT_EQ(grid.Sample(0.5f, 0.5f), 1.5f);
+    EXPECT_FLOAT_EQ(grid.Sample(5, 0), 1);
+    EXPECT_THROW(grid(2, 0), BadCoderException);
+}
+
+namespace
+{
+
+struct Thing : util::Pointee
+{
+};
+
+} // namespace
+
+TEST(PointeeHandle, FlushIsSmallUntilTheTableDoublesAndFreesOnlyUnreferencedHandles)
+{
+    util::PointeeHandle::Flush();
+    util::PointeeHandle::s_lastFullFlushCount = util::PointeeHandle::GetInstanceCount();
+    std::vector<util::SharedPtr<Thing>> keep;
+    util::WeakPtr<Thing> neverReadAgain;
+    {
+        util::SharedPtr<Thing> doomed = QLEX_NEW new Thing;
+        neverReadAgain = doomed;
+    }
+    for (int i = 0; i < 3; ++i)
+        keep.push_back(QLEX_NEW new Thing);
+    const size_t withAll = util::PointeeHandle::GetInstanceCount();
+    util::PointeeHandle::Flush();
+    // The dead object's handle stays while a weak pointer holds it, even one that is never read.
+    EXPECT_EQ(util::PointeeHandle::GetInstanceCount(), withAll);
+    EXPECT_FALSE(neverReadAgain);
+    util::PointeeHandle::Flush(); // a small flush starts past the handle: it waits for a full one
+    util::PointeeHandle::s_lastFullFlushCount = 0;
+    util::PointeeHandle::Flush();
+    EXPECT_EQ(util::PointeeHandle::GetInstanceCount(), withAll - 1);
+}
+
+namespace
+{
+
+struct Tracked : util::ClassTracker<Tracked>
+{
+};
+
+} // namespace
+
+TEST(ClassTracker, KnowsEveryLiveInstance)
+{
+    auto* a = new Tracked;
+    {
+        Tracked b;
+        EXPECT_EQ(util::ClassTracker<Tracked>::GetAllClassInstances().size(), 2u);
+    }
+    auto all = util::ClassTracker<Tracked>::GetAllClassInstances();
+    ASSERT_EQ(all.size(), 1u);
+    EXPECT_EQ(all[0], a);
+    delete a;
+    EXPECT_TRUE(util::ClassTracker<Tracked>::GetAllClassInstances().empty());
+}
