@@ -171,3 +171,26 @@ TEST_F(WorldDrawing, AResizedWindowKeepsDrawing)
         mentor->Unload();
     ASSERT_TRUE(s_window.Resize(WIDTH, HEIGHT));
 }
+
+TEST_F(WorldDrawing, AFadeColourLeavesATrailOfTheLastFrameBehindAClearSky)
+{
+    // A sky of alpha 0 lets the trail show through.
+    m_app.GetBackground().SetSkyColor(math::Vec4(0, 0, 0, 0));
+    m_app.m_fadeColor = math::Vec3(1, 1, 1);
+    FillWater(math::Vec2(-0.5f, -0.5f), math::Vec2(0.5f, 0.5f));
+    DrawFrame();
+    const math::TVector4<int> water = s_window.ReadPixelFromTop(WIDTH / 2, HEIGHT / 2);
+    ASSERT_GT(water.z, 200);
+
+    physics::Simulation::GetInstancePtr()->EraseWater();
+    DrawFrame();
+    // The centre keeps the water of the last frame; a corner, never water, stays black.
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(WIDTH / 2, HEIGHT / 2), water, 4));
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(3, 3), {0, 0, 0, 0}));
+
+    // Without a fade colour nothing of the last frame remains.
+    m_app.m_fadeColor = math::Vec3(0, 0, 0);
+    DrawFrame();
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(WIDTH / 2, HEIGHT / 2), {0, 0, 0, 0}));
+    m_app.GetBackground().ResetToDefaults();
+}
