@@ -1,23 +1,30 @@
 #include "app/App.h"
 
+#include "app/AppGUI.h"
 #include "app/Camera.h"
 #include "app/Scene.h"
+#include "core/ProgramFiles.h"
+#include "gui/GUI.h"
+#include "input/Input.h"
 #include "logging/Log.h"
 #include "math/MatrixGL.h"
+#include "physics/Body.h"
+#include "physics/Contact.h"
+#include "physics/Particle.h"
+#include "physics/SPH.h"
 #include "physics/Simulation.h"
 #include "rendering/AttribPusher.h"
 #include "rendering/ColorPusher.h"
 #include "rendering/GLContext.h"
 #include "rendering/Renderer.h"
 #include "rendering/TextureManager.h"
+#include "script/Parser.h"
+#include "util/ColorUtil.h"
 #include "util/FileSystem.h"
 #include "util/Profiler.h"
 
-#include <SDL/SDL.h>
-
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 
 namespace app
 {
@@ -29,54 +36,62 @@ constexpr float CM_PER_INCH = 2.54f;
 constexpr float JOINT_SIZE_CM = 0.66667f;
 // Debug velocity lines show where a body would be in this many seconds.
 constexpr float VELOCITY_LINE_SECONDS = 0.025f;
+// A contact point turns from white to red at this age, in simulated seconds.
+constexpr double NEW_CONTACT_AGE = 0.5;
 // Everything glPushAttrib can save.
 constexpr GLbitfield ALL_ATTRIBUTES = 0xFFFFF;
-const char* const AUTOSAVE_SCENE = "_AUTOSAVE.qlx";
+// A new object's colour keeps at least this intensity and this distance (in RGB) from the sky.
+constexpr float MIN_ENTITY_INTENSITY = 0.05f;
+constexpr float MIN_SKY_DISTANCE = 0.1f;
 
-// INTERIM: the GUI's "scale" attribute (pixels per GUI unit) until the GUI manager is linked in.
-constexpr float GUI_SCALE = 1.0f;
-
-// INTERIM: the key state of the event pump until input::Input is linked in; SDL's own table serves.
-bool IsKeyDown(SDLKey key)
-{
-    if (!SDL_WasInit(SDL_INIT_VIDEO))
-        return false;
-    int count = 0;
-    const Uint8* keys = SDL_GetKeyState(&count);
-    return keys && int(key) < count && keys[key];
-}
+bool s_transparencyWarned = false;
 
 bool IsBlack(const math::Vec3& c)
 {
     return c.x == 0 && c.y == 0 && c.z == 0;
 }
+
+void Line(rendering::Renderer& renderer, const math::Vec2& from, const math::Vec2& vector)
+{
+    renderer.Vertex(from);
+    renderer.Vertex(from + vector);
+}
 } // namespace
 
 App::App()
-    : m_language(this, "language", util::String("English")), m_lineWidth(this, "lineWidth", 4.0f),
-      m_pointSize(this, "pointSize", 4.0f), m_drawOBBs(this, "drawOBBs", false),
-      m_drawMapOBBs(this, "drawMapOBBs", false), m_drawBCs(this, "drawBCs", false),
-      m_drawSelectionOBB(this, "drawSelectionOBB", false), m_drawVertices(this, "drawVertices", false),
-      m_drawCollisions(this, "drawCollisions", false), m_drawBodyCenters(this, "drawBodyCenters", false),
-      m_drawParticleCenters(this, "drawParticleCenters", false),
-      m_drawParticleNeighbors(this, "drawParticleNeighbors", false),
-      m_polyTCFactor(this, "polyTCFactor", math::Vec2(10, 10)),
-      m_selectColor(this, "selectColor", math::Vec3(1.0f, 0.5f, 0.5f)),
-      m_fadeColor(this, "fadeColor", math::Vec3(0, 0, 0)),
-      m_fadeScale(this, "fadeScale", math::Vec2(0.95f, 0.95f)),
-      m_fadeTranslate(this, "fadeTranslate", math::Vec2(0, 0)), m_fadeRotate(this, "fadeRotate", 0.0f),
-      m_minPointDist(this, "minPointDist", 0.2f), m_maxPointDist(this, "maxPointDist", 0.5f),
-      m_DPI(this, "DPI", 86.0f), m_maxSPHSpawn(this, "maxSPHSpawn", 10000),
-      m_waterElongation(this, "waterElongation", 0.05f),
-      m_waterMaxElongation(this, "waterMaxElongation", 2.0f), m_metaCutoff(this, "metaCutoff", 0.5f),
-      m_borderWidth(this, "borderWidth", 0.1f), m_maxUndo(this, "maxUndo", 25ul),
-      m_autosaveTime(this, "autosaveTime", 30.0f), m_chainDensityFactor(this, "chainDensityFactor", 20.0f),
-      m_dragToolStrength(this, "dragToolStrength", 0.25f),
-      m_waterColor(this, "waterColor", math::Vec4(0.1f, 0.1f, 1.0f, 0.7f)),
-      m_simpleWater(this, "simpleWater", false), m_waterFanceyFactor(this, "waterFanceyFactor", 10.0f),
-      m_borders(this, "borders", true)
+    : m_reflected(QLEX_NEW new script::Reflected("App")),
+      m_language(m_reflected.get(), "language", util::String("English")),
+      m_lineWidth(m_reflected.get(), "lineWidth", 4.0f), m_pointSize(m_reflected.get(), "pointSize", 4.0f),
+      m_drawOBBs(m_reflected.get(), "drawOBBs", false),
+      m_drawMapOBBs(m_reflected.get(), "drawMapOBBs", false), m_drawBCs(m_reflected.get(), "drawBCs", false),
+      m_drawSelectionOBB(m_reflected.get(), "drawSelectionOBB", false),
+      m_drawVertices(m_reflected.get(), "drawVertices", false),
+      m_drawCollisions(m_reflected.get(), "drawCollisions", false),
+      m_drawBodyCenters(m_reflected.get(), "drawBodyCenters", false),
+      m_drawParticleCenters(m_reflected.get(), "drawParticleCenters", false),
+      m_drawParticleNeighbors(m_reflected.get(), "drawParticleNeighbors", false),
+      m_polyTCFactor(m_reflected.get(), "polyTCFactor", math::Vec2(10, 10)),
+      m_selectColor(m_reflected.get(), "selectColor", math::Vec3(1.0f, 0.5f, 0.5f)),
+      m_fadeColor(m_reflected.get(), "fadeColor", math::Vec3(0, 0, 0)),
+      m_fadeScale(m_reflected.get(), "fadeScale", math::Vec2(0.95f, 0.95f)),
+      m_fadeTranslate(m_reflected.get(), "fadeTranslate", math::Vec2(0, 0)),
+      m_fadeRotate(m_reflected.get(), "fadeRotate", 0.0f),
+      m_minPointDist(m_reflected.get(), "minPointDist", 0.2f),
+      m_maxPointDist(m_reflected.get(), "maxPointDist", 0.5f), m_DPI(m_reflected.get(), "DPI", 86.0f),
+      m_maxSPHSpawn(m_reflected.get(), "maxSPHSpawn", 10000),
+      m_waterElongation(m_reflected.get(), "waterElongation", 0.05f),
+      m_waterMaxElongation(m_reflected.get(), "waterMaxElongation", 2.0f),
+      m_metaCutoff(m_reflected.get(), "metaCutoff", 0.5f),
+      m_borderWidth(m_reflected.get(), "borderWidth", 0.1f), m_maxUndo(m_reflected.get(), "maxUndo", 25ul),
+      m_autosaveTime(m_reflected.get(), "autosaveTime", 30.0f),
+      m_chainDensityFactor(m_reflected.get(), "chainDensityFactor", 20.0f),
+      m_dragToolStrength(m_reflected.get(), "dragToolStrength", 0.25f),
+      m_waterColor(m_reflected.get(), "waterColor", math::Vec4(0.1f, 0.1f, 1.0f, 0.7f)),
+      m_simpleWater(m_reflected.get(), "simpleWater", false),
+      m_waterFanceyFactor(m_reflected.get(), "waterFanceyFactor", 10.0f),
+      m_borders(m_reflected.get(), "borders", true)
 {
-    SetReflectedName("App");
+    SetFillOwner(true);
 
     m_frameTextureMentor = QLEX_NEW new util::Mentor<rendering::Texture>(&CreateBigTexture);
     m_waterTextureMentor = QLEX_NEW new util::Mentor<rendering::Texture>(&CreateBigTexture);
@@ -89,10 +104,22 @@ App::App()
 
     m_background = QLEX_NEW new Background();
     AddComponent(m_background);
+    m_reflected->AddReflectedChild(m_background->GetReflected());
+    m_appGUI = QLEX_NEW new AppGUI();
+    AddComponent(m_appGUI);
+    m_reflected->AddReflectedChild(m_appGUI->GetReflected());
     GetCamera().Reset();
 }
 
-App::~App() = default;
+App::~App()
+{
+    // Scripts that still hold "App" find no settings of a dead application.
+    if (!script::Parser::Exists())
+        return;
+    const script::ClosurePtr root = script::Parser::GetInstancePtr()->GetRootClosure();
+    if (root->GetVariableByObject(m_reflected.get()))
+        root->RemoveReflectedChild(m_reflected);
+}
 
 Camera& App::GetCamera() const
 {
@@ -103,19 +130,13 @@ void App::SyncViewSize()
 {
     GetCamera().SetViewSize(GetOuterSize());
     m_background->SetInnerSize(GetInnerSize());
+    m_appGUI->SetInnerSize(GetInnerSize());
 }
 
 void App::OnFormChange()
 {
     gui::Component::OnFormChange();
     SyncViewSize();
-}
-
-void App::OnOwnerFormChange()
-{
-    // The application fills its owner.
-    if (gui::Component* owner = GetOwner())
-        SetOuterSize(owner->GetInnerSize());
 }
 
 void App::Update(float dt)
@@ -127,19 +148,7 @@ void App::Update(float dt)
     }
     SyncViewSize();
     if (dt > 0)
-    {
-        float x = 0, y = 0;
-        if (IsKeyDown(SDLK_LEFT))
-            x -= 1;
-        if (IsKeyDown(SDLK_RIGHT))
-            x += 1;
-        if (IsKeyDown(SDLK_UP))
-            y -= 1;
-        if (IsKeyDown(SDLK_DOWN))
-            y += 1;
-        if (x != 0 || y != 0)
-            GetCamera().PanView(math::Vec2(dt * -KEY_PAN_SPEED * x, dt * -KEY_PAN_SPEED * y));
-    }
+        PanWithArrowKeys(dt);
     physics::Simulation::GetInstancePtr()->Update(dt);
     Scene::GetInstancePtr()->Update(dt);
     GetCamera().Update(dt);
@@ -150,18 +159,37 @@ void App::Update(float dt)
     QLEX_ASSERT(math::IsFinite(GetMousePos()));
 }
 
-void App::OnShutdown()
+void App::PanWithArrowKeys(float dt)
 {
-    // The autosaved scene goes only on an orderly end: after a crash the next start finds it first.
-    std::error_code error;
-    std::filesystem::remove(util::FileSystem::SceneDir() + AUTOSAVE_SCENE, error);
+    const input::Input& keys = *input::Input::GetInstancePtr();
+    float x = 0, y = 0;
+    if (keys.IsKeyDown(SDLK_LEFT))
+        x -= 1;
+    if (keys.IsKeyDown(SDLK_RIGHT))
+        x += 1;
+    if (keys.IsKeyDown(SDLK_UP))
+        y -= 1;
+    if (keys.IsKeyDown(SDLK_DOWN))
+        y += 1;
+    if (x != 0 || y != 0)
+        GetCamera().PanView(math::Vec2(dt * -KEY_PAN_SPEED * x, dt * -KEY_PAN_SPEED * y));
 }
 
-void App::CreateGUI() {}
+void App::OnShutdown()
+{
+    m_appGUI->SaveSceneAs(Scene_Last, true);
+    util::FileSystem::EraseFile(util::FileSystem::GetInstancePtr()->SceneDir() + Scene_Autosave);
+}
+
+void App::CreateGUI()
+{
+    m_appGUI->Rebuild();
+}
 
 void App::SetFirstTimeRunning()
 {
     m_firstTime = true;
+    m_appGUI->SetUpDefaults();
 }
 
 math::Vec2 App::GetMousePos() const
@@ -171,7 +199,7 @@ math::Vec2 App::GetMousePos() const
 
 float App::GetPixelSize() const
 {
-    return GetCamera().GUIToWorld()(0, 0) / GUI_SCALE;
+    return GetCamera().GUIToWorld()(0, 0) / gui::GUI::GetInstancePtr()->m_scale;
 }
 
 float App::GetScreenCM() const
@@ -197,6 +225,29 @@ float App::GetMinimumPointDist() const
 float App::GetMaximumPointDist() const
 {
     return GetScreenCM() * m_maxPointDist;
+}
+
+math::Vec3 App::RandomColor3()
+{
+    // The cube root spreads lightness evenly by volume; halving and mirroring keeps it off the extremes.
+    float lightness = std::pow(m_random.GetUniform(0.0f, 1.0f), 1.0f / 3.0f) * 0.5f;
+    if (m_random.GetUniformInt(0, 2) == 1)
+        lightness = 1.0f - lightness;
+    const math::Vec2 disc = m_random.GetPointInCircle(1.0f);
+    const float saturation = disc.Length();
+    const float hue = (disc.x == 0 && disc.y == 0) ? 0.0f : std::atan2(disc.y, disc.x) * 180.0f / math::PIf;
+    return util::HSL2RGB(hue, saturation, lightness);
+}
+
+math::Vec4 App::RandomEntityColor4()
+{
+    const math::Vec3 sky = m_background->GetSkyColor();
+    math::Vec3 color;
+    do
+    {
+        color = RandomColor3();
+    } while (util::RGBIntensity(color) < MIN_ENTITY_INTENSITY || (color - sky).Length() < MIN_SKY_DISTANCE);
+    return math::Vec4(color.x, color.y, color.z, 1.0f);
 }
 
 WorldBox App::CalcViewBox() const
@@ -231,6 +282,8 @@ void App::DrawComp() const
     gui::Component::DrawComp();
     const_cast<App*>(this)->SyncViewSize();
     rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    // The interface around this component sets GL's colour without the renderer.
+    renderer.InvalidateColor();
     const Camera& camera = GetCamera();
 
     {
@@ -312,7 +365,7 @@ void App::DrawWater(const std::vector<WaterParticle>& particles) const
     const math::Vec4 color = m_waterColor;
     if (!m_simpleWater)
     {
-        // Shaders are not part of the program yet: the fixed-function threshold draws the surface.
+        // No shader program draws the surface: the fixed-function alpha test thresholds the field.
         rendering::AttribPusher colorBits(GL_COLOR_BUFFER_BIT);
         glDisable(GL_BLEND);
         bool blendColorSet = false;
@@ -325,8 +378,10 @@ void App::DrawWater(const std::vector<WaterParticle>& particles) const
                 glBlendFunc(GL_CONSTANT_ALPHA, GL_ONE_MINUS_CONSTANT_ALPHA);
                 blendColorSet = true;
             }
-            else
+            else if (!s_transparencyWarned)
             {
+                // Once a run: every frame would bury the log.
+                s_transparencyWarned = true;
                 Log(logging::Warning,
                     "Water transparency not supported by your computer. Try switching on shaders "
                     "(anti-aliasing in the options menu), or upgrade your graphics drivers.");
@@ -346,7 +401,7 @@ void App::DrawWater(const std::vector<WaterParticle>& particles) const
         return;
     }
 
-    const float size = 2.0f * 2.0f * physics::SPH::GetInstancePtr()->GetRadius();
+    const float size = 2.0f * 2.0f * static_cast<float>(physics::SPH::GetInstancePtr()->m_radius);
     const WorldBox view = CalcViewBox();
     glPushMatrix();
     math::Mat4FromMat2D(GetCamera().WorldToGUI()).MultToGL();
@@ -380,7 +435,7 @@ void App::DrawMetaTex(const std::vector<WaterParticle>& particles) const
         math::Mat4FromMat2D(GetCamera().WorldToGUI()).MultToGL();
         {
             util::ScopeProfiler drawing("Drawing particles");
-            const float size = 2.0f * physics::SPH::GetInstancePtr()->GetRadius() * 4.0f;
+            const float size = 2.0f * static_cast<float>(physics::SPH::GetInstancePtr()->m_radius) * 4.0f;
             glBindTexture(GL_TEXTURE_2D, m_metaBallTexture->GetName());
             const float reach = size * 0.5f * m_waterMaxElongation;
             const std::vector<size_t> visible = CullParticles(particles, CalcViewBox(), reach * reach);
@@ -402,26 +457,99 @@ void App::DrawMetaTex(const std::vector<WaterParticle>& particles) const
 
 void App::DrawDebugOverlays(const std::vector<WaterParticle>& particles) const
 {
-    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
     glDisable(GL_TEXTURE_2D);
-    if (m_drawBodyCenters || m_drawParticleCenters)
+    if (m_drawBodyCenters)
+        DrawBodyCenters();
+    if (m_drawParticleCenters)
+        DrawParticleCenters(particles);
+    if (m_drawParticleNeighbors)
+        DrawParticleNeighbors();
+    if (m_drawCollisions)
+        DrawCollisions();
+}
+
+void App::DrawBodyCenters() const
+{
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    const physics::Simulation& sim = *physics::Simulation::GetInstancePtr();
+    std::vector<const physics::AbstractBody*> bodies;
+    for (const util::SharedPtr<physics::Body>& body : sim.GetBodies())
     {
-        // Bodies join these lines once the simulation's bodies are part of the program.
-        const bool asBodies = m_drawBodyCenters;
-        renderer.SetColor4(asBodies ? math::Vec4(0, 1, 0, 0.5f) : math::Vec4(1, 0, 0, 0.5f));
-        glBegin(GL_LINES);
-        for (const WaterParticle& p : particles)
-        {
-            renderer.Vertex(p.position);
-            renderer.Vertex(p.position + p.velocity * VELOCITY_LINE_SECONDS);
-        }
-        glEnd();
-        renderer.SetColor4(asBodies ? math::Vec4(0, 1, 0, 0.9f) : math::Vec4(1, 0, 0, 1));
-        glBegin(GL_POINTS);
-        for (const WaterParticle& p : particles)
-            renderer.Vertex(p.position);
-        glEnd();
+        if (!body->IsImmovable())
+            bodies.push_back(body.get());
     }
+    for (const util::SharedPtr<physics::Particle>& particle : sim.GetParticles())
+        bodies.push_back(particle.get());
+
+    renderer.SetColor4(0, 1, 0, 0.5f);
+    glBegin(GL_LINES);
+    for (const physics::AbstractBody* body : bodies)
+        Line(renderer, body->GetPosition(), body->GetVelocity() * VELOCITY_LINE_SECONDS);
+    glEnd();
+    renderer.SetColor4(0, 1, 0, 0.9f);
+    glBegin(GL_POINTS);
+    for (const physics::AbstractBody* body : bodies)
+        renderer.Vertex(body->GetPosition());
+    glEnd();
+}
+
+void App::DrawParticleCenters(const std::vector<WaterParticle>& particles) const
+{
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    renderer.SetColor4(1, 0, 0, 0.5f);
+    glBegin(GL_LINES);
+    for (const WaterParticle& p : particles)
+        Line(renderer, p.position, p.velocity * VELOCITY_LINE_SECONDS);
+    glEnd();
+    renderer.SetColor4(1, 0, 0, 1);
+    glBegin(GL_POINTS);
+    for (const WaterParticle& p : particles)
+        renderer.Vertex(p.position);
+    glEnd();
+}
+
+void App::DrawParticleNeighbors() const
+{
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    // A copy: drawing must not hold the simulation's own list.
+    const std::vector<util::SharedPtr<physics::Particle>> particles =
+        physics::Simulation::GetInstancePtr()->GetParticles();
+    renderer.SetColor4(0, 1, 0, 0.5f);
+    glBegin(GL_LINES);
+    for (const util::SharedPtr<physics::Particle>& p : particles)
+    {
+        for (const physics::Particle::Neighbor& neighbor : p->GetNeighbors())
+        {
+            if (neighbor.distance != 0)
+                Line(renderer, p->GetPosition(), neighbor.offset);
+        }
+    }
+    glEnd();
+}
+
+void App::DrawCollisions() const
+{
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    const double now = physics::GetSimTime();
+    glBegin(GL_LINES);
+    for (const util::SharedPtr<physics::Contact>& contact : m_contacts)
+    {
+        renderer.SetColor4(0.5f, 0, 0, 0.5f);
+        Line(renderer, contact->GetPoint(), contact->GetTotalImpulse());
+        renderer.SetColor4(0, 1, 0, 0.5f);
+        Line(renderer, contact->GetPoint(), contact->GetNormal() * contact->GetDepth());
+    }
+    glEnd();
+    glBegin(GL_POINTS);
+    for (const util::SharedPtr<physics::Contact>& contact : m_contacts)
+    {
+        if (now - contact->GetBirthTime() < NEW_CONTACT_AGE)
+            renderer.SetColor4(1, 1, 1, 1);
+        else
+            renderer.SetColor4(1, 0, 0, 1);
+        renderer.Vertex(contact->GetPoint());
+    }
+    glEnd();
 }
 
 } // namespace app

@@ -48,10 +48,11 @@ bool IsImageFile(const std::string& name)
 }
 
 Background::Background()
-    : m_skyColor(this, "skyColor", DEFAULT_SKY_COLOR),
-      m_cloudOpacity(this, "cloudOpacity", DEFAULT_CLOUD_OPACITY), m_drawClouds(this, "drawClouds", true)
+    : m_reflected(QLEX_NEW new script::Reflected("Background")),
+      m_skyColor(m_reflected.get(), "skyColor", DEFAULT_SKY_COLOR),
+      m_cloudOpacity(m_reflected.get(), "cloudOpacity", DEFAULT_CLOUD_OPACITY),
+      m_drawClouds(m_reflected.get(), "drawClouds", true)
 {
-    SetReflectedName("Background");
 }
 
 math::Vec3 Background::GetSkyColor() const
@@ -71,7 +72,7 @@ void Background::Init()
 {
     m_textures.clear();
     rendering::TextureManager& textures = *rendering::TextureManager::GetInstancePtr();
-    const std::string dir = util::FileSystem::TextureDir() + "background/";
+    const std::string dir = util::FileSystem::GetInstancePtr()->TextureDir() + "background/";
     std::vector<std::string> files = util::FileSystem::FilesInDir(dir, "*");
     // The directory's own order differs between machines; the sky should not.
     std::sort(files.begin(), files.end());
@@ -105,7 +106,7 @@ void Background::Update(float dt)
 {
     gui::Component::Update(dt);
     physics::Simulation& sim = *physics::Simulation::GetInstancePtr();
-    Advance(physics::GetSimTime(), sim.IsRunning());
+    Advance(physics::GetSimTime(), static_cast<bool>(sim.m_running));
 }
 
 void Background::Advance(double simTime, bool running)

@@ -59,10 +59,13 @@ public:
     void Wrap(const math::Vec2& center) const;
 
     const std::vector<Particle>& GetParticles() const { return m_particles; }
+    // "Background" of the scripts, with the three sky settings.
+    const util::SharedPtr<script::Reflected>& GetReflected() const { return m_reflected; }
     size_t GetTextureCount() const { return m_textures.size(); }
     math::Vec2 GetWrapSize() const { return m_wrapSize; }
 
 private:
+    util::SharedPtr<script::Reflected> m_reflected;
     script::AttribWrapper<math::Vec4> m_skyColor;
     script::AttribWrapper<float> m_cloudOpacity;
     script::AttribWrapper<bool> m_drawClouds;

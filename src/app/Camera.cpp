@@ -9,10 +9,9 @@ namespace app
 {
 
 Camera::Camera()
-    : m_panAttrib(this, "pan", this, &Camera::GetPan, &Camera::SetPan),
+    : script::Reflected("Camera"), m_panAttrib(this, "pan", this, &Camera::GetPan, &Camera::SetPan),
       m_zoomAttrib(this, "zoom", this, &Camera::GetZoom, &Camera::SetZoom)
 {
-    SetReflectedName("Camera");
 }
 
 void Camera::SetPan(const math::Vec2& pan)

@@ -11,10 +11,7 @@ namespace
 bool s_glLoaded = false;
 }
 
-// The shell owns the flag of the context and defines both functions with the window; these weak
-// definitions serve programs without the shell (the tests of rendering and the tools), and give way to
-// the shell's where it is linked.
-__attribute__((weak)) void GLHasLoaded()
+void GLHasLoaded()
 {
     s_glLoaded = true;
     // A new context starts with GL's default colour, whatever the shadow says.
@@ -22,7 +19,12 @@ __attribute__((weak)) void GLHasLoaded()
         rendering::Renderer::GetInstancePtr()->InvalidateColor();
 }
 
-__attribute__((weak)) bool HasGLLoaded()
+void GLHasUnloaded()
+{
+    s_glLoaded = false;
+}
+
+bool HasGLLoaded()
 {
     return s_glLoaded;
 }

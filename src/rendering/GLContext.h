@@ -5,8 +5,9 @@
 #include <GL/glu.h>
 
 // Whether a GL context exists. Set when the window is up; resources made before that are empty shells that
-// their mentors make again once it is.
+// their mentors make again once it is. The shell clears it when the window closes for good.
 void GLHasLoaded();
+void GLHasUnloaded();
 bool HasGLLoaded();
 
 // Turns a pending GL error into a message and an exception. Does nothing before the context exists.

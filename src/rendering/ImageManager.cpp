@@ -39,8 +39,8 @@ bool FindExtension(std::string& path)
 
 std::string ImageManager::GetFullPath(const std::string& name)
 {
-    for (const std::string& prefix :
-         {std::string(), util::FileSystem::TextureDir(), util::FileSystem::DataDir()})
+    for (const std::string& prefix : {std::string(), util::FileSystem::GetInstancePtr()->TextureDir(),
+                                      util::FileSystem::GetInstancePtr()->DataDir()})
     {
         std::string path = prefix + name;
         if (FindExtension(path))
@@ -59,7 +59,8 @@ std::vector<std::string> ImageManager::GetPathVariations(const std::string& path
     }
     const std::string bare = path.substr(0, path.size() - 4);
     std::vector<std::string> variations = {bare, path};
-    for (const std::string& dir : {util::FileSystem::TextureDir(), util::FileSystem::DataDir()})
+    for (const std::string& dir :
+         {util::FileSystem::GetInstancePtr()->TextureDir(), util::FileSystem::GetInstancePtr()->DataDir()})
     {
         if (!dir.empty() && StartsWithNoCase(path, dir))
         {

@@ -1,8 +1,14 @@
 #include "rendering/Renderer.h"
 
+#include "logging/Log.h"
 #include "rendering/GLContext.h"
+#include "util/FILEWrapper.h"
+#include "util/FileSystem.h"
 
 #include <cmath>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
 
 namespace rendering
 {
@@ -133,6 +139,62 @@ void Renderer::DrawFrame(math::TVector2<float> pos, math::TVector2<float> size, 
     for (const math::Vec2& v : FrameVertices(pos, size, thickness))
         glVertex2f(v.x, v.y);
     glEnd();
+}
+
+std::string Renderer::ScreenShotName(std::string prefix, const std::string& date)
+{
+    constexpr int MAX_COUNTER = 9999;
+    prefix += "_" + date + "_";
+    for (int i = 0; i <= MAX_COUNTER; ++i)
+    {
+        char counter[8];
+        std::snprintf(counter, sizeof counter, "%04d", i);
+        const std::string candidate = prefix + counter + ".tga";
+        if (!util::FileSystem::FileExists(candidate))
+            return candidate;
+    }
+    return "to_many_screenshots.tga";
+}
+
+std::array<unsigned char, 18> Renderer::TGAHeader(int width, int height)
+{
+    constexpr unsigned char UNCOMPRESSED_TRUE_COLOR = 2;
+    constexpr unsigned char BITS_PER_PIXEL = 24;
+    std::array<unsigned char, 18> header{};
+    header[2] = UNCOMPRESSED_TRUE_COLOR;
+    // Sizes are 16-bit little endian; the origin stays at the lower left, as GL reads the rows.
+    header[12] = static_cast<unsigned char>(width & 0xFF);
+    header[13] = static_cast<unsigned char>((width >> 8) & 0xFF);
+    header[14] = static_cast<unsigned char>(height & 0xFF);
+    header[15] = static_cast<unsigned char>((height >> 8) & 0xFF);
+    header[16] = BITS_PER_PIXEL;
+    return header;
+}
+
+void Renderer::ScreenShot(std::string prefix)
+{
+    char date[16];
+    const std::time_t now = std::time(nullptr);
+    std::strftime(date, sizeof date, "%y%m%d", std::localtime(&now));
+    // A fresh tree has no folder for the shots yet.
+    std::error_code ignored;
+    std::filesystem::create_directories(std::filesystem::path(prefix).parent_path(), ignored);
+    ScreenShotToFile(ScreenShotName(std::move(prefix), date));
+}
+
+void Renderer::ScreenShotToFile(const std::string& path)
+{
+    const math::TVector2<int> size = GetViewportSize();
+    m_screenShotBuffer.resize(size_t(size.x) * size_t(size.y) * 3);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(0, 0, size.x, size.y, GL_BGR, GL_UNSIGNED_BYTE, m_screenShotBuffer.data());
+
+    const std::array<unsigned char, 18> header = TGAHeader(size.x, size.y);
+    util::FILEWrapper file(path, "wb");
+    file.Write(header.data(), header.size());
+    file.Write(m_screenShotBuffer.data(), m_screenShotBuffer.size());
+    file.Close();
+    Log(logging::Info, "Screenshot saved to \"" + path + "\"");
 }
 
 } // namespace rendering

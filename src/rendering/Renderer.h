@@ -6,6 +6,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 namespace rendering
 {
@@ -54,6 +55,15 @@ public:
     // The outline of a rectangle, `thickness` wide, lying inside it.
     void DrawFrame(math::TVector2<float> pos, math::TVector2<float> size, float thickness);
 
+    // Saves the viewport as a TGA file named after the prefix, today's date and the first free counter.
+    void ScreenShot(std::string prefix);
+    void ScreenShotToFile(const std::string& path);
+    // The name ScreenShot takes: prefix + "_" + date ("%y%m%d") + "_" + a four-digit counter + ".tga", the
+    // first that doesn't exist; "to_many_screenshots.tga" when all of them do.
+    static std::string ScreenShotName(std::string prefix, const std::string& date);
+    // The 18-byte header of an uncompressed 24-bit TGA picture of that size.
+    static std::array<unsigned char, 18> TGAHeader(int width, int height);
+
     // The corners that the draw calls send, in their order.
     static Quad RectVertices(float x, float y, float w, float h, float s, float t);
     static Quad RectGUIVertices(float x, float y, float w, float h, float s, float t);
@@ -63,6 +73,8 @@ private:
     static void Emit(const Quad& quad);
 
     math::TVector4<float> m_color = math::TVector4<float>(1, 1, 1, 1);
+    // Kept from shot to shot: a screenshot shouldn't allocate a frame's worth each time.
+    std::vector<unsigned char> m_screenShotBuffer;
     bool m_colorValid = true;
 };
 

@@ -96,15 +96,15 @@ Texture::ImageType TextureManager::DefaultImageType()
 void TextureManager::Prefetch()
 {
     Traverse("");
-    PrefetchFiles(util::FileSystem::LanguageDir(),
-                  util::FileSystem::FilesInDir(util::FileSystem::LanguageDir(), "*"));
-    PrefetchFiles(util::FileSystem::FontsDir(),
-                  util::FileSystem::FilesInDir(util::FileSystem::FontsDir(), "*"));
+    PrefetchFiles(util::FileSystem::GetInstancePtr()->LanguageDir(),
+                  util::FileSystem::FilesInDir(util::FileSystem::GetInstancePtr()->LanguageDir(), "*"));
+    PrefetchFiles(util::FileSystem::GetInstancePtr()->FontsDir(),
+                  util::FileSystem::FilesInDir(util::FileSystem::GetInstancePtr()->FontsDir(), "*"));
 }
 
 void TextureManager::Traverse(const std::string& relativeDir)
 {
-    const std::string dir = util::FileSystem::TextureDir() + relativeDir;
+    const std::string dir = util::FileSystem::GetInstancePtr()->TextureDir() + relativeDir;
     PrefetchFiles(dir, util::FileSystem::FilesInDir(dir, "*"));
     for (const std::string& sub : util::FileSystem::DirsInDir(dir))
     {

@@ -2,6 +2,8 @@
 
 #include "app/App.h"
 #include "app/Camera.h"
+#include "gui/GUI.h"
+#include "physics/Particle.h"
 #include "physics/Simulation.h"
 #include "rendering/GLContext.h"
 #include "util/Mentor.h"
@@ -23,8 +25,12 @@ protected:
     {
         QLEX_OPEN_GL_WINDOW(s_window, WIDTH, HEIGHT);
         physics::Simulation::GetInstancePtr()->EraseWater();
-        physics::Simulation::GetInstancePtr()->SetRunning(false);
-        m_app.SetOuterSize(math::Vec2(WIDTH, HEIGHT));
+        physics::Simulation::GetInstancePtr()->m_running = false;
+        // In the interface's tree, as in the program: it fills the window.
+        gui::GUI* gui = gui::GUI::GetInstancePtr();
+        if (!gui->GetMainComponent()->HasComponent(app::App::GetInstancePtr()))
+            gui->GetMainComponent()->AddComponent(app::App::GetInstancePtr());
+        gui->OnNewWindowSize(WIDTH, HEIGHT);
         m_app.GetBackground().SetDrawClouds(false);
         m_app.GetCamera().Reset();
         m_app.GetCamera().SetZoom(100);
@@ -32,12 +38,11 @@ protected:
     }
     void TearDown() override { physics::Simulation::GetInstancePtr()->EraseWater(); }
 
-    // One frame as the GUI draws it: its projection, then the application's update and drawing.
+    // One frame as the program makes it: the interface's update, then its drawing.
     void DrawFrame()
     {
-        s_window.SetGUIProjection();
-        m_app.Update(0);
-        m_app.DrawCompAndChildren();
+        gui::GUI::GetInstancePtr()->Update(0);
+        gui::GUI::GetInstancePtr()->Draw();
         CheckForGLError();
     }
 
@@ -49,9 +54,8 @@ protected:
         {
             for (float x = min.x; x <= max.x; x += step)
             {
-                util::SharedPtr<physics::Particle> p = QLEX_NEW new physics::Particle();
-                p->SetPosition(math::Vec2(x, y));
-                physics::Simulation::GetInstancePtr()->AddParticle(p);
+                physics::Simulation::GetInstancePtr()->AddParticle(
+                    QLEX_NEW new physics::Particle(math::Vec2(x, y), math::Vec2(0, 0)));
             }
         }
     }
@@ -159,7 +163,7 @@ TEST_F(WorldDrawing, AResizedWindowKeepsDrawing)
         mentor->Unload();
     const int width = 400, height = 300;
     ASSERT_TRUE(s_window.Resize(width, height)) << s_window.GetError();
-    m_app.SetOuterSize(math::Vec2(float(width), float(height)));
+    gui::GUI::GetInstancePtr()->OnNewWindowSize(width, height);
     DrawFrame();
     const math::TVector2<int> inside = PixelOf(math::Vec2(0, 0.6f));
     EXPECT_EQ(inside.x, width / 2);

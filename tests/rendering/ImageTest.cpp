@@ -192,7 +192,7 @@ TEST_F(ImageFiles, UnreadableFileThrowsWithThePathAndTryLoadGivesNull)
 
 TEST(ImageManager, PathVariationsCoverTheNameWithAndWithoutExtensionAndFolder)
 {
-    const std::string dir = util::FileSystem::TextureDir();
+    const std::string dir = util::FileSystem::GetInstancePtr()->TextureDir();
     const std::vector<std::string> v = rendering::ImageManager::GetPathVariations(dir + "a/b.png");
     ASSERT_EQ(v.size(), 4u);
     EXPECT_EQ(v[0], dir + "a/b");
@@ -210,10 +210,11 @@ TEST(ImageManager, OneDecodedImageAnswersEverySpellingOfItsName)
     // The build stages our cloud pictures in the texture folder.
     rendering::ImageManager& manager = *rendering::ImageManager::GetInstancePtr();
     const rendering::ImageRGBA32Ptr byName = manager.Load("background/cloud0");
-    ASSERT_TRUE(byName) << "cloud0 is not staged below " << util::FileSystem::TextureDir();
+    ASSERT_TRUE(byName) << "cloud0 is not staged below " << util::FileSystem::GetInstancePtr()->TextureDir();
     EXPECT_EQ(manager.Load("background/cloud0.png"), byName);
-    EXPECT_EQ(manager.Load(util::FileSystem::TextureDir() + "background/cloud0"), byName);
-    EXPECT_EQ(manager.Load(util::FileSystem::TextureDir() + "background/cloud0.png"), byName);
+    EXPECT_EQ(manager.Load(util::FileSystem::GetInstancePtr()->TextureDir() + "background/cloud0"), byName);
+    EXPECT_EQ(manager.Load(util::FileSystem::GetInstancePtr()->TextureDir() + "background/cloud0.png"),
+              byName);
     EXPECT_TRUE(byName->HasAlpha());
     EXPECT_EQ(byName->GetWidth(), 128u);
 }
