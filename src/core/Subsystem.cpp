@@ -350,6 +350,11 @@ void Subsystem::CreateWindow(WindowParams params)
     m_currentParams = params;
 
     Log(logging::Debug, "Setting viewport");
+    // Software GL takes a new window size into its buffers at a swap: one swap of a cleared frame lets
+    // the first true frame cover the whole window.
+    glClearColor(0, 0, 0, 0);
+    glClear(GL_COLOR_BUFFER_BIT);
+    SDL_GL_SwapBuffers();
     glViewport(0, 0, GetWidth(), GetHeight());
     GLHasLoaded();
 
