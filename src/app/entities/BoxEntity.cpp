@@ -1,6 +1,7 @@
 #include "app/entities/BoxEntity.h"
 
 #include "app/App.h"
+#include "app/entities/AppLinks.h"
 #include "app/EntitySerializer.h"
 #include "app/entities/PolyEntity.h"
 #include "app/entities/ShapeGeometry.h"
@@ -59,7 +60,7 @@ void BoxEntity::Draw() const
             Color(m_color);
             DrawBox(inside);
         }
-        Color(app.GetBorderColor(this));
+        Color(links::BorderColor(this));
         DrawBox(half);
         glDisable(GL_DEPTH_TEST);
     }

@@ -1,6 +1,7 @@
 #include "app/entities/CircleEntity.h"
 
 #include "app/App.h"
+#include "app/entities/AppLinks.h"
 #include "app/EntitySerializer.h"
 #include "app/entities/PolyEntity.h"
 #include "app/entities/ShapeGeometry.h"
@@ -60,7 +61,7 @@ void CircleEntity::Draw() const
     glEnable(GL_DEPTH_TEST);
     Color(m_color);
     DrawCircle(showBorder ? r - bw : r, true);
-    Color(app.GetBorderColor(this));
+    Color(links::BorderColor(this));
     DrawCircle(r, false);
     glDisable(GL_DEPTH_TEST);
     glPopMatrix();

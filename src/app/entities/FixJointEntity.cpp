@@ -1,6 +1,7 @@
 #include "app/entities/FixJointEntity.h"
 
 #include "app/App.h"
+#include "app/entities/AppLinks.h"
 #include "app/Scene.h"
 #include "logging/Log.h"
 #include "physics/Plane.h"
@@ -40,10 +41,9 @@ FixJointEntity::FixJointEntity(float size) : JointEntity(size) {}
 
 void FixJointEntity::Draw() const
 {
-    const App& app = *App::GetInstancePtr();
     const math::Vec2 c = GetMidpoint();
     const float h = m_size / 2.0f;
-    const math::Vec4 border = app.GetBorderColor(this);
+    const math::Vec4 border = links::BorderColor(this);
     glColor4f(border.x, border.y, border.z, border.w);
     // Two crossing strokes: the gesture that makes a fixate.
     glBegin(GL_LINES);

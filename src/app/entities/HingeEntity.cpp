@@ -1,6 +1,7 @@
 #include "app/entities/HingeEntity.h"
 
 #include "app/App.h"
+#include "app/entities/AppLinks.h"
 #include "app/EntitySerializer.h"
 #include "physics/Simulation.h"
 
@@ -92,7 +93,7 @@ void HingeEntity::Update(float dt)
 void HingeEntity::Draw() const
 {
     const App& app = *App::GetInstancePtr();
-    Color(app.GetBorderColor(this));
+    Color(links::BorderColor(this));
     DrawDisc(GetMidpoint(), m_size / 2.0f);
     Color(m_color);
     DrawDisc(GetMidpoint(), m_size / 2.0f - app.GetObjectBorderWidth());

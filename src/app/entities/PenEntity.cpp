@@ -1,6 +1,7 @@
 #include "app/entities/PenEntity.h"
 
 #include "app/App.h"
+#include "app/entities/AppLinks.h"
 #include "app/EntitySerializer.h"
 #include "app/Scene.h"
 #include "physics/Polygon.h"
@@ -219,7 +220,6 @@ size_t PenEntity::FindBegin() const
 void PenEntity::Draw() const
 {
     const util::ScopeProfiler profile("Pen::Draw");
-    const App& app = *App::GetInstancePtr();
     if (m_tail.size() >= 2 && m_fadeTime > 0.0f)
     {
         const util::ScopeProfiler tail("Pen::DrawTail");
@@ -254,7 +254,7 @@ void PenEntity::Draw() const
     DrawDisc(pos, m_size / 2.0f);
     if (m_selectedLook || m_markedLook)
     {
-        const math::Vec4 border = app.GetBorderColor(this);
+        const math::Vec4 border = links::BorderColor(this);
         glColor4f(border.x, border.y, border.z, border.w);
         glBegin(GL_LINE_LOOP);
         for (int i = 0; i < HEAD_SEGMENTS; ++i)

@@ -1,6 +1,7 @@
 #include "app/entities/PlaneEntity.h"
 
 #include "app/App.h"
+#include "app/entities/AppLinks.h"
 #include "app/entities/ShapeGeometry.h"
 #include "physics/Linesegment.h"
 
@@ -59,7 +60,7 @@ void PlaneEntity::Draw() const
         glEnable(GL_DEPTH_TEST);
         Color(m_color);
         DrawPlaneSegment(corners, dists, -math::INF, -bw);
-        Color(app.GetBorderColor(this));
+        Color(links::BorderColor(this));
         DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
         glDisable(GL_DEPTH_TEST);
     }

@@ -1,6 +1,7 @@
 #include "app/entities/PolyEntity.h"
 
 #include "app/App.h"
+#include "app/entities/AppLinks.h"
 #include "app/EntitySerializer.h"
 #include "app/entities/ShapeGeometry.h"
 #include "logging/Log.h"
@@ -116,7 +117,7 @@ void PolyEntity::Draw() const
     {
         glEnable(GL_DEPTH_TEST);
         DrawFixedFunction(corners, m_color, PolygonInsideThreshold(bw, maxDist));
-        DrawFixedFunction(corners, app.GetBorderColor(this), 0.5f);
+        DrawFixedFunction(corners, links::BorderColor(this), 0.5f);
         glDisable(GL_DEPTH_TEST);
     }
     else
