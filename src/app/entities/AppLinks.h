@@ -19,7 +19,8 @@ template <class A, class = void> struct HasBorderColor : std::false_type
 {
 };
 template <class A>
-struct HasBorderColor<A, std::void_t<decltype(std::declval<const A&>().GetBorderColor((const Entity*)nullptr))>>
+struct HasBorderColor<A,
+                      std::void_t<decltype(std::declval<const A&>().GetBorderColor((const Entity*)nullptr))>>
     : std::true_type
 {
 };
@@ -27,16 +28,16 @@ template <class A, class = void> struct HasRandomEntityColor4 : std::false_type
 {
 };
 template <class A>
-struct HasRandomEntityColor4<A, std::void_t<decltype(std::declval<A&>().RandomEntityColor4())>> : std::true_type
+struct HasRandomEntityColor4<A, std::void_t<decltype(std::declval<A&>().RandomEntityColor4())>>
+    : std::true_type
 {
 };
 template <class A, class = void> struct HasMirrorMe : std::false_type
 {
 };
 template <class A>
-struct HasMirrorMe<A, std::void_t<decltype(std::declval<A&>().MirrorMe(std::declval<input::ButtonInput>(),
-                                                                          std::declval<EntityPtr>()))>>
-    : std::true_type
+struct HasMirrorMe<A, std::void_t<decltype(std::declval<A&>().MirrorMe(
+                          std::declval<input::ButtonInput>(), std::declval<EntityPtr>()))>> : std::true_type
 {
 };
 

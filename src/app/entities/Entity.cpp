@@ -1,13 +1,13 @@
 #include "app/entities/Entity.h"
 
 #include "app/App.h"
-#include "app/entities/AppLinks.h"
 #include "app/Chain.h"
 #include "app/EntitySerializer.h"
 #include "app/FileInfo.h"
 #include "app/Scene.h"
 #include "app/Snapshot.h"
 #include "app/Undoer.h"
+#include "app/entities/AppLinks.h"
 #include "logging/Log.h"
 
 #include <cmath>

@@ -29,12 +29,14 @@ FiniteGeomEntity::FiniteGeomEntity(GeomPtr geom)
       m_airFrictionMult(this, "airFrictionMult", geom->GetAirFrictionMult()),
       m_controllerAcc(this, "controllerAcc", DefaultControllerAcc()),
       m_controllerReverseXY(this, "controllerReverseXY", false),
-      m_controllerInvertX(this, "controllerInvertX", false), m_controllerInvertY(this, "controllerInvertY", false)
+      m_controllerInvertX(this, "controllerInvertX", false),
+      m_controllerInvertY(this, "controllerInvertY", false)
 {
     physics::Geom* g = m_geom.get();
     script::TAttrib<math::real>* density = &*m_density.GetAttrib();
     script::TAttrib<math::real>* air = &*m_airFrictionMult.GetAttrib();
-    m_density->AddChangeCallback(QLEX_NEW new util::Callback([g, density] { g->SetDensity(density->Get()); }, this));
+    m_density->AddChangeCallback(
+        QLEX_NEW new util::Callback([g, density] { g->SetDensity(density->Get()); }, this));
     m_airFrictionMult->AddChangeCallback(
         QLEX_NEW new util::Callback([g, air] { g->SetAirFrictionMult(air->Get()); }, this));
 }
@@ -116,8 +118,9 @@ std::vector<math::Vec2> FiniteGeomEntity::GetEquidistantPoints()
         for (int row = 0; row < grid; ++row)
             for (int col = 0; col < grid; ++col)
             {
-                math::Vec2 p = c + math::Vec2(2.0f * (col + 0.5f * (row % 2)) / grid - 1.0f,
-                                              2.0f * row / grid - 1.0f) * radius;
+                math::Vec2 p =
+                    c + math::Vec2(2.0f * (col + 0.5f * (row % 2)) / grid - 1.0f, 2.0f * row / grid - 1.0f) *
+                            radius;
                 const float d = m_geom->DistanceWorld(p);
                 if (d >= 0.0f)
                     continue;

@@ -2,11 +2,10 @@
 
 #include "app/App.h"
 #include "app/entities/AppLinks.h"
+#include "app/entities/DrawColor.h"
 #include "app/entities/ShapeGeometry.h"
 #include "physics/Linesegment.h"
-
-#include <GL/gl.h>
-#include <GL/glu.h>
+#include "rendering/GLContext.h"
 
 namespace app
 {
@@ -20,10 +19,6 @@ void DrawPlaneSegment(const math::Vec2 corners[4], const float dists[4], float l
     glEnd();
 }
 
-void Color(const math::Vec4& c)
-{
-    glColor4f(c.x, c.y, c.z, c.w);
-}
 } // namespace
 
 PlaneEntity::PlaneEntity(util::SharedPtr<physics::Plane> plane) : GeomEntity(plane), m_plane(plane) {}
@@ -41,7 +36,8 @@ void PlaneEntity::CalcVecsAndDist(math::Vec2 corners[4], float dists[4]) const
     for (int i = 0; i < 4; ++i)
     {
         GLdouble wx = 0, wy = 0, wz = 0;
-        gluUnProject(windowCorners[i][0], windowCorners[i][1], 0.0, model, projection, viewport, &wx, &wy, &wz);
+        gluUnProject(windowCorners[i][0], windowCorners[i][1], 0.0, model, projection, viewport, &wx, &wy,
+                     &wz);
         corners[i] = math::Vec2(float(wx), float(wy));
         dists[i] = m_plane->DistanceWorld(corners[i]);
     }
@@ -58,15 +54,15 @@ void PlaneEntity::Draw() const
     {
         const float bw = app.GetObjectBorderWidth();
         glEnable(GL_DEPTH_TEST);
-        Color(m_color);
+        SetDrawColor(m_color);
         DrawPlaneSegment(corners, dists, -math::INF, -bw);
-        Color(links::BorderColor(this));
+        SetDrawColor(links::BorderColor(this));
         DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
         glDisable(GL_DEPTH_TEST);
     }
     else
     {
-        Color(m_color);
+        SetDrawColor(m_color);
         DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
     }
 }
@@ -76,7 +72,7 @@ void PlaneEntity::DrawBlack() const
     math::Vec2 corners[4];
     float dists[4];
     CalcVecsAndDist(corners, dists);
-    glColor4f(0, 0, 0, 0);
+    SetDrawColor(math::Vec4(0, 0, 0, 0));
     DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
 }
 

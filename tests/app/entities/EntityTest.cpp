@@ -1,6 +1,6 @@
+#include "app/entities/Entity.h"
 #include "app/Chain.h"
 #include "app/EntitySerializer.h"
-#include "app/entities/Entity.h"
 #include "physics/Polygon.h"
 
 #include <gtest/gtest.h>

@@ -29,7 +29,8 @@ protected:
 
     static util::SharedPtr<app::BoxEntity> AddBox(math::Vec2 size, math::Vec2 pos)
     {
-        util::SharedPtr<app::BoxEntity> box = QLEX_NEW new app::BoxEntity(QLEX_NEW new physics::Box(size, pos));
+        util::SharedPtr<app::BoxEntity> box =
+            QLEX_NEW new app::BoxEntity(QLEX_NEW new physics::Box(size, pos));
         TheScene().AddEntity(box);
         return box;
     }
@@ -43,8 +44,8 @@ protected:
     // A floor through (0, height) facing up, on the world body as the plane tool leaves it.
     static util::SharedPtr<app::PlaneEntity> AddFloor(float height)
     {
-        util::SharedPtr<physics::Plane> plane =
-            QLEX_NEW new physics::Plane(math::Plane2D::FromPointNormal(math::Vec2(0, height), math::Vec2(0, 1)));
+        util::SharedPtr<physics::Plane> plane = QLEX_NEW new physics::Plane(
+            math::Plane2D::FromPointNormal(math::Vec2(0, height), math::Vec2(0, 1)));
         Sim().GetWorldBody()->AddGeom(plane);
         util::SharedPtr<app::PlaneEntity> entity = QLEX_NEW new app::PlaneEntity(plane);
         TheScene().AddEntity(entity);

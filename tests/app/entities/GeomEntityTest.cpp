@@ -170,7 +170,8 @@ TEST_F(GeomEntityTest, ErasureAndLassoFollowTheShape)
     util::SharedPtr<app::BoxEntity> box = AddBox(math::Vec2(1, 1), math::Vec2(0, 0));
     util::SharedPtr<app::CircleEntity> circle = AddCircle(0.5f, math::Vec2(3, 0));
     util::SharedPtr<app::PlaneEntity> floor = AddFloor(-2);
-    const std::vector<physics::Linesegment> through = {physics::Linesegment(math::Vec2(-1, 0), math::Vec2(4, 0))};
+    const std::vector<physics::Linesegment> through = {
+        physics::Linesegment(math::Vec2(-1, 0), math::Vec2(4, 0))};
     const std::vector<physics::Linesegment> endsInside = {
         physics::Linesegment(math::Vec2(-1, 0.1f), math::Vec2(0, 0.1f))};
     EXPECT_TRUE(box->ErasedBy(through));

@@ -157,7 +157,8 @@ TEST_F(JointEntityTest, HingeDiesWithItsShapeAndWhenItBreaks)
 {
     util::SharedPtr<app::BoxEntity> box = AddBox(math::Vec2(1, 1), math::Vec2(0, 0));
     util::SharedPtr<app::HingeEntity> hinge = QLEX_NEW new app::HingeEntity(JOINT_SIZE);
-    hinge->AttachToWorld(box->GetGeom(), math::Vec2(0.4f, 0.4f), Sim().GetWorldGeom(), math::Vec2(0.4f, 0.4f));
+    hinge->AttachToWorld(box->GetGeom(), math::Vec2(0.4f, 0.4f), Sim().GetWorldGeom(),
+                         math::Vec2(0.4f, 0.4f));
     TheScene().AddEntity(hinge);
     hinge->m_impulseLimit = 0.01f;
     Run(5);

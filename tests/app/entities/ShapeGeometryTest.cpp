@@ -110,7 +110,8 @@ TEST(ShapeGeometry, PolygonTextureHasItsOutlineAtOneHalf)
 {
     const physics::Polygon polygon(physics::testing::RegularPolygonPoints(math::Vec2(0, 0), 1.0f, 12));
     const float maxDist = app::PolygonMaxDist(polygon);
-    EXPECT_NEAR(maxDist, 0.04f * 2 * std::max(polygon.GetMapBox().halfExtent[0], polygon.GetMapBox().halfExtent[1]),
+    EXPECT_NEAR(maxDist,
+                0.04f * 2 * std::max(polygon.GetMapBox().halfExtent[0], polygon.GetMapBox().halfExtent[1]),
                 1e-6f);
     const std::vector<float> texels = app::PolygonDistanceTexture(polygon, maxDist);
     const util::Array2D<float>& map = polygon.GetDistanceMap();
@@ -132,8 +133,8 @@ TEST(ShapeGeometry, PolygonTextureHasItsOutlineAtOneHalf)
     app::PolygonMapCorners(polygon, corners);
     for (const math::Vec2& v : polygon.GetVertices())
         EXPECT_TRUE(polygon.GetMapBox().Contains(v));
-    EXPECT_NEAR(math::Distance(corners[0], corners[2]), 2 * polygon.GetMapBox().halfExtent[0] * std::sqrt(2.0f),
-                0.2f);
+    EXPECT_NEAR(math::Distance(corners[0], corners[2]),
+                2 * polygon.GetMapBox().halfExtent[0] * std::sqrt(2.0f), 0.2f);
     EXPECT_LT(app::PolygonInsideThreshold(0.01f, maxDist), 0.5f);
 }
 } // namespace

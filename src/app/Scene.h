@@ -1,27 +1,36 @@
 #pragma once
 
-// INTERIM STAND-IN for app::Scene, which the scene model builds: the entity list with its membership,
-// picking of geoms and the per-frame upkeep, as far as entities ask for them. The build uses this folder
-// only while src/app/Scene.h does not exist; delete it when it does.
+// The document as far as the drawing of the world and the entities need it: the camera, a reflected child
+// under the name "Camera", the entity list with its membership, picking of geoms, and the per-frame upkeep.
+// The full scene (groups, selection, depth order, its commands) takes the place of this class under the
+// same names.
 
+#include "app/Camera.h"
 #include "app/entities/Entity.h"
 #include "physics/Body.h"
+#include "script/Reflected.h"
+#include "util/SharedPtr.h"
 #include "util/Singleton.h"
 
 #include <vector>
 
 namespace app
 {
+
 class Scene : public script::Reflected, public util::Singleton<Scene>
 {
 public:
     Scene();
+    ~Scene() override;
 
+    const util::SharedPtr<Camera>& GetCamera() const { return m_camera; }
+    void Update(float dt);
+
+    // AddEntity ignores null and entities already held; RemoveEntity ignores strangers.
     void AddEntity(EntityPtr entity);
     void RemoveEntity(EntityPtr entity);
     bool HasEntity(const EntityPtr& entity) const;
     const std::vector<EntityPtr>& GetEntities() const { return m_entityList; }
-    void Update(float dt);
     void ClearScene();
 
     // The geoms of all live geometry entities, and the world geom.
@@ -32,7 +41,9 @@ public:
     util::SharedPtr<physics::Geom> GetGeomAt(math::Vec2 p, float maxDepth) const;
 
 private:
+    util::SharedPtr<Camera> m_camera;
     std::vector<EntityPtr> m_entityList;
     EntitySet m_entitySet;
 };
+
 } // namespace app

@@ -1,17 +1,35 @@
-// INTERIM STAND-IN: see Scene.h beside this file.
 #include "app/Scene.h"
 
 #include "app/entities/GeomEntity.h"
 #include "logging/Log.h"
 #include "physics/Simulation.h"
+#include "util/Profiler.h"
 
 #include <algorithm>
 
 namespace app
 {
-Scene::Scene()
+
+Scene::Scene() : script::Reflected("Scene"), m_camera(QLEX_NEW new Camera())
 {
-    SetReflectedName("Scene");
+    AddReflectedChild(m_camera);
+}
+
+Scene::~Scene() = default;
+
+void Scene::Update(float dt)
+{
+    util::ScopeProfiler profile("Scene::Update");
+    std::vector<EntityPtr> dead;
+    for (const EntityPtr& entity : std::vector<EntityPtr>(m_entityList))
+    {
+        if (!entity->IsAlive())
+            dead.push_back(entity);
+        else
+            entity->Update(dt);
+    }
+    for (const EntityPtr& entity : dead)
+        RemoveEntity(entity);
 }
 
 void Scene::AddEntity(EntityPtr entity)
@@ -37,27 +55,14 @@ void Scene::RemoveEntity(EntityPtr entity)
     }
     catch (std::exception& e)
     {
-        Log(logging::Warning, util::String("Exception caught when removing entity from simulation:") + e.what());
+        Log(logging::Warning,
+            util::String("Exception caught when removing entity from simulation:") + e.what());
     }
 }
 
 bool Scene::HasEntity(const EntityPtr& entity) const
 {
     return entity && m_entitySet.Contains(entity);
-}
-
-void Scene::Update(float dt)
-{
-    std::vector<EntityPtr> dead;
-    for (const EntityPtr& entity : std::vector<EntityPtr>(m_entityList))
-    {
-        if (!entity->IsAlive())
-            dead.push_back(entity);
-        else
-            entity->Update(dt);
-    }
-    for (const EntityPtr& entity : dead)
-        RemoveEntity(entity);
 }
 
 void Scene::ClearScene()
@@ -92,4 +97,5 @@ util::SharedPtr<physics::Geom> Scene::GetGeomAt(math::Vec2 p, float maxDepth) co
 {
     return GetGeomsAt(p, maxDepth).front();
 }
+
 } // namespace app
