@@ -2,8 +2,10 @@
 
 #include "app/App.h"
 #include "app/EntitySerializer.h"
+#include "app/Scene.h"
 #include "app/entities/AppLinks.h"
 #include "app/entities/DrawColor.h"
+#include "app/entities/JointEntity.h"
 #include "app/entities/PolyEntity.h"
 #include "app/entities/ShapeGeometry.h"
 #include "math/MatrixGL.h"
@@ -196,6 +198,52 @@ void CircleEntity::Deserialize(const EntitySerializer& serializer)
 {
     // The radius is the circle's from its making: the serializer builds the circle with it.
     FiniteGeomEntity::Deserialize(serializer);
+}
+
+util::SharedPtr<CircleEntity> TransformIntoCircle(util::SharedPtr<PolyEntity> polygon)
+{
+    QLEX_ASSERT(polygon);
+    Scene& scene = *Scene::GetInstancePtr();
+    const GeomPtr oldGeom = polygon->GetGeom();
+    const float radius = std::sqrt(oldGeom->Area() / math::PIf);
+    util::SharedPtr<physics::Circle> circle = QLEX_NEW new physics::Circle(oldGeom->GetPosition(), radius);
+    circle->SetWorldPose(oldGeom->GetPose());
+    circle->SetDensity(oldGeom->GetDensity());
+    circle->SetFriction(oldGeom->GetFriction());
+    circle->SetRestitution(oldGeom->GetRestitution());
+    util::SharedPtr<CircleEntity> entity = QLEX_NEW new CircleEntity(circle);
+    entity->SetColor(polygon->GetColor());
+    entity->m_zDepth = polygon->m_zDepth;
+
+    // The circle takes the polygon's place on its body, so glued shapes stay glued.
+    if (const util::SharedPtr<physics::Body> body = polygon->GetBody())
+    {
+        physics::Body::GeomSet geoms = body->GetGeoms();
+        geoms.erase(oldGeom);
+        geoms.insert(circle);
+        body->SetGeoms(geoms);
+    }
+    scene.AddEntity(entity);
+
+    for (const EntityPtr& e : std::vector<EntityPtr>(scene.GetEntities()))
+    {
+        JointEntity* joint = dynamic_cast<JointEntity*>(e.get());
+        if (!joint || (joint->m_geoms[0] != oldGeom && joint->m_geoms[1] != oldGeom))
+            continue;
+        // The anchors keep their local points, now on the circle.
+        const math::Vec2 local[2] = {joint->m_localPos[0], joint->m_localPos[1]};
+        const GeomPtr geoms[2] = {joint->m_geoms[0] == oldGeom ? GeomPtr(circle) : joint->m_geoms[0],
+                                  joint->m_geoms[1] == oldGeom ? GeomPtr(circle) : joint->m_geoms[1]};
+        joint->AttachToLocal(geoms[0], local[0], geoms[1], local[1]);
+        for (int i = 0; i < 2; ++i)
+            if (geoms[i] == GeomPtr(circle) && local[i].Length() > radius)
+            {
+                scene.RemoveEntity(e);
+                break;
+            }
+    }
+    scene.RemoveEntity(polygon);
+    return entity;
 }
 
 } // namespace app

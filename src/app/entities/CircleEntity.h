@@ -35,4 +35,11 @@ public:
     static util::SharedPtr<util::Mentor<rendering::Texture>> s_circleTexNoCake;
 };
 
+class PolyEntity;
+
+// Replaces a polygon of the scene by a circle of the same area at its place: same body, density, friction,
+// restitution, colour and depth. Joints on the polygon move to the circle; one whose anchor falls outside
+// the circle goes. Returns the circle.
+util::SharedPtr<CircleEntity> TransformIntoCircle(util::SharedPtr<PolyEntity> polygon);
+
 } // namespace app

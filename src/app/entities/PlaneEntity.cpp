@@ -1,6 +1,8 @@
 #include "app/entities/PlaneEntity.h"
 
 #include "app/App.h"
+#include "app/Camera.h"
+#include "app/Scene.h"
 #include "app/entities/AppLinks.h"
 #include "app/entities/DrawColor.h"
 #include "app/entities/ShapeGeometry.h"
@@ -25,20 +27,14 @@ PlaneEntity::PlaneEntity(util::SharedPtr<physics::Plane> plane) : GeomEntity(pla
 
 void PlaneEntity::CalcVecsAndDist(math::Vec2 corners[4], float dists[4]) const
 {
-    GLdouble model[16], projection[16];
-    GLint viewport[4];
-    glGetDoublev(GL_MODELVIEW_MATRIX, model);
-    glGetDoublev(GL_PROJECTION_MATRIX, projection);
-    glGetIntegerv(GL_VIEWPORT, viewport);
-    const double x0 = viewport[0], y0 = viewport[1];
-    const double x1 = x0 + viewport[2], y1 = y0 + viewport[3];
-    const double windowCorners[4][2] = {{x0, y0}, {x0, y1}, {x1, y1}, {x1, y0}};
+    const Camera& camera = *Scene::GetInstancePtr()->GetCamera();
+    const math::Vec2 size = camera.GetViewSize();
+    const math::Vec2 guiCorners[4] = {math::Vec2(0, 0), math::Vec2(0, size.y), size, math::Vec2(size.x, 0)};
+    // While a scale drag previews the plane elsewhere, the view is seen from the plane's own place.
+    const math::Mat3 unscale = math::Inverted(m_scaleTransform);
     for (int i = 0; i < 4; ++i)
     {
-        GLdouble wx = 0, wy = 0, wz = 0;
-        gluUnProject(windowCorners[i][0], windowCorners[i][1], 0.0, model, projection, viewport, &wx, &wy,
-                     &wz);
-        corners[i] = math::Vec2(float(wx), float(wy));
+        corners[i] = math::TransformCoordinate(unscale, camera.GUIToWorld(guiCorners[i]));
         dists[i] = m_plane->DistanceWorld(corners[i]);
     }
 }

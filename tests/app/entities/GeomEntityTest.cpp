@@ -210,3 +210,86 @@ TEST_F(GeomEntityTest, RecordWritesPoseSizeAndSharedBody)
     EXPECT_EQ(read->GetGeom()->GetPosition(), math::Vec2(3, 4));
 }
 } // namespace
+
+namespace
+{
+// A direction source that holds still at one direction.
+class FixedDir : public input::DirInput
+{
+public:
+    explicit FixedDir(math::Vec2 dir) : m_dir(dir) {}
+    math::TVector2<float> GetDir() const override { return m_dir; }
+    util::String Serialize() const override { return "fixed"; }
+
+private:
+    math::Vec2 m_dir;
+};
+
+TEST_F(GeomEntityTest, ControllerPushesTheBodyOncePerStepWithItsAxesSwappedAndInverted)
+{
+    Sim().m_gravitySwitch = false;
+    Sim().m_airSwitch = false;
+    util::SharedPtr<app::BoxEntity> box = AddBox(math::Vec2(1, 1), math::Vec2(0, 0));
+    box->m_forceController = QLEX_NEW new FixedDir(math::Vec2(1, 0));
+    box->m_controllerAcc = 2.0f;
+    EXPECT_EQ(box->CalcControllerForce(), math::Vec2(2.0f * box->GetGeom()->Mass(), 0));
+    Run(50);
+    // 2 m/s^2 for 49 steps of 0.01 s: a push given after a step acts in the next one.
+    EXPECT_NEAR(box->GetBody()->GetVelocity().x, 0.98f, 0.002f);
+    EXPECT_NEAR(box->GetBody()->GetVelocity().y, 0.0f, 1e-4f);
+
+    box->m_controllerReverseXY = true;
+    box->m_controllerInvertY = true;
+    EXPECT_EQ(box->CalcControllerForce(), math::Vec2(0, -2.0f * box->GetGeom()->Mass()));
+
+    // Frozen steps push nothing.
+    const math::Vec2 before = box->GetBody()->GetVelocity();
+    for (int i = 0; i < 10; ++i)
+        Sim().Step(false);
+    EXPECT_EQ(box->GetBody()->GetVelocity(), before);
+
+    // Out of the simulation, the step callback is gone with its adder.
+    TheScene().RemoveEntity(box);
+    EXPECT_FALSE(box->m_forceAdder);
+}
+
+TEST_F(GeomEntityTest, PolygonTurnsIntoACircleOfItsAreaOnItsBody)
+{
+    AddFloor(-5);
+    util::SharedPtr<app::PolyEntity> poly = QLEX_NEW new app::PolyEntity(
+        QLEX_NEW new physics::Polygon(physics::testing::RegularPolygonPoints(math::Vec2(1, 1), 0.5f, 5)));
+    TheScene().AddEntity(poly);
+    poly->m_density = 3.0f;
+    poly->m_friction = 0.7f;
+    poly->SetColor(math::Vec4(0.3f, 0.2f, 0.1f, 1));
+    util::SharedPtr<app::BoxEntity> glued = AddBox(math::Vec2(0.2f, 0.2f), math::Vec2(1.6f, 1));
+    poly->GetBody()->AddGeom(glued->GetGeom());
+
+    util::SharedPtr<app::CircleEntity> circle = app::TransformIntoCircle(poly);
+    EXPECT_FALSE(TheScene().HasEntity(poly));
+    EXPECT_TRUE(TheScene().HasEntity(circle));
+    EXPECT_NEAR(circle->GetGeom()->Area(), poly->GetGeom()->Area(), 1e-4f);
+    EXPECT_NEAR(math::Distance(circle->GetGeom()->GetPosition(), poly->GetGeom()->GetPosition()), 0.0f,
+                1e-5f);
+    EXPECT_FLOAT_EQ(circle->GetGeom()->GetDensity(), 3.0f);
+    EXPECT_FLOAT_EQ(circle->m_friction, 0.7f);
+    EXPECT_EQ(circle->GetColor(), poly->GetColor());
+    EXPECT_EQ(circle->GetBody(), glued->GetBody());
+    Run(1);
+    EXPECT_TRUE(circle->IsAlive() && glued->IsAlive());
+}
+
+TEST_F(GeomEntityTest, EnergyCountsMotionAndHeight)
+{
+    Sim().m_airSwitch = false;
+    util::SharedPtr<app::BoxEntity> box = AddBox(math::Vec2(1, 1), math::Vec2(0, 2));
+    const float m = box->GetGeom()->Mass();
+    const float g = Sim().GetGravity().Length();
+    EXPECT_NEAR(box->CalcEnergy(), m * g * 2.0f, 1e-3f * m);
+    // Falling turns height into motion: the sum stays.
+    const float before = box->CalcEnergy();
+    Run(30);
+    EXPECT_NEAR(box->CalcEnergy(), before, 0.01f * before);
+    EXPECT_LT(box->GetGeom()->GetPosition().y, 1.9f);
+}
+} // namespace
