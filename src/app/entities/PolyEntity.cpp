@@ -36,6 +36,19 @@ struct PolyEntity::RenderingResources
 namespace
 {
 bool s_toldTransparency = false;
+// Segments of the debug picture of a bounding circle.
+const int BC_SEGMENTS = 64;
+const math::Vec4 DEBUG_COLOR(0.2f, 0.2f, 0.5f, 0.5f);
+
+void DrawOutline(const math::OBB2D& box)
+{
+    math::Vec2 corners[4];
+    box.CalcCorners(corners);
+    glBegin(GL_LINE_LOOP);
+    for (const math::Vec2& c : corners)
+        glVertex2f(c.x, c.y);
+    glEnd();
+}
 
 void DrawMap(const math::Vec2 corners[4])
 {
@@ -114,6 +127,31 @@ void PolyEntity::LoadRenderingResources() const
     const_cast<PolyEntity*>(this)->m_resources = resources;
 }
 
+void PolyEntity::DrawDebugPictures(const App& app) const
+{
+    if (!app.m_drawOBBs && !app.m_drawMapOBBs && !app.m_drawBCs)
+        return;
+    SetDrawColor(DEBUG_COLOR);
+    if (app.m_drawOBBs)
+        DrawOutline(m_polygon->GetLocalOBB());
+    if (app.m_drawMapOBBs)
+        DrawOutline(m_polygon->GetMapBox());
+    if (app.m_drawBCs)
+    {
+        // In the polygon's frame: the world circle brought back through the pose.
+        const physics::BoundingCircle bc = m_polygon->GetBCWorld();
+        const math::Vec2 c = math::TransformCoordinate(m_geom->GetWorldToGeom(), bc.center);
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_ONE, GL_ONE);
+        glBegin(GL_TRIANGLE_FAN);
+        glVertex2f(c.x, c.y);
+        for (const math::Vec2& v : CalcVecs(BC_SEGMENTS))
+            glVertex2f(c.x + v.x * bc.radius, c.y + v.y * bc.radius);
+        glEnd();
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    }
+}
+
 void PolyEntity::Draw() const
 {
     LoadRenderingResources();
@@ -128,6 +166,7 @@ void PolyEntity::Draw() const
     glPushAttrib(GL_ALL_ATTRIB_BITS);
     glPushMatrix();
     m_geom->GetPose().MultToGL();
+    DrawDebugPictures(app);
     glDisable(GL_BLEND);
     m_resources->Bind();
     if (showBorder)
