@@ -2,12 +2,13 @@
 
 #include "app/App.h"
 #include "app/EntitySerializer.h"
+#include "app/entities/AppLinks.h"
+#include "app/entities/DrawColor.h"
 #include "app/entities/PolyEntity.h"
 #include "app/entities/ShapeGeometry.h"
 #include "math/MatrixGL.h"
 #include "physics/Polygon.h"
-
-#include <GL/gl.h>
+#include "rendering/GLContext.h"
 
 #include <cmath>
 
@@ -29,10 +30,6 @@ void DrawBox(math::Vec2 half)
     glEnd();
 }
 
-void Color(const math::Vec4& c)
-{
-    glColor4f(c.x, c.y, c.z, c.w);
-}
 } // namespace
 
 BoxEntity::BoxEntity(util::SharedPtr<physics::Box> box) : FiniteGeomEntity(box), m_box(box) {}
@@ -56,16 +53,16 @@ void BoxEntity::Draw() const
         glEnable(GL_DEPTH_TEST);
         if (BoxInside(half, app.GetObjectBorderWidth(), inside))
         {
-            Color(m_color);
+            SetDrawColor(m_color);
             DrawBox(inside);
         }
-        Color(app.GetBorderColor(this));
+        SetDrawColor(links::BorderColor(this));
         DrawBox(half);
         glDisable(GL_DEPTH_TEST);
     }
     else
     {
-        Color(m_color);
+        SetDrawColor(m_color);
         DrawBox(half);
     }
     glPopMatrix();
@@ -75,7 +72,7 @@ void BoxEntity::DrawBlack() const
 {
     glPushMatrix();
     m_geom->GetPose().MultToGL();
-    glColor4f(0, 0, 0, 0);
+    SetDrawColor(math::Vec4(0, 0, 0, 0));
     DrawBox(GetHalfSize());
     glPopMatrix();
 }

@@ -2,6 +2,8 @@
 
 #include "app/entities/FiniteGeomEntity.h"
 #include "physics/Circle.h"
+#include "rendering/Texture.h"
+#include "util/Mentor.h"
 
 namespace app
 {
@@ -24,7 +26,20 @@ public:
     // Whether the circle is too big on the screen for its texture, which would blur.
     static bool IsTooBigForTexture(float radius, float pixelSize);
 
+    // Makes the two textures of all circles: with the cake slice and without. Once.
+    static void LoadResources();
+
     util::SharedPtr<physics::Circle> m_circle;
+
+    static util::SharedPtr<util::Mentor<rendering::Texture>> s_circleTex;
+    static util::SharedPtr<util::Mentor<rendering::Texture>> s_circleTexNoCake;
 };
+
+class PolyEntity;
+
+// Replaces a polygon of the scene by a circle of the same area at its place: same body, density, friction,
+// restitution, colour and depth. Joints on the polygon move to the circle; one whose anchor falls outside
+// the circle goes. Returns the circle.
+util::SharedPtr<CircleEntity> TransformIntoCircle(util::SharedPtr<PolyEntity> polygon);
 
 } // namespace app

@@ -7,6 +7,7 @@
 #include "app/Scene.h"
 #include "app/Snapshot.h"
 #include "app/Undoer.h"
+#include "app/entities/AppLinks.h"
 #include "logging/Log.h"
 
 #include <cmath>
@@ -25,7 +26,7 @@ float LimitPrecision(float c)
 
 Entity::Entity() : m_id(s_idCounter++)
 {
-    SetColor(App::GetInstancePtr()->RandomEntityColor4());
+    SetColor(links::RandomEntityColor4());
     const util::WeakPtr<Entity> self(this);
     input::ButtonInput* destroy = &m_buttonDestroy;
     input::ButtonInput* mirror = &m_buttonMirror;
@@ -158,7 +159,7 @@ void MirrorByButton(input::ButtonInput* button, util::WeakPtr<Entity> entity)
     const EntityPtr self = entity.lock();
     if (!self || !button->IsBound() || !Scene::GetInstancePtr()->HasEntity(self))
         return;
-    App::GetInstancePtr()->MirrorMe(*button, self);
+    links::MirrorMe(*button, self);
 }
 
 } // namespace app

@@ -12,6 +12,11 @@ namespace app
 {
 namespace
 {
+// Refinement of the spawn grid: each try has this many times the cells along a side, up to a limit.
+const float GRID_REFINEMENT = 1.25f;
+const int MAX_GRID = 1024;
+const int MAX_GRID_REFINEMENTS = 16;
+
 // One more than gravity, so that a steered shape can lift itself.
 float DefaultControllerAcc()
 {
@@ -24,12 +29,14 @@ FiniteGeomEntity::FiniteGeomEntity(GeomPtr geom)
       m_airFrictionMult(this, "airFrictionMult", geom->GetAirFrictionMult()),
       m_controllerAcc(this, "controllerAcc", DefaultControllerAcc()),
       m_controllerReverseXY(this, "controllerReverseXY", false),
-      m_controllerInvertX(this, "controllerInvertX", false), m_controllerInvertY(this, "controllerInvertY", false)
+      m_controllerInvertX(this, "controllerInvertX", false),
+      m_controllerInvertY(this, "controllerInvertY", false)
 {
     physics::Geom* g = m_geom.get();
     script::TAttrib<math::real>* density = &*m_density.GetAttrib();
     script::TAttrib<math::real>* air = &*m_airFrictionMult.GetAttrib();
-    m_density->AddChangeCallback(QLEX_NEW new util::Callback([g, density] { g->SetDensity(density->Get()); }, this));
+    m_density->AddChangeCallback(
+        QLEX_NEW new util::Callback([g, density] { g->SetDensity(density->Get()); }, this));
     m_airFrictionMult->AddChangeCallback(
         QLEX_NEW new util::Callback([g, air] { g->SetAirFrictionMult(air->Get()); }, this));
 }
@@ -92,30 +99,50 @@ std::vector<math::Vec2> FiniteGeomEntity::GetEquidistantPoints()
     const float r = physics::SPH::GetInstancePtr()->m_radius;
     const float area = m_geom->Area();
     const int maxSpawn = std::max(1, int(App::GetInstancePtr()->m_maxSPHSpawn));
+    // One drop for each drop's area, so the water has the area of the shape.
     const int count = std::clamp(int(std::floor(area / (r * r * math::PIf) + 0.5f)), 1, maxSpawn);
+    if (count == 1)
+        return {m_geom->GetPosition()};
     const physics::BoundingCircle bc = m_geom->GetBCWorld();
     const math::Vec2 c = bc.center;
     const float radius = bc.radius;
-    // A grid over the bounding circle's square with about `count` of its cells inside the shape; odd rows
-    // are shifted by half a cell, so the drops pack like a honeycomb.
-    const int grid = std::max(1, int(std::floor(std::sqrt(count * (radius * radius * math::PIf / area)) + 0.5f)));
 
+    // A grid over the bounding circle's square, odd rows shifted by half a cell so that the drops pack
+    // like a honeycomb. It starts with `count` cells over the shape's share of the square, and is made finer
+    // until enough of its points lie inside.
+    int grid = std::max(1, int(std::floor(std::sqrt(count * (4.0f * radius * radius / area)) + 0.5f)));
     std::vector<math::Vec2> points;
-    for (int row = 0; row < grid; ++row)
-        for (int col = 0; col < grid && int(points.size()) < count + 1; ++col)
-        {
-            math::Vec2 p = c + math::Vec2(2.0f * (col + 0.5f * (row % 2)) / grid - 1.0f, 2.0f * row / grid - 1.0f) *
-                                   radius;
-            const float d = m_geom->DistanceWorld(p);
-            if (d >= 0.0f)
-                continue;
-            // A drop at the rim would stick out: it moves in until it fits.
-            if (d > -r)
-                p -= m_geom->NormalWorld(p) * (std::fabs(r) - std::fabs(d));
-            points.push_back(p);
-        }
+    for (int attempt = 0; attempt < MAX_GRID_REFINEMENTS; ++attempt)
+    {
+        points.clear();
+        for (int row = 0; row < grid; ++row)
+            for (int col = 0; col < grid; ++col)
+            {
+                math::Vec2 p =
+                    c + math::Vec2(2.0f * (col + 0.5f * (row % 2)) / grid - 1.0f, 2.0f * row / grid - 1.0f) *
+                            radius;
+                const float d = m_geom->DistanceWorld(p);
+                if (d >= 0.0f)
+                    continue;
+                // A drop at the rim would stick out: it moves in until it fits.
+                if (d > -r)
+                    p -= m_geom->NormalWorld(p) * (std::fabs(r) - std::fabs(d));
+                points.push_back(p);
+            }
+        if (int(points.size()) >= count || grid >= MAX_GRID)
+            break;
+        grid = std::min(MAX_GRID, int(std::ceil(grid * GRID_REFINEMENT)));
+    }
     if (points.empty())
-        points.push_back(m_geom->GetPosition());
+        return {m_geom->GetPosition()};
+    // Thinned evenly to the count.
+    if (int(points.size()) > count)
+    {
+        std::vector<math::Vec2> thinned;
+        for (int i = 0; i < count; ++i)
+            thinned.push_back(points[size_t(i) * points.size() / count]);
+        points.swap(thinned);
+    }
     return points;
 }
 

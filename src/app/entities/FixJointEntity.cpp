@@ -2,11 +2,12 @@
 
 #include "app/App.h"
 #include "app/Scene.h"
+#include "app/entities/AppLinks.h"
+#include "app/entities/DrawColor.h"
 #include "logging/Log.h"
 #include "physics/Plane.h"
 #include "physics/Simulation.h"
-
-#include <GL/gl.h>
+#include "rendering/GLContext.h"
 
 #include <vector>
 
@@ -40,11 +41,10 @@ FixJointEntity::FixJointEntity(float size) : JointEntity(size) {}
 
 void FixJointEntity::Draw() const
 {
-    const App& app = *App::GetInstancePtr();
     const math::Vec2 c = GetMidpoint();
     const float h = m_size / 2.0f;
-    const math::Vec4 border = app.GetBorderColor(this);
-    glColor4f(border.x, border.y, border.z, border.w);
+    const math::Vec4 border = links::BorderColor(this);
+    SetDrawColor(border);
     // Two crossing strokes: the gesture that makes a fixate.
     glBegin(GL_LINES);
     glVertex2f(c.x - h, c.y - h);

@@ -21,8 +21,8 @@ void Forward(script::AttribWrapper<T>& attribute, physics::Geom* geom, Entity* o
 
 GeomEntity::GeomEntity(GeomPtr geom)
     : m_geom(geom), m_friction(this, "friction", geom->GetFriction()),
-      m_restitution(this, "restitution", geom->GetRestitution()),
-      m_collideWater(this, "collideWater", true), m_heteroCollide(this, "heteroCollide", false),
+      m_restitution(this, "restitution", geom->GetRestitution()), m_collideWater(this, "collideWater", true),
+      m_heteroCollide(this, "heteroCollide", false),
       m_collideSet(this, "collideSet",
                    geom->GetKind() == physics::Geom::Kind::Plane ? COLLIDE_ALL : COLLIDE_DEFAULT_GROUP)
 {

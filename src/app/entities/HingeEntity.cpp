@@ -2,9 +2,10 @@
 
 #include "app/App.h"
 #include "app/EntitySerializer.h"
+#include "app/entities/AppLinks.h"
+#include "app/entities/DrawColor.h"
 #include "physics/Simulation.h"
-
-#include <GL/gl.h>
+#include "rendering/GLContext.h"
 
 #include <cmath>
 
@@ -32,10 +33,6 @@ void DrawDisc(math::Vec2 c, float r)
     glEnd();
 }
 
-void Color(const math::Vec4& c)
-{
-    glColor4f(c.x, c.y, c.z, c.w);
-}
 } // namespace
 
 HingeEntity::HingeEntity(float size)
@@ -92,9 +89,9 @@ void HingeEntity::Update(float dt)
 void HingeEntity::Draw() const
 {
     const App& app = *App::GetInstancePtr();
-    Color(app.GetBorderColor(this));
+    SetDrawColor(links::BorderColor(this));
     DrawDisc(GetMidpoint(), m_size / 2.0f);
-    Color(m_color);
+    SetDrawColor(m_color);
     DrawDisc(GetMidpoint(), m_size / 2.0f - app.GetObjectBorderWidth());
 }
 
@@ -199,7 +196,8 @@ void HingeEntity::CopyFrom(const Entity* source)
 
 JointEntityPtr HingeEntity::Clone() const
 {
-    util::SharedPtr<HingeEntity> clone = QLEX_NEW new HingeEntity(App::GetInstancePtr()->GetDefaultJointSize());
+    util::SharedPtr<HingeEntity> clone =
+        QLEX_NEW new HingeEntity(App::GetInstancePtr()->GetDefaultJointSize());
     clone->CopyFrom(this);
     return clone;
 }

@@ -3,11 +3,12 @@
 #include "app/App.h"
 #include "app/EntitySerializer.h"
 #include "app/Scene.h"
+#include "app/entities/AppLinks.h"
+#include "app/entities/DrawColor.h"
 #include "physics/Polygon.h"
 #include "physics/Simulation.h"
+#include "rendering/GLContext.h"
 #include "util/Profiler.h"
-
-#include <GL/gl.h>
 
 #include <cmath>
 #include <limits>
@@ -51,7 +52,8 @@ PenEntity::PenEntity(float size)
     : m_size(this, "size", size), m_fadeTime(this, "fadeTime", 10.0f),
       m_time(physics::Simulation::GetInstancePtr()->GetSimulatedTime())
 {
-    physics::Simulation::GetInstancePtr()->AddStepCallback(util::MakeCallbackArg<float>(&PenEntity::OnSimUpdate, this));
+    physics::Simulation::GetInstancePtr()->AddStepCallback(
+        util::MakeCallbackArg<float>(&PenEntity::OnSimUpdate, this));
 }
 
 void PenEntity::Update(float) {}
@@ -187,7 +189,8 @@ void PenEntity::OnSimUpdate(float)
     // Slow motion doesn't fill the tail: the head element is replaced until the path has gone far enough.
     if (m_tail.size() > 1)
     {
-        const float minDist = std::min(MIN_TAIL_STEP * App::GetInstancePtr()->GetScreenCM(), MIN_TAIL_STEP * m_size);
+        const float minDist =
+            std::min(MIN_TAIL_STEP * App::GetInstancePtr()->GetScreenCM(), MIN_TAIL_STEP * m_size);
         if (math::Distance(m_tail[m_tail.size() - 1].position, m_tail[m_tail.size() - 2].position) < minDist)
             m_tail.pop_back();
     }
@@ -219,7 +222,6 @@ size_t PenEntity::FindBegin() const
 void PenEntity::Draw() const
 {
     const util::ScopeProfiler profile("Pen::Draw");
-    const App& app = *App::GetInstancePtr();
     if (m_tail.size() >= 2 && m_fadeTime > 0.0f)
     {
         const util::ScopeProfiler tail("Pen::DrawTail");
@@ -229,8 +231,9 @@ void PenEntity::Draw() const
         if (HasScaleTransform())
         {
             const math::Mat3 inverse = math::Inverted(m_scaleTransform);
-            const float m[16] = {inverse(0, 0), inverse(1, 0), 0, 0, inverse(0, 1), inverse(1, 1), 0, 0,
-                                 0,             0,             1, 0, inverse(0, 2), inverse(1, 2), 0, 1};
+            const float m[16] = {
+                inverse(0, 0), inverse(1, 0), 0, 0, inverse(0, 1), inverse(1, 1), 0, 0, 0, 0, 1, 0,
+                inverse(0, 2), inverse(1, 2), 0, 1};
             glMultMatrixf(m);
             w *= std::sqrt(std::fabs(m_scaleTransform(0, 0) * m_scaleTransform(1, 1)));
         }
@@ -240,7 +243,7 @@ void PenEntity::Draw() const
         {
             const TailElem& e = m_tail[i];
             const float a = 1.0f - float(m_time - e.time) / m_fadeTime;
-            glColor4f(m_color.x, m_color.y, m_color.z, m_color.w * a);
+            SetDrawColor(math::Vec4(m_color.x, m_color.y, m_color.z, m_color.w * a));
             const math::Vec2 p0 = e.position - e.normal * half;
             const math::Vec2 p1 = e.position + e.normal * half;
             glVertex2f(p0.x, p0.y);
@@ -250,17 +253,18 @@ void PenEntity::Draw() const
         glPopMatrix();
     }
     const math::Vec2 pos = GetPos();
-    glColor4f(m_color.x, m_color.y, m_color.z, m_color.w);
+    SetDrawColor(m_color);
     DrawDisc(pos, m_size / 2.0f);
     if (m_selectedLook || m_markedLook)
     {
-        const math::Vec4 border = app.GetBorderColor(this);
-        glColor4f(border.x, border.y, border.z, border.w);
+        const math::Vec4 border = links::BorderColor(this);
+        SetDrawColor(border);
         glBegin(GL_LINE_LOOP);
         for (int i = 0; i < HEAD_SEGMENTS; ++i)
         {
             const float t = 2.0f * math::PIf * i / HEAD_SEGMENTS;
-            glVertex2f(pos.x + RING_SCALE * m_size / 2.0f * std::cos(t), pos.y + RING_SCALE * m_size / 2.0f * std::sin(t));
+            glVertex2f(pos.x + RING_SCALE * m_size / 2.0f * std::cos(t),
+                       pos.y + RING_SCALE * m_size / 2.0f * std::sin(t));
         }
         glEnd();
     }

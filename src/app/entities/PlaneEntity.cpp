@@ -1,11 +1,13 @@
 #include "app/entities/PlaneEntity.h"
 
 #include "app/App.h"
+#include "app/Camera.h"
+#include "app/Scene.h"
+#include "app/entities/AppLinks.h"
+#include "app/entities/DrawColor.h"
 #include "app/entities/ShapeGeometry.h"
 #include "physics/Linesegment.h"
-
-#include <GL/gl.h>
-#include <GL/glu.h>
+#include "rendering/GLContext.h"
 
 namespace app
 {
@@ -19,29 +21,20 @@ void DrawPlaneSegment(const math::Vec2 corners[4], const float dists[4], float l
     glEnd();
 }
 
-void Color(const math::Vec4& c)
-{
-    glColor4f(c.x, c.y, c.z, c.w);
-}
 } // namespace
 
 PlaneEntity::PlaneEntity(util::SharedPtr<physics::Plane> plane) : GeomEntity(plane), m_plane(plane) {}
 
 void PlaneEntity::CalcVecsAndDist(math::Vec2 corners[4], float dists[4]) const
 {
-    GLdouble model[16], projection[16];
-    GLint viewport[4];
-    glGetDoublev(GL_MODELVIEW_MATRIX, model);
-    glGetDoublev(GL_PROJECTION_MATRIX, projection);
-    glGetIntegerv(GL_VIEWPORT, viewport);
-    const double x0 = viewport[0], y0 = viewport[1];
-    const double x1 = x0 + viewport[2], y1 = y0 + viewport[3];
-    const double windowCorners[4][2] = {{x0, y0}, {x0, y1}, {x1, y1}, {x1, y0}};
+    const Camera& camera = *Scene::GetInstancePtr()->GetCamera();
+    const math::Vec2 size = camera.GetViewSize();
+    const math::Vec2 guiCorners[4] = {math::Vec2(0, 0), math::Vec2(0, size.y), size, math::Vec2(size.x, 0)};
+    // While a scale drag previews the plane elsewhere, the view is seen from the plane's own place.
+    const math::Mat3 unscale = math::Inverted(m_scaleTransform);
     for (int i = 0; i < 4; ++i)
     {
-        GLdouble wx = 0, wy = 0, wz = 0;
-        gluUnProject(windowCorners[i][0], windowCorners[i][1], 0.0, model, projection, viewport, &wx, &wy, &wz);
-        corners[i] = math::Vec2(float(wx), float(wy));
+        corners[i] = math::TransformCoordinate(unscale, camera.GUIToWorld(guiCorners[i]));
         dists[i] = m_plane->DistanceWorld(corners[i]);
     }
 }
@@ -57,15 +50,15 @@ void PlaneEntity::Draw() const
     {
         const float bw = app.GetObjectBorderWidth();
         glEnable(GL_DEPTH_TEST);
-        Color(m_color);
+        SetDrawColor(m_color);
         DrawPlaneSegment(corners, dists, -math::INF, -bw);
-        Color(app.GetBorderColor(this));
+        SetDrawColor(links::BorderColor(this));
         DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
         glDisable(GL_DEPTH_TEST);
     }
     else
     {
-        Color(m_color);
+        SetDrawColor(m_color);
         DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
     }
 }
@@ -75,7 +68,7 @@ void PlaneEntity::DrawBlack() const
     math::Vec2 corners[4];
     float dists[4];
     CalcVecsAndDist(corners, dists);
-    glColor4f(0, 0, 0, 0);
+    SetDrawColor(math::Vec4(0, 0, 0, 0));
     DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
 }
 

@@ -19,8 +19,7 @@ public:
     GeomEntityPtr Clone() const override;
     GeomEntityPtr ScaledClone(math::Vec2 scale) const override;
 
-    // The corners of the view in world coordinates, from the GL matrices in force, and the plane's
-    // signed distance at each.
+    // The corners of the view in world coordinates, from the camera, and the plane's signed distance at each.
     void CalcVecsAndDist(math::Vec2 corners[4], float dists[4]) const;
 
     util::SharedPtr<physics::Plane> m_plane;

@@ -2,43 +2,31 @@
 
 #include "app/App.h"
 #include "app/EntitySerializer.h"
+#include "app/entities/AppLinks.h"
+#include "app/entities/DrawColor.h"
 #include "app/entities/ShapeGeometry.h"
 #include "logging/Log.h"
 #include "math/MatrixGL.h"
-
-#include <GL/gl.h>
+#include "rendering/GLContext.h"
+#include "rendering/Image.h"
+#include "rendering/TextureManager.h"
 
 #include <cmath>
 
 namespace app
 {
-// The distance texture of one polygon. GL objects die with the window, so the texture is made again
-// whenever GL no longer knows it.
+// The distance texture of one polygon, in the texture manager, which makes it again after a window change.
 struct PolyEntity::RenderingResources
 {
-    std::vector<float> texels;
-    int width = 0;
-    int height = 0;
     float maxDist = 0;
-    GLuint texture = 0;
+    rendering::TextureProxy texture;
 
-    void Bind()
+    void Bind() const
     {
-        if (texture == 0 || !glIsTexture(texture))
-        {
-            glGenTextures(1, &texture);
-            glBindTexture(GL_TEXTURE_2D, texture);
-            glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-            glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-            glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-            glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-            glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-            glTexImage2D(GL_TEXTURE_2D, 0, GL_ALPHA, width, height, 0, GL_ALPHA, GL_FLOAT, texels.data());
-        }
-        glBindTexture(GL_TEXTURE_2D, texture);
+        glBindTexture(GL_TEXTURE_2D, texture->GetName());
         glEnable(GL_TEXTURE_2D);
     }
-    void Unbind()
+    void Unbind() const
     {
         glDisable(GL_TEXTURE_2D);
         glBindTexture(GL_TEXTURE_2D, 0);
@@ -47,6 +35,21 @@ struct PolyEntity::RenderingResources
 
 namespace
 {
+bool s_toldTransparency = false;
+// Segments of the debug picture of a bounding circle.
+const int BC_SEGMENTS = 64;
+const math::Vec4 DEBUG_COLOR(0.2f, 0.2f, 0.5f, 0.5f);
+
+void DrawOutline(const math::OBB2D& box)
+{
+    math::Vec2 corners[4];
+    box.CalcCorners(corners);
+    glBegin(GL_LINE_LOOP);
+    for (const math::Vec2& c : corners)
+        glVertex2f(c.x, c.y);
+    glEnd();
+}
+
 void DrawMap(const math::Vec2 corners[4])
 {
     const float texCoords[4][2] = {{1, 1}, {1, 0}, {0, 0}, {0, 1}};
@@ -62,18 +65,39 @@ void DrawMap(const math::Vec2 corners[4])
 // An alpha test against the distance texture cuts the shape out: texels at or below the threshold stay.
 void DrawFixedFunction(const math::Vec2 corners[4], const math::Vec4& color, float threshold)
 {
-    glColor4f(color.x, color.y, color.z, 1.0f);
+    SetDrawColor(math::Vec4(color.x, color.y, color.z, 1.0f));
+    // The texture's alpha goes to the alpha test, so the colour's own alpha needs the constant blend colour.
     if (color.w < 1.0f)
-        Log(logging::Error, "Polygon transparency not supported by your computer. Try switching on shaders "
-                            "(anti-aliasing in the options menu), or upgrade your graphics drivers.");
+    {
+        if (rendering::HasBlendColor())
+        {
+            glBlendColor(1, 1, 1, color.w);
+            glEnable(GL_BLEND);
+            glBlendFunc(GL_CONSTANT_ALPHA, GL_ONE_MINUS_CONSTANT_ALPHA);
+        }
+        else if (!s_toldTransparency)
+        {
+            // Once: the same picture comes every frame.
+            s_toldTransparency = true;
+            Log(logging::Error,
+                "Polygon transparency not supported by your computer. Try switching on shaders "
+                "(anti-aliasing in the options menu), or upgrade your graphics drivers.");
+        }
+    }
     glEnable(GL_ALPHA_TEST);
     glAlphaFunc(GL_LEQUAL, threshold);
     DrawMap(corners);
     glDisable(GL_ALPHA_TEST);
+    if (color.w < 1.0f && rendering::HasBlendColor())
+    {
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+        glBlendColor(1, 1, 1, 1);
+    }
 }
 } // namespace
 
-PolyEntity::PolyEntity(util::SharedPtr<physics::Polygon> polygon) : FiniteGeomEntity(polygon), m_polygon(polygon)
+PolyEntity::PolyEntity(util::SharedPtr<physics::Polygon> polygon)
+    : FiniteGeomEntity(polygon), m_polygon(polygon)
 {
 }
 
@@ -90,10 +114,42 @@ void PolyEntity::LoadRenderingResources() const
         return;
     auto resources = std::make_shared<RenderingResources>();
     resources->maxDist = PolygonMaxDist(*m_polygon);
-    resources->texels = PolygonDistanceTexture(*m_polygon, resources->maxDist);
-    resources->width = int(m_polygon->GetDistanceMap().GetWidth());
-    resources->height = int(m_polygon->GetDistanceMap().GetHeight());
+    const std::vector<float> texels = PolygonDistanceTexture(*m_polygon, resources->maxDist);
+    const unsigned w = m_polygon->GetDistanceMap().GetWidth();
+    const unsigned h = m_polygon->GetDistanceMap().GetHeight();
+    rendering::ImageFloatPtr image = QLEX_NEW new rendering::ImageFloat(w, h);
+    for (unsigned j = 0; j < h; ++j)
+        for (unsigned i = 0; i < w; ++i)
+            (*image)(i, j) = texels[size_t(j) * w + i];
+    // Not mipmapped: the alpha test cuts at exact distances, which averaged levels would move.
+    resources->texture = rendering::TextureManager::GetInstancePtr()->Load(
+        image, rendering::Texture::ImageType(GL_ALPHA, false, rendering::Texture::Quality(1, 1, 1, 1, 0)));
     const_cast<PolyEntity*>(this)->m_resources = resources;
+}
+
+void PolyEntity::DrawDebugPictures(const App& app) const
+{
+    if (!app.m_drawOBBs && !app.m_drawMapOBBs && !app.m_drawBCs)
+        return;
+    SetDrawColor(DEBUG_COLOR);
+    if (app.m_drawOBBs)
+        DrawOutline(m_polygon->GetLocalOBB());
+    if (app.m_drawMapOBBs)
+        DrawOutline(m_polygon->GetMapBox());
+    if (app.m_drawBCs)
+    {
+        // In the polygon's frame: the world circle brought back through the pose.
+        const physics::BoundingCircle bc = m_polygon->GetBCWorld();
+        const math::Vec2 c = math::TransformCoordinate(m_geom->GetWorldToGeom(), bc.center);
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_ONE, GL_ONE);
+        glBegin(GL_TRIANGLE_FAN);
+        glVertex2f(c.x, c.y);
+        for (const math::Vec2& v : CalcVecs(BC_SEGMENTS))
+            glVertex2f(c.x + v.x * bc.radius, c.y + v.y * bc.radius);
+        glEnd();
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    }
 }
 
 void PolyEntity::Draw() const
@@ -110,13 +166,14 @@ void PolyEntity::Draw() const
     glPushAttrib(GL_ALL_ATTRIB_BITS);
     glPushMatrix();
     m_geom->GetPose().MultToGL();
+    DrawDebugPictures(app);
     glDisable(GL_BLEND);
     m_resources->Bind();
     if (showBorder)
     {
         glEnable(GL_DEPTH_TEST);
         DrawFixedFunction(corners, m_color, PolygonInsideThreshold(bw, maxDist));
-        DrawFixedFunction(corners, app.GetBorderColor(this), 0.5f);
+        DrawFixedFunction(corners, links::BorderColor(this), 0.5f);
         glDisable(GL_DEPTH_TEST);
     }
     else
@@ -125,10 +182,10 @@ void PolyEntity::Draw() const
     if (app.m_drawVertices)
     {
         glBegin(GL_POINTS);
-        glColor3f(0, 1, 0);
+        SetDrawColor(math::Vec4(0, 1, 0, 1));
         for (const math::Vec2& v : m_polygon->GetVertices())
             glVertex2f(v.x, v.y);
-        glColor3f(0.5f, 0.5f, 1);
+        SetDrawColor(math::Vec4(0.5f, 0.5f, 1, 1));
         glVertex2f(0, 0);
         glEnd();
     }

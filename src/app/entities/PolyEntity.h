@@ -7,6 +7,8 @@
 
 namespace app
 {
+class App;
+
 class PolyEntity final : public FiniteGeomEntity
 {
 public:
@@ -32,6 +34,9 @@ public:
     util::SharedPtr<physics::Polygon> m_polygon;
 
 private:
+    // Boxes and circle of the polygon, as the application's debug switches ask.
+    void DrawDebugPictures(const App& app) const;
+
     std::shared_ptr<RenderingResources> m_resources;
 };
 

@@ -72,7 +72,8 @@ std::vector<float> CircleTexture(int size, bool cake)
             // The slice's sides are smoothed by the same width on the screen, so by an angle that grows
             // towards the centre.
             if (cake)
-                a *= Smooth(CIRCLE_EDGE_SMOOTHING / r, std::fabs(std::atan2(p.y, p.x)) - math::PIf * CakeSize);
+                a *=
+                    Smooth(CIRCLE_EDGE_SMOOTHING / r, std::fabs(std::atan2(p.y, p.x)) - math::PIf * CakeSize);
             texels[size_t(j) * size + i] = a;
         }
     return texels;
@@ -113,7 +114,8 @@ std::vector<float> PolygonDistanceTexture(const physics::Polygon& polygon, float
     std::vector<float> texels(size_t(map.GetWidth()) * map.GetHeight());
     for (unsigned j = 0; j < map.GetHeight(); ++j)
         for (unsigned i = 0; i < map.GetWidth(); ++i)
-            texels[size_t(j) * map.GetWidth() + i] = std::clamp((map(i, j) / maxDist + 1.0f) * 0.5f, 0.0f, 1.0f);
+            texels[size_t(j) * map.GetWidth() + i] =
+                std::clamp((map(i, j) / maxDist + 1.0f) * 0.5f, 0.0f, 1.0f);
     return texels;
 }
 

@@ -2,10 +2,10 @@
 
 #include "app/App.h"
 #include "app/EntitySerializer.h"
+#include "app/entities/DrawColor.h"
 #include "physics/Polygon.h"
 #include "physics/Simulation.h"
-
-#include <GL/gl.h>
+#include "rendering/GLContext.h"
 
 #include <cmath>
 
@@ -20,9 +20,10 @@ const float PICK_WIDTH_FRACTION = 1.0f / 3.0f;
 } // namespace
 
 SpringEntity::SpringEntity(float size)
-    : JointEntity(size),
-      m_strengthAttrib(this, "strengthFactor", this, &SpringEntity::GetStrengthFactor, &SpringEntity::SetStrengthFactor),
-      m_dampingAttrib(this, "dampingFactor", this, &SpringEntity::GetDampingFactor, &SpringEntity::SetDampingFactor),
+    : JointEntity(size), m_strengthAttrib(this, "strengthFactor", this, &SpringEntity::GetStrengthFactor,
+                                          &SpringEntity::SetStrengthFactor),
+      m_dampingAttrib(this, "dampingFactor", this, &SpringEntity::GetDampingFactor,
+                      &SpringEntity::SetDampingFactor),
       m_lengthAttrib(this, "length", this, &SpringEntity::GetTargetLength, &SpringEntity::SetTargetLength)
 {
 }
@@ -80,7 +81,7 @@ void SpringEntity::Draw() const
     const math::Vec2 d = m_worldPos[1] - a;
     const float length = d.Length();
     const math::Vec2 across = length > 0.0f ? math::Rot90CCW(d / length) * (m_size / 2.0f) : math::Vec2(0, 0);
-    glColor4f(m_color.x, m_color.y, m_color.z, m_color.w);
+    SetDrawColor(m_color);
     glBegin(GL_LINE_STRIP);
     glVertex2f(a.x, a.y);
     for (int i = 1; i < 2 * ZIGZAG_TEETH; ++i)
@@ -184,7 +185,8 @@ void SpringEntity::CopyFrom(const Entity* source)
 
 JointEntityPtr SpringEntity::Clone() const
 {
-    util::SharedPtr<SpringEntity> clone = QLEX_NEW new SpringEntity(App::GetInstancePtr()->GetDefaultJointSize());
+    util::SharedPtr<SpringEntity> clone =
+        QLEX_NEW new SpringEntity(App::GetInstancePtr()->GetDefaultJointSize());
     clone->CopyFrom(this);
     return clone;
 }

@@ -1,6 +1,6 @@
+#include "app/entities/Entity.h"
 #include "app/Chain.h"
 #include "app/EntitySerializer.h"
-#include "app/entities/Entity.h"
 #include "physics/Polygon.h"
 
 #include <gtest/gtest.h>
@@ -98,5 +98,38 @@ TEST(Entity, IsInViewComparesTheBoxWithTheView)
     util::SharedPtr<BareEntity> e = QLEX_NEW new BareEntity();
     EXPECT_TRUE(e->IsInView(math::BoundingBox2(math::Vec2(0.5f, 0.5f), math::Vec2(3, 3))));
     EXPECT_FALSE(e->IsInView(math::BoundingBox2(math::Vec2(2, 2), math::Vec2(3, 3))));
+}
+} // namespace
+
+#include "app/Scene.h"
+
+namespace
+{
+TEST(Entity, DestroyKeyRemovesEveryEntityBoundToTheSameCombination)
+{
+    app::Scene& scene = *app::Scene::GetInstancePtr();
+    scene.ClearScene();
+    std::vector<util::SharedPtr<BareEntity>> bound;
+    for (int i = 0; i < 3; ++i)
+    {
+        bound.push_back(QLEX_NEW new BareEntity());
+        bound.back()->m_buttonDestroy.Deserialize("left_ctrl x");
+        scene.AddEntity(bound.back());
+    }
+    util::SharedPtr<BareEntity> other = QLEX_NEW new BareEntity();
+    other->m_buttonDestroy.Assign(SDLK_x);
+    scene.AddEntity(other);
+
+    bound[1]->m_buttonDestroy.SetOn(true);
+    for (const util::SharedPtr<BareEntity>& e : bound)
+        EXPECT_FALSE(scene.HasEntity(e));
+    EXPECT_TRUE(scene.HasEntity(other));
+
+    // For an entity the scene has dropped, the key does nothing.
+    util::SharedPtr<BareEntity> dropped = QLEX_NEW new BareEntity();
+    dropped->m_buttonDestroy.Assign(SDLK_x);
+    dropped->m_buttonDestroy.SetOn(true);
+    EXPECT_TRUE(scene.HasEntity(other));
+    scene.ClearScene();
 }
 } // namespace
