@@ -107,7 +107,8 @@ util::SharedPtr<script::FunctionDeclaration> EntitySerializer::ToFunctionDeclara
         script::ExpressionPtr value = entry.second ? entry.second->ToExpression() : script::ExpressionPtr();
         if (!value)
             continue;
-        body->Add(QLEX_NEW new script::Assignment(QLEX_NEW new script::Identifier(nullptr, entry.first), value));
+        body->Add(
+            QLEX_NEW new script::Assignment(QLEX_NEW new script::Identifier(nullptr, entry.first), value));
     }
     return QLEX_NEW new script::FunctionDeclaration(std::vector<util::String>(), body);
 }
@@ -140,8 +141,9 @@ template void EntitySerializer::Set<bool>(const util::String&, const bool&);
 template void EntitySerializer::Set<util::String>(const util::String&, const util::String&);
 template void EntitySerializer::Set<math::Vec2>(const util::String&, const math::Vec2&);
 template void EntitySerializer::Set<math::Vec4>(const util::String&, const math::Vec4&);
-template void EntitySerializer::Set<std::vector<math::Vec2>>(const util::String&, const std::vector<math::Vec2>&);
+template void EntitySerializer::Set<std::vector<math::Vec2>>(const util::String&,
+                                                             const std::vector<math::Vec2>&);
 template void EntitySerializer::Set<std::vector<unsigned long>>(const util::String&,
-                                                               const std::vector<unsigned long>&);
+                                                                const std::vector<unsigned long>&);
 
 } // namespace app

@@ -30,9 +30,9 @@ const float MAX_WEIGHT = 1e10f;
 util::String TypeText(const util::String& type, bool plural)
 {
     static const char* const NAMES[][3] = {
-        {"Box", "Box", "Boxes"},         {"Circle", "Circle", "Circles"},  {"Polygon", "Polygon", "Polygons"},
-        {"Plane", "Plane", "Planes"},    {"Geom", "Shape", "Shapes"},      {"FixJoint", "Fixate", "Fixates"},
-        {"Hinge", "Hinge", "Hinges"},    {"Spring", "Spring", "Springs"},  {"Pen", "Pen", "Pens"},
+        {"Box", "Box", "Boxes"},         {"Circle", "Circle", "Circles"}, {"Polygon", "Polygon", "Polygons"},
+        {"Plane", "Plane", "Planes"},    {"Geom", "Shape", "Shapes"},     {"FixJoint", "Fixate", "Fixates"},
+        {"Hinge", "Hinge", "Hinges"},    {"Spring", "Spring", "Springs"}, {"Pen", "Pen", "Pens"},
         {"Entity", "Object", "Objects"},
     };
     for (const auto& name : NAMES)
@@ -304,7 +304,8 @@ math::OBB2D Group::CalcFiniteOBB() const
     for (const EntityPtr& entity : m_entities)
         entity->GetBoundPoints(points);
     points.erase(std::remove_if(points.begin(), points.end(),
-                                [](const math::Vec2& p) { return !math::IsFinite(p.x) || !math::IsFinite(p.y); }),
+                                [](const math::Vec2& p)
+                                { return !math::IsFinite(p.x) || !math::IsFinite(p.y); }),
                  points.end());
     if (points.empty())
         return math::OBB2D::Empty();
@@ -346,8 +347,8 @@ math::Vec2 Group::CalcCenterByWeight() const
 
 std::optional<math::Vec2> Group::CalcScaleCenter() const
 {
-    if (m_entities.size() == 1 && (AreAll<HingeEntity>() || AreAll<FixJointEntity>() || AreAll<PenEntity>() ||
-                                   AreAll<CircleEntity>()))
+    if (m_entities.size() == 1 &&
+        (AreAll<HingeEntity>() || AreAll<FixJointEntity>() || AreAll<PenEntity>() || AreAll<CircleEntity>()))
         return CalcCenterByWeight();
 
     physics::Body::GeomSet geoms;

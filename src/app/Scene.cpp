@@ -57,8 +57,8 @@ bool IsIdentity(const math::Mat3& m)
 
 // The geom's local frame taken through `transform` into the frame of `target`: where a point fixed on
 // the old geom lies on its scaled replacement.
-math::Vec2 MapLocalPoint(const physics::Geom& oldGeom, const physics::Geom& target, const math::Mat3& transform,
-                         const math::Vec2& local)
+math::Vec2 MapLocalPoint(const physics::Geom& oldGeom, const physics::Geom& target,
+                         const math::Mat3& transform, const math::Vec2& local)
 {
     const math::Vec2 world = math::TransformCoordinate(oldGeom.GetPose(), local);
     return math::TransformCoordinate(target.GetWorldToGeom(), math::TransformCoordinate(transform, world));
@@ -104,7 +104,8 @@ void Scene::AddEntity(EntityPtr entity)
     CheckInvariant();
     if (entity->m_zDepth != Entity::NO_DEPTH)
     {
-        for (size_t i = m_entityList.size() - 1; i > 0 && m_entityList[i - 1]->m_zDepth > entity->m_zDepth; --i)
+        for (size_t i = m_entityList.size() - 1; i > 0 && m_entityList[i - 1]->m_zDepth > entity->m_zDepth;
+             --i)
             std::swap(m_entityList[i - 1], m_entityList[i]);
     }
     else if (m_entityList.size() == 1)
@@ -134,7 +135,8 @@ void Scene::RemoveEntity(EntityPtr entity)
     catch (std::exception& e)
     {
         CatchException(e, QLEX_SITE);
-        Log(logging::Warning, util::String("Exception caught when removing entity from simulation: ") + e.what());
+        Log(logging::Warning,
+            util::String("Exception caught when removing entity from simulation: ") + e.what());
     }
 }
 
@@ -268,7 +270,8 @@ util::SharedPtr<physics::Geom> Scene::GetGeomAtMousePos() const
 bool Scene::IsWaterAt(math::Vec2 p) const
 {
     const float reach = WATER_REACH * physics::SPH::GetInstancePtr()->m_radius;
-    for (const util::SharedPtr<physics::Particle>& particle : physics::Simulation::GetInstancePtr()->GetParticles())
+    for (const util::SharedPtr<physics::Particle>& particle :
+         physics::Simulation::GetInstancePtr()->GetParticles())
     {
         if (math::DistanceSq(particle->GetPosition(), p) < reach * reach)
             return true;
@@ -605,7 +608,8 @@ void Scene::MirrorLongestAxis(const GroupPtr& group)
         {
             if (PlaneEntity* plane = dynamic_cast<PlaneEntity*>(group->GetFirst().get()))
             {
-                const math::Vec2 normal = math::TransformNormal(plane->GetGeom()->GetPose(), math::Vec2(1, 0));
+                const math::Vec2 normal =
+                    math::TransformNormal(plane->GetGeom()->GetPose(), math::Vec2(1, 0));
                 axis = math::Rot90CCW(normal);
             }
         }
@@ -750,7 +754,8 @@ math::BoundingBox2 Scene::CalcAABB() const
             solid.Include(box);
     }
     math::BoundingBox2 all = solid;
-    for (const util::SharedPtr<physics::Particle>& particle : physics::Simulation::GetInstancePtr()->GetParticles())
+    for (const util::SharedPtr<physics::Particle>& particle :
+         physics::Simulation::GetInstancePtr()->GetParticles())
         all.Include(particle->GetPosition());
     // Water that has drifted far away would shrink the scene to a dot; it counts only while it stays close.
     if (IsFiniteBox(all) && all.GetArea() <= 2.0f * solid.GetArea())
@@ -767,7 +772,8 @@ void Scene::MoveToOrigo()
         return;
     const math::Vec2 c = box.GetCenter();
     MoveTransform(GetAsGroup(), math::Mat2D::Translation(-c), false);
-    for (const util::SharedPtr<physics::Particle>& particle : physics::Simulation::GetInstancePtr()->GetParticles())
+    for (const util::SharedPtr<physics::Particle>& particle :
+         physics::Simulation::GetInstancePtr()->GetParticles())
         particle->SetPosition(particle->GetPosition() - c);
     if (!m_camera->IsTracking())
         m_camera->SetPan(m_camera->GetPan() - c);
@@ -879,9 +885,20 @@ void Scene::NewScene()
 {
     ClearScene();
     static const char* const DEFAULTED[] = {
-        "Sim.gravity",      "Sim.gravitySwitch", "Sim.airSwitch",   "Sim.airFrictionLinear", "Sim.airFrictionQuadratic",
-        "Sim.rotFrictionLinear", "Sim.airDensity", "Sim.timeFactor", "App.borders",        "App.waterColor",
-        "App.fadeColor",    "App.Background.cloudOpacity", "App.Background.drawClouds", "App.Background.skyColor",
+        "Sim.gravity",
+        "Sim.gravitySwitch",
+        "Sim.airSwitch",
+        "Sim.airFrictionLinear",
+        "Sim.airFrictionQuadratic",
+        "Sim.rotFrictionLinear",
+        "Sim.airDensity",
+        "Sim.timeFactor",
+        "App.borders",
+        "App.waterColor",
+        "App.fadeColor",
+        "App.Background.cloudOpacity",
+        "App.Background.drawClouds",
+        "App.Background.skyColor",
     };
     for (const char* name : DEFAULTED)
         ResetSettingToDefault(name);

@@ -1,8 +1,8 @@
 #include "app/SceneFiles.h"
 
+#include "app/FileInfo.h"
 #include "app/SceneLoader.h"
 #include "app/Serializer.h"
-#include "app/FileInfo.h"
 #include "app/Undoer.h"
 #include "logging/Log.h"
 #include "physics/Simulation.h"

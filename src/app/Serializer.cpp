@@ -131,7 +131,8 @@ Serializer::Serializer()
     for (const auto& command : commands)
     {
         const Member member = command.second;
-        scene->AddCmd1(command.first, [this, member](script::ObjectPtr argument) { return Helper(member, argument); });
+        scene->AddCmd1(command.first,
+                       [this, member](script::ObjectPtr argument) { return Helper(member, argument); });
     }
 
     ClearTables();
@@ -154,8 +155,8 @@ std::vector<script::VariablePtr> Serializer::GetVarList(bool all, bool withCamer
         AddSetting(list, "Scene.Camera.pan");
         AddSetting(list, "Scene.Camera.zoom");
     }
-    for (const char* name : {"App.Background.cloudOpacity", "App.Background.drawClouds", "App.Background.skyColor",
-                             "App.fadeColor"})
+    for (const char* name : {"App.Background.cloudOpacity", "App.Background.drawClouds",
+                             "App.Background.skyColor", "App.fadeColor"})
         AddSetting(list, name);
     if (all || !IsBlack(FindSetting("App.fadeColor")))
     {
@@ -165,7 +166,8 @@ std::vector<script::VariablePtr> Serializer::GetVarList(bool all, bool withCamer
     return list;
 }
 
-template <class Container> void SerializeEntities(const script::CodeBlockPtr& block, const Container& entities)
+template <class Container>
+void SerializeEntities(const script::CodeBlockPtr& block, const Container& entities)
 {
     Scene::GetInstancePtr()->DepthTagEntities();
     physics::Body::GeomSet geoms;
@@ -419,14 +421,16 @@ script::ObjectPtr Serializer::AddCircle(const EntitySerializer& record)
 
 script::ObjectPtr Serializer::AddPolygon(const EntitySerializer& record)
 {
-    util::SharedPtr<PolyEntity> entity = QLEX_NEW new PolyEntity(QLEX_NEW new physics::Polygon(GetPoints(record, "vecs")));
+    util::SharedPtr<PolyEntity> entity =
+        QLEX_NEW new PolyEntity(QLEX_NEW new physics::Polygon(GetPoints(record, "vecs")));
     AddGeomEntity(record, entity, false);
     return entity;
 }
 
 script::ObjectPtr Serializer::AddPlane(const EntitySerializer& record)
 {
-    const math::Vec2 normal = record.Has("normal") ? record.Get<math::Vec2>("normal") : math::Vec2(1.0f, 0.0f);
+    const math::Vec2 normal =
+        record.Has("normal") ? record.Get<math::Vec2>("normal") : math::Vec2(1.0f, 0.0f);
     const float dist = record.Has("dist") ? record.Get<float>("dist") : 0.0f;
     util::SharedPtr<physics::Plane> plane = QLEX_NEW new physics::Plane(math::Plane2D(normal, dist));
     const math::Mat2D base = plane->GetPose();
@@ -488,7 +492,8 @@ bool Serializer::AttachJoint(const EntitySerializer& record, const util::SharedP
             if (record.Has("geom" + end + "pos"))
                 anchors[i] = record.Get<math::Vec2>("geom" + end + "pos");
             else if (record.Has("pos"))
-                anchors[i] = math::TransformCoordinate(geoms[i]->GetWorldToGeom(), record.Get<math::Vec2>("pos"));
+                anchors[i] =
+                    math::TransformCoordinate(geoms[i]->GetWorldToGeom(), record.Get<math::Vec2>("pos"));
             else if (record.Has("world" + end + "pos"))
                 anchors[i] = math::TransformCoordinate(geoms[i]->GetWorldToGeom(),
                                                        record.Get<math::Vec2>("world" + end + "pos"));
@@ -540,7 +545,8 @@ script::ObjectPtr Serializer::AddSpring(const EntitySerializer& record)
 script::ObjectPtr Serializer::AddPen(const EntitySerializer& record)
 {
     util::SharedPtr<PenEntity> pen = QLEX_NEW new PenEntity(READ_JOINT_SIZE);
-    const util::SharedPtr<physics::Geom>* geom = record.Has("geom") ? m_geoms.TryGet(record.Get<int>("geom")) : nullptr;
+    const util::SharedPtr<physics::Geom>* geom =
+        record.Has("geom") ? m_geoms.TryGet(record.Get<int>("geom")) : nullptr;
     if (geom)
     {
         math::Vec2 local;
@@ -620,7 +626,8 @@ script::ObjectPtr Serializer::AddWidget(const EntitySerializer& record)
 void Serializer::DeserializeOld(const util::String& text)
 {
     script::Parser* parser = script::Parser::GetInstancePtr();
-    script::ClosurePtr closure = QLEX_NEW new script::Closure("Deserialize_closure", parser->GetRootClosure());
+    script::ClosurePtr closure =
+        QLEX_NEW new script::Closure("Deserialize_closure", parser->GetRootClosure());
     script::CodeBlockPtr block = parser->Parse(text);
     if (!block)
         return;

@@ -81,7 +81,8 @@ private:
 // version.
 std::vector<script::VariablePtr> GetMetaVarList(bool all);
 
-template <class Container> void SerializeEntities(const script::CodeBlockPtr& block, const Container& entities);
+template <class Container>
+void SerializeEntities(const script::CodeBlockPtr& block, const Container& entities);
 void SerializeEntity(const script::CodeBlockPtr& block, const util::String& command, const EntityPtr& entity,
                      const physics::Body::GeomSet& geoms);
 

@@ -56,7 +56,8 @@ void Undoer::Undo()
     catch (std::exception& e)
     {
         CatchException(e, QLEX_SITE);
-        Log(logging::Warning, util::String("Exception caught in Undoer::Undo: ") + e.what() + "\n" + QLEX_SITE);
+        Log(logging::Warning,
+            util::String("Exception caught in Undoer::Undo: ") + e.what() + "\n" + QLEX_SITE);
     }
     catch (...)
     {
@@ -79,7 +80,8 @@ void Undoer::Redo()
     catch (std::exception& e)
     {
         CatchException(e, QLEX_SITE);
-        Log(logging::Warning, util::String("Exception caught in Undoer::Redo: ") + e.what() + "\n" + QLEX_SITE);
+        Log(logging::Warning,
+            util::String("Exception caught in Undoer::Redo: ") + e.what() + "\n" + QLEX_SITE);
     }
     catch (...)
     {

@@ -5,9 +5,9 @@
 #include "app/Undoer.h"
 #include "cli/HeadlessSystem.h"
 #include "cli/World.h"
-#include "util/FileSystem.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
+#include "util/FileSystem.h"
 
 namespace cli
 {
@@ -19,7 +19,7 @@ void JoinScene(World& world)
 {
     app::Scene::GetInstancePtr()->AddToRoot();
     app::Serializer::GetInstancePtr();
-    app::App* application = app::App::GetInstancePtr();
+    const util::SharedPtr<script::Reflected>& application = app::App::GetInstancePtr()->GetReflected();
     application->AddToRoot();
     if (!application->HasVariable("undo"))
         application->AddVoidCmd("undo", [] { app::Undoer::GetInstancePtr()->Undo(); });

@@ -1,6 +1,9 @@
 #include "app/App.h"
 #include "app/Camera.h"
+#include "app/Scene.h"
+#include "app/entities/BoxEntity.h"
 #include "input/Input.h"
+#include "physics/Box.h"
 #include "physics/Simulation.h"
 #include "physics/testing/Scenes.h"
 #include "script/Parser.h"
@@ -138,7 +141,11 @@ TEST(App, UpdateStepsTheWorldAndKeepsItsContactsForDrawing)
     physics::testing::ResetWorld();
     physics::Simulation& sim = *physics::Simulation::GetInstancePtr();
     sim.SetUpdateBudget(10.0f);
-    physics::testing::BuildColumn(1, physics::testing::Shape::Box);
+    // The scene keeps only the bodies that its entities stand for: the box is one.
+    for (const util::SharedPtr<physics::Body>& body :
+         physics::testing::BuildColumn(1, physics::testing::Shape::Box))
+        app::Scene::GetInstancePtr()->AddEntity(
+            QLEX_NEW new app::BoxEntity(util::dynamic_pointer_cast<physics::Box>(*body->GetGeoms().begin())));
 
     // A frame of no time steps nothing and leaves no debt.
     app.Update(0);
@@ -150,6 +157,7 @@ TEST(App, UpdateStepsTheWorldAndKeepsItsContactsForDrawing)
     ASSERT_FALSE(sim.GetContacts().empty()) << "a box on the ground touches it";
     EXPECT_EQ(app.GetContacts(), sim.GetContacts());
 
+    app::Scene::GetInstancePtr()->ClearScene();
     physics::testing::ResetWorld();
     app.Update(0);
     EXPECT_TRUE(app.GetContacts().empty());

@@ -47,8 +47,13 @@ inline std::string NormalizeIds(const std::string& text)
     while (std::regex_search(rest, match, single))
     {
         const std::string key = match[1];
-        const std::string kind = key == "entityID" ? "entity" : key == "body" ? "body" : key == "chain" ? "chain" : "geom";
-        result += match.prefix().str() + key + " = " + (match[2] == "-1" || (kind == "geom" && match[2] == "0") ? match[2].str() : rename(kind, match[2]));
+        const std::string kind = key == "entityID" ? "entity"
+                                 : key == "body"   ? "body"
+                                 : key == "chain"  ? "chain"
+                                                   : "geom";
+        result += match.prefix().str() + key + " = " +
+                  (match[2] == "-1" || (kind == "geom" && match[2] == "0") ? match[2].str()
+                                                                           : rename(kind, match[2]));
         rest = match.suffix();
     }
     result += rest;

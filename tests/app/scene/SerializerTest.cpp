@@ -59,7 +59,8 @@ TEST_F(SceneTest, Serializer_EmptyFunctionMakesUnitBoxAndNumberFailsWithHelperMe
 
 TEST_F(SceneTest, Serializer_GluedShapesShareOneBodyAfterLoad)
 {
-    Run("Scene.addBox {pos = [0, 0]; body = 7}; Scene.addBox {pos = [2, 0]; body = 7}; Scene.addBox {pos = [5, 0]}");
+    Run("Scene.addBox {pos = [0, 0]; body = 7}; Scene.addBox {pos = [2, 0]; body = 7}; Scene.addBox {pos = "
+        "[5, 0]}");
     auto boxes = All<app::BoxEntity>();
     ASSERT_EQ(boxes.size(), 3u);
     EXPECT_EQ(boxes[0]->GetBody(), boxes[1]->GetBody());
@@ -91,8 +92,8 @@ TEST_F(SceneTest, Serializer_UnknownGeomIdIsLoggedAndJointAttachesAtItsPoint)
 
 TEST_F(SceneTest, Serializer_OldFormatLoadsWithAlphaOne)
 {
-    app::Serializer::GetInstancePtr()->Deserialize(
-        "version = 1;\n{ type = \"box\"; pos = [0, 0]; color = [0.5, 0.5, 0.5] };\n{ type = \"circle\"; radius = 2 }");
+    app::Serializer::GetInstancePtr()->Deserialize("version = 1;\n{ type = \"box\"; pos = [0, 0]; color = "
+                                                   "[0.5, 0.5, 0.5] };\n{ type = \"circle\"; radius = 2 }");
     auto boxes = All<app::BoxEntity>();
     ASSERT_EQ(boxes.size(), 1u);
     EXPECT_FLOAT_EQ(boxes[0]->GetColor().w, 1.0f);
