@@ -14,15 +14,9 @@
 namespace app
 {
 
-const char* const Scene_Autosave = "_AUTOSAVE.qlx";
-const char* const Scene_Last = "_ONEXITSAVE.qlx";
-const char* const Scene_Welcome = "welcome.qlx";
-
 namespace
 {
 const char* const EXTENSION = ".qlx";
-// A desktop hands over "file:///home/...": the third slash starts the absolute path, so it stays.
-const char* const URL_PREFIX = "file:///";
 
 bool EndsWithExtension(const util::String& name)
 {
@@ -114,39 +108,6 @@ bool SaveSceneFile(const util::String& name, bool automatic)
 void ImportQlexletFile(const util::String& name)
 {
     Undoer::GetInstancePtr()->Do(QLEX_NEW new SceneLoader(true, name));
-}
-
-void LoadScene()
-{
-    for (const char* name : {Scene_Autosave, Scene_Last, Scene_Welcome})
-    {
-        if (util::FileSystem::FileExists(SceneDir() + name))
-        {
-            LoadSceneFile(name, true);
-            return;
-        }
-    }
-}
-
-void LoadStartScene(const std::vector<util::String>& args)
-{
-    if (args.empty() || !EndsWithExtension(args.back()))
-    {
-        LoadScene();
-        return;
-    }
-    util::String path = util::Join(args, " ");
-    if (path.size() >= std::char_traits<char>::length(URL_PREFIX) &&
-        util::iequals(path.substr(0, std::char_traits<char>::length(URL_PREFIX)), URL_PREFIX))
-        path = path.substr(std::char_traits<char>::length(URL_PREFIX) - 1);
-    Log(logging::Info, "Loading argument " + path);
-    LoadSceneFile(path, true);
-}
-
-void SaveSceneOnExit()
-{
-    SaveSceneFile(Scene_Last, true);
-    util::FileSystem::EraseFile(SceneDir() + Scene_Autosave);
 }
 
 } // namespace app

@@ -396,8 +396,16 @@ void Serializer::AddEntityPostSerialize(const EntitySerializer& record, const En
     CheckChain(record, entity);
     if (record.Has("entityID"))
         m_entities[record.Get<unsigned long>("entityID")] = entity;
-    Scene::GetInstancePtr()->AddEntity(entity);
+    Scene* scene = Scene::GetInstancePtr();
+    scene->AddEntity(entity);
     m_addedGroup->Add(entity);
+    // Older files mark what the camera follows on the entity itself.
+    if (record.Has("tracked") && record.Get<bool>("tracked"))
+    {
+        GroupPtr tracked = QLEX_NEW new Group(TrackedName);
+        tracked->Add(entity);
+        scene->AddGroup(tracked);
+    }
 }
 
 script::ObjectPtr Serializer::AddBox(const EntitySerializer& record)

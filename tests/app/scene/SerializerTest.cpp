@@ -113,3 +113,21 @@ TEST_F(SceneTest, Serializer_WaterPositionsSurviveAndVelocitiesAreZero)
 }
 
 } // namespace
+
+namespace
+{
+using scenetest::SceneTest;
+
+TEST_F(SceneTest, Serializer_TrackedEntityBecomesTheCamerasGroupAndIsSaved)
+{
+    Run("Scene.addBox {pos = [3, 4]; tracked = true}");
+    ASSERT_TRUE(scene->GetTrackedGroup());
+    EXPECT_EQ(scene->GetTrackedGroup()->Size(), 1u);
+    EXPECT_TRUE(scene->GetCamera()->IsTracking());
+    const std::string text = Save();
+    EXPECT_NE(text.find("name = \"tracked\""), std::string::npos) << text;
+    Load(text);
+    ASSERT_TRUE(scene->GetTrackedGroup());
+    EXPECT_EQ(scene->GetTrackedGroup()->Size(), 1u);
+}
+} // namespace
