@@ -88,6 +88,8 @@ TEST_F(SceneTest, Snapshot_SameObjectsReturnWithVelocitiesOfTheMoment)
     const auto& particles = physics::Simulation::GetInstancePtr()->GetParticles();
     const math::Vec2 waterVelocity = particles[0]->GetVelocity();
     const double time = physics::Simulation::GetInstancePtr()->GetSimulatedTime();
+    scene->GetCamera()->SetPan(math::Vec2(2, 3));
+    scene->GetCamera()->SetZoom(60);
     app::SnapshotPtr snapshot = app::Snapshot::TakeSnapshot();
 
     // Break the glue and drop everything.
@@ -105,6 +107,9 @@ TEST_F(SceneTest, Snapshot_SameObjectsReturnWithVelocitiesOfTheMoment)
     ASSERT_EQ(particles.size(), 3u);
     EXPECT_EQ(particles[0]->GetVelocity(), waterVelocity);
     EXPECT_EQ(physics::Simulation::GetInstancePtr()->GetSimulatedTime(), time);
+    EXPECT_NEAR(scene->GetCamera()->GetPan().x, 2.0f, 1e-5f);
+    EXPECT_NEAR(scene->GetCamera()->GetPan().y, 3.0f, 1e-5f);
+    EXPECT_NEAR(scene->GetCamera()->GetZoom(), 60.0f, 1e-3f);
     EXPECT_TRUE(scene->GetSelection()->Contains(boxes[1]));
     EXPECT_EQ(scene->GetSelection()->Size(), 1u);
     app::GroupPtr group = scene->GetGroupByName("two");

@@ -1,9 +1,11 @@
 #pragma once
 // A scene on the script root with its commands, emptied before each test.
 
+#include "app/App.h"
 #include "app/Scene.h"
 #include "app/Serializer.h"
 #include "app/Undoer.h"
+#include "physics/SPH.h"
 #include "physics/Simulation.h"
 #include "script/Parser.h"
 
@@ -22,6 +24,10 @@ inline void JoinRootOnce()
     if (joined)
         return;
     joined = true;
+    // The script root as the programs have it: scene files set the settings of all of these.
+    physics::Simulation::GetInstancePtr()->AddToRoot();
+    physics::SPH::GetInstancePtr()->AddToRoot();
+    app::App::GetInstancePtr()->GetReflected()->AddToRoot();
     app::Scene::GetInstancePtr()->AddToRoot();
     app::Serializer::GetInstancePtr();
 }
