@@ -145,11 +145,6 @@ bool Scene::HasEntity(const EntityPtr& entity) const
     return entity && m_entitySet.find(entity) != m_entitySet.end();
 }
 
-bool Scene::HasEntity(const Entity* entity) const
-{
-    return entity && HasEntity(EntityPtr(const_cast<Entity*>(entity)));
-}
-
 GroupPtr Scene::GetAsGroup() const
 {
     return QLEX_NEW new Group(m_entitySet);

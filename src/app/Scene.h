@@ -46,7 +46,6 @@ public:
     void AddEntity(EntityPtr entity);
     void RemoveEntity(EntityPtr entity);
     bool HasEntity(const EntityPtr& entity) const;
-    bool HasEntity(const Entity* entity) const;
     const std::vector<EntityPtr>& GetEntities() const { return m_entityList; }
     GroupPtr GetAsGroup() const;
     // The geoms of all live geometry entities, and the world geom.

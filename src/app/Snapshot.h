@@ -19,6 +19,7 @@ namespace app
 {
 class Chain;
 class JointEntity;
+class BodyInfo;
 class Snapshot;
 typedef util::SharedPtr<Snapshot> SnapshotPtr;
 
@@ -46,7 +47,7 @@ private:
 
     std::vector<EntityPtr> m_entities;
     std::vector<util::SharedPtr<RestoreHelper>> m_helpers;
-    std::vector<util::SharedPtr<class BodyInfo>> m_bodies;
+    std::vector<util::SharedPtr<BodyInfo>> m_bodies;
     std::vector<std::pair<EntityPtr, EntitySerializer>> m_records;
     std::vector<math::Vec2> m_waterPositions;
     std::vector<math::Vec2> m_waterVelocities;

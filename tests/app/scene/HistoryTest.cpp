@@ -243,3 +243,22 @@ TEST_F(SceneTest, SceneLoader_FileWithoutCameraIsZoomedAndOneWithPanKeepsIt)
 }
 
 } // namespace
+
+namespace
+{
+using scenetest::SceneTest;
+
+TEST_F(SceneTest, EraseEntities_RemovesShapesWithTheirJointsAndUndoBringsAllBack)
+{
+    Run("Scene.addBox {pos = [0, 0]; color = [0.5, 0.5, 0.5, 1]}; Scene.addHinge {pos = [0.1, 0.1]}");
+    const std::string before = Save();
+    app::EntitySet all = scene->GetAsGroup()->GetEntities();
+    app::Undoer::GetInstancePtr()->Do(QLEX_NEW new app::EraseEntities(all));
+    EXPECT_TRUE(scene->GetEntities().empty());
+    EXPECT_EQ(physics::Simulation::GetInstancePtr()->GetConstraints().size(), 0u);
+    app::Undoer::GetInstancePtr()->Undo();
+    EXPECT_EQ(Save(), before);
+    app::Undoer::GetInstancePtr()->Redo();
+    EXPECT_TRUE(scene->GetEntities().empty());
+}
+} // namespace

@@ -26,7 +26,8 @@ TEST_F(SceneTest, SampleScenes_LoadWithoutMessagesAndStayFiniteWhileRunning)
 {
     std::vector<std::string> messages;
     util::SharedPtr<logging::ILogger> sink = QLEX_NEW new logging::FunctionLogger(
-        logging::Error | logging::Warning, [&messages](const std::string& text) { messages.push_back(text); });
+        logging::Error | logging::Warning,
+        [&messages](const std::string& text) { messages.push_back(text); });
     logging::Logger::GetInstancePtr()->AddLogger(sink);
     for (const std::string& path : SampleScenes())
     {
