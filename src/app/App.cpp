@@ -103,6 +103,7 @@ App::App()
         "simpleWater", rendering::TextureManager::DefaultImageType());
 
     m_background = QLEX_NEW new Background();
+    m_background->SetFillOwner(true);
     AddComponent(m_background);
     m_reflected->AddReflectedChild(m_background->GetReflected());
     m_appGUI = QLEX_NEW new AppGUI();
@@ -129,8 +130,6 @@ Camera& App::GetCamera() const
 void App::SyncViewSize()
 {
     GetCamera().SetViewSize(GetOuterSize());
-    m_background->SetInnerSize(GetInnerSize());
-    m_appGUI->SetInnerSize(GetInnerSize());
 }
 
 void App::OnFormChange()

@@ -1,6 +1,6 @@
 #include "cli/HeadlessSystem.h"
-#include "cli/PhysicsReflection.h"
 #include "cli/World.h"
+#include "physics/SPH.h"
 #include "physics/Simulation.h"
 
 namespace cli
@@ -10,18 +10,16 @@ void JoinSubsystems(World& world)
 {
     HeadlessSystem::GetInstancePtr()->AddToRoot();
 
-    // The simulation and its water. When physics::Simulation and physics::SPH are script::Reflected
-    // themselves, these two lines become their own AddToRoot() calls.
-    util::SharedPtr<script::Reflected>(QLEX_NEW new SimulationReflection())->AddToRoot();
-    util::SharedPtr<script::Reflected>(QLEX_NEW new SPHReflection())->AddToRoot();
+    physics::Simulation::GetInstancePtr()->AddToRoot();
+    physics::SPH::GetInstancePtr()->AddToRoot();
 
     world.step = []
     {
-        physics::Simulation* sim = physics::Simulation::GetInstancePtr();
-        sim->Step(sim->m_running);
+        physics::Simulation::GetInstancePtr()->AdvanceOneStep();
         // The scene's own update follows here once the scene is part of qlex-cli.
     };
-    world.timeDelta = [] { return static_cast<double>(physics::Simulation::GetInstancePtr()->m_timeDelta); };
+    world.timeDelta = []
+    { return static_cast<double>(physics::Simulation::GetInstancePtr()->m_timeDelta.Get()); };
     world.stats = []
     {
         // The statistics text is written by a frame's update; one of no real time takes no step.

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstdio>
 #include <iostream>
+#include <limits>
 #include <unistd.h>
 #include <vector>
 
@@ -140,7 +141,13 @@ int CommandLine::Run()
                     if (!m_world.timeDelta)
                         return Fail(EXIT_BAD_ARGUMENT,
                                     "The simulation is not part of this build of qlex-cli");
-                    count = std::lround(seconds / m_world.timeDelta());
+                    const double steps = seconds / m_world.timeDelta();
+                    // A script may have set any step length; a count that isn't a number of steps is refused.
+                    if (!(steps >= 0.0 && steps <= double(std::numeric_limits<int>::max())))
+                        return Fail(EXIT_BAD_ARGUMENT,
+                                    arg + " " + value + " is no number of steps of " +
+                                        util::ToString(static_cast<float>(m_world.timeDelta())) + " seconds");
+                    count = std::lround(steps);
                 }
             }
             catch (std::exception& e)

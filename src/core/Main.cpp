@@ -9,6 +9,8 @@
 #include "core/Subsystem.h"
 #include "gui/GUI.h"
 #include "logging/Log.h"
+#include "physics/SPH.h"
+#include "physics/Simulation.h"
 #include "platform/Os.h"
 #include "script/Configuration.h"
 #include "script/Parser.h"
@@ -49,7 +51,10 @@ void JoinSubsystems(core::Subsystem& subsystem)
 {
     subsystem.GetReflected()->AddToRoot();
     core::ResourceManager::GetInstancePtr()->AddToRoot();
+    physics::Simulation::GetInstancePtr()->AddToRoot();
+    physics::SPH::GetInstancePtr()->AddToRoot();
     gui::GUI* gui = gui::GUI::GetInstancePtr();
+    gui->GetReflected()->AddToRoot();
 
     util::SharedPtr<app::App> application = app::App::GetInstancePtr();
     gui->GetMainComponent()->AddComponent(application);

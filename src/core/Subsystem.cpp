@@ -73,6 +73,27 @@ void SetWindowIcon(const std::string& path)
     SDL_FreeSurface(icon);
 }
 
+// What the script commands of "System" report.
+float CurrentTime()
+{
+    return static_cast<float>(util::Timer::GetCurrentTime());
+}
+
+int ObjectCurrent()
+{
+    return static_cast<int>(util::Pointee::GetInstanceCount());
+}
+
+int ObjectHandleCurrent()
+{
+    return static_cast<int>(util::PointeeHandle::GetInstanceCount());
+}
+
+int ObjectTotal()
+{
+    return static_cast<int>(util::Pointee::GetAllocateCount());
+}
+
 // How long SDL_Delay(1) really sleeps, and the smallest step of the clock, both in milliseconds.
 void LogTimerPrecision()
 {
@@ -141,17 +162,10 @@ void Subsystem::AddScriptMembers()
     script::AttribWrapper<int>(&system, "depth", &m_requestedParams.depth);
 
     system.AddVoidCmd("exit", [this] { Exit(); });
-    system.AddCmd("time", std::function<script::ObjectPtr()>(
-                              [] { return script::ValueToObject(float(util::Timer::GetCurrentTime())); }));
-    system.AddCmd("objectCurrent",
-                  std::function<script::ObjectPtr()>(
-                      [] { return script::ValueToObject(int(util::Pointee::GetInstanceCount())); }));
-    system.AddCmd("objectHandleCurrent",
-                  std::function<script::ObjectPtr()>(
-                      [] { return script::ValueToObject(int(util::PointeeHandle::GetInstanceCount())); }));
-    system.AddCmd("objectTotal",
-                  std::function<script::ObjectPtr()>(
-                      [] { return script::ValueToObject(int(util::Pointee::GetAllocateCount())); }));
+    system.AddCmd("time", &CurrentTime);
+    system.AddCmd("objectCurrent", &ObjectCurrent);
+    system.AddCmd("objectHandleCurrent", &ObjectHandleCurrent);
+    system.AddCmd("objectTotal", &ObjectTotal);
     system.AddVoidCmd("recreateWindow", [this] { ApplyParserConfig(); });
 }
 
@@ -242,6 +256,8 @@ void Subsystem::Run()
         }
         lastFrame = now;
     }
+    // The GL objects go while their context still exists.
+    ResourceManager::GetInstancePtr()->UnloadAll();
 }
 
 void Subsystem::RunDueCallbacks()
@@ -350,6 +366,11 @@ void Subsystem::CreateWindow(WindowParams params)
     m_currentParams = params;
 
     Log(logging::Debug, "Setting viewport");
+    // Software GL takes a new window size into its buffers at a swap: one swap of a cleared frame lets
+    // the first true frame cover the whole window.
+    glClearColor(0, 0, 0, 0);
+    glClear(GL_COLOR_BUFFER_BIT);
+    SDL_GL_SwapBuffers();
     glViewport(0, 0, GetWidth(), GetHeight());
     GLHasLoaded();
 

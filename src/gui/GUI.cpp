@@ -28,8 +28,21 @@ public:
 
 } // namespace
 
-GUI::GUI() : InputListener(50)
+GUI::GUI()
+    : InputListener(50), m_reflected(QLEX_NEW new script::Reflected("GUI")),
+      m_clickTolerance(m_reflected.get(), "clickTolerance", DEFAULT_CLICK_TOLERANCE),
+      m_clickTimeTolerance(m_reflected.get(), "clickTimeTolerance", DEFAULT_CLICK_TIME_TOLERANCE),
+      m_forceOSCursor(m_reflected.get(), "forceOSCursor", false),
+      m_font(m_reflected.get(), "font", util::String("arial_black")),
+      m_crispFonts(m_reflected.get(), "crispFonts", false),
+      m_crispFontFactor(m_reflected.get(), "crispFontFactor", 0.5f),
+      m_fontShadow(m_reflected.get(), "fontShadow", true),
+      m_fontShadowOffset(m_reflected.get(), "fontShadowOffset", math::Vec2(0.0625f, 0.0625f)),
+      m_scale(m_reflected.get(), "scale", 1.0f), m_opaqueness(m_reflected.get(), "opaqueness", 0.9f)
 {
+    m_font->AddChangeCallback(util::MakeCallback(&GUI::OnFontChange, this));
+    m_scale->AddChangeCallback(util::MakeCallback(&GUI::OnScaleChange, this));
+
     input::Input* input = input::Input::GetInstancePtr();
     m_rootComponent = QLEX_NEW new Component();
     m_profilerKeys = QLEX_NEW new ProfilerKeyRelay();
@@ -59,17 +72,14 @@ GUI::~GUI()
     LookAndFeel::ResetDefault();
 }
 
-void GUI::SetScale(float scale)
+void GUI::AddFontChangeCallback(util::CallbackPtr callback)
 {
-    if (scale == m_scale)
-        return;
-    m_scale = scale;
-    OnScaleChange();
+    m_fontChangeCallbacks.Add(callback);
 }
 
-void GUI::SetFont(const std::string& font)
+void GUI::OnFontChange()
 {
-    m_font = font;
+    m_fontChangeCallbacks.CallAll();
 }
 
 math::Vec2 GUI::GetSize() const
@@ -79,7 +89,8 @@ math::Vec2 GUI::GetSize() const
 
 math::Vec2 GUI::PosFromPixel(int x, int y) const
 {
-    return math::Vec2(static_cast<float>(x) / m_scale, static_cast<float>(y) / m_scale);
+    const float scale = m_scale;
+    return math::Vec2(static_cast<float>(x) / scale, static_cast<float>(y) / scale);
 }
 
 void GUI::OnNewWindowSize(int width, int height)

@@ -3,9 +3,10 @@
 #include "gui/components/Component.h"
 #include "input/InputListener.h"
 #include "input/InputSettings.h"
+#include "script/AttribWrapper.h"
+#include "script/Reflected.h"
+#include "util/Callback.h"
 #include "util/Singleton.h"
-
-#include <string>
 
 namespace gui
 {
@@ -24,27 +25,39 @@ public:
     GUI();
     ~GUI() override;
 
-    // Script attributes, named as scripts see them ("clickTolerance", "clickTimeTolerance", ...).
-    // GUI units within which a press and its release stay a click.
-    float m_clickTolerance = DEFAULT_CLICK_TOLERANCE;
-    // Seconds within which a press stays a click and further clicks count as multi-clicks.
-    float m_clickTimeTolerance = DEFAULT_CLICK_TIME_TOLERANCE;
-    // Stored and saved; nothing reads it.
-    bool m_forceOSCursor = false;
-    // Base name of the main font in the fonts directory; change through SetFont.
-    std::string m_font = "arial_black";
-    bool m_crispFonts = false;
-    float m_crispFontFactor = 0.5f;
-    bool m_fontShadow = true;
-    math::Vec2 m_fontShadowOffset{0.0625f, 0.0625f};
-    // Pixels per GUI unit; change through SetScale.
-    float m_scale = 1.0f;
-    // Alpha of the colour in force when the tree is drawn.
-    float m_opaqueness = 0.9f;
+    // What scripts see as "GUI". The GUI is an input listener, and so can't be a script object itself;
+    // the shell adds this one to the script root in its place.
+    const util::SharedPtr<script::Reflected>& GetReflected() const { return m_reflected; }
 
-    // The setters of the attributes whose change must be acted on at once.
-    void SetScale(float scale);
-    void SetFont(const std::string& font);
+private:
+    // Made before the attributes, which join it.
+    util::SharedPtr<script::Reflected> m_reflected;
+
+public:
+    // Settings: attributes of "GUI".
+    // GUI units within which a press and its release stay a click.
+    script::AttribWrapper<float> m_clickTolerance;
+    // Seconds within which a press stays a click and further clicks count as multi-clicks.
+    script::AttribWrapper<float> m_clickTimeTolerance;
+    // Stored and saved; nothing reads it.
+    script::AttribWrapper<bool> m_forceOSCursor;
+    // Base name of the main font in the fonts directory; a change runs the font-change callbacks.
+    script::AttribWrapper<util::String> m_font;
+    script::AttribWrapper<bool> m_crispFonts;
+    script::AttribWrapper<float> m_crispFontFactor;
+    script::AttribWrapper<bool> m_fontShadow;
+    // In units of the font's height.
+    script::AttribWrapper<math::Vec2> m_fontShadowOffset;
+    // Pixels per GUI unit; a change runs OnScaleChange.
+    script::AttribWrapper<float> m_scale;
+    // Alpha of the colour in force when the tree is drawn.
+    script::AttribWrapper<float> m_opaqueness;
+
+    void SetScale(float scale) { m_scale = scale; }
+    void SetFont(const util::String& font) { m_font = font; }
+    // The fonts live with the resources, which know the GUI and not the other way round: they reload
+    // through a callback here when "font" changes.
+    void AddFontChangeCallback(util::CallbackPtr callback);
 
     // The size of the screen in GUI units.
     math::Vec2 GetSize() const;
@@ -54,6 +67,7 @@ public:
 
     void OnNewWindowSize(int width, int height);
     void OnScaleChange();
+    void OnFontChange();
 
     // Mouse-over first, then the tree: a panel opened above a component takes the mouse from it at the
     // next frame even without motion.
@@ -70,6 +84,7 @@ public:
     const util::SharedPtr<Component>& GetTooltipLayer() const { return m_tooltipLayer; }
 
 private:
+    util::CallbackSet m_fontChangeCallbacks;
     util::SharedPtr<Component> m_rootComponent;
     util::SharedPtr<Component> m_mainComponent;
     util::SharedPtr<Component> m_tooltipLayer;

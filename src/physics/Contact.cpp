@@ -89,7 +89,7 @@ bool Contact::SolveInit()
     {
         m_activeMassN = m_regularizedN;
         m_activeMassT = m_regularizedT;
-        const float error = std::min(s_targetPenetration - m_depth, sim.m_maxPositionCorrection);
+        const float error = std::min(s_targetPenetration - m_depth, sim.m_maxPositionCorrection.Get());
         m_targetN = error * p.distanceFactor * m_distanceWeight + math::Dot(v, m_normal) * p.velocityFactor +
                     math::Dot(acc, m_normal) * p.accelerationFactor;
     }

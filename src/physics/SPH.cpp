@@ -25,6 +25,11 @@ const math::TVector2<int> STENCIL[5] = {math::TVector2<int>(0, 0), math::TVector
                                         math::TVector2<int>(1, 1)};
 
 unsigned int s_jitterSeed = 0;
+
+const char* const AVG_NEIGH_COUNT = "AVG_neighCount";
+const char* const AVG_PRESSURE = "AVG_pressure";
+const char* const AVG_DENSITY = "AVG_density";
+const char* const HASH_INFO = "hashInfo";
 } // namespace
 
 math::TVector2<int> Cellify(const math::Vec2& position, float inverseCellSize)
@@ -33,7 +38,22 @@ math::TVector2<int> Cellify(const math::Vec2& position, float inverseCellSize)
                                static_cast<int>(position.y * inverseCellSize));
 }
 
-SPH::SPH() = default;
+SPH::SPH()
+    : script::Reflected("SPH"), m_radius(this, "radius", 0.05f), m_influence(this, "influence", 2.0f),
+      m_specialPressure(this, "specialPressure", true), m_velocitySmoothing(this, "velocitySmoothing", true),
+      m_vaporizeTime(this, "vaporizeTime", 5.0f), m_friction(this, "friction", 0.01f),
+      m_restitution(this, "restitution", 0.0f), m_soundSpeed(this, "soundSpeed", 20.0f),
+      m_density(this, "density", 1.0f), m_viscosity(this, "viscosity", 0.5f),
+      m_pressMultiplier(this, "pressMultiplier", 1.0f), m_viscMultiplier(this, "viscMultiplier", 1.0f),
+      m_surfaceTension(this, "surfaceTension", 0.0f), m_jitter(this, "jitter", 0.0f),
+      m_bucketSize(this, "bucketSize", 2.0f)
+{
+    // The reports exist from the start, so that a script may read them before there is any water.
+    Report(AVG_NEIGH_COUNT, 0.0f);
+    Report(AVG_PRESSURE, 0.0f);
+    Report(AVG_DENSITY, 0.0f);
+    Report(HASH_INFO, util::String());
+}
 
 SPH::~SPH() = default;
 
@@ -62,7 +82,8 @@ void SPH::SetupKernels()
     const double h3 = double(h) * h * h;
     s_kernel64PiH9Inv = static_cast<float>(1.0 / (64.0 * math::PI * h3 * h3 * h3));
     s_kernelPiH6Inv = static_cast<float>(1.0 / (math::PI * h3 * h3));
-    s_mass = math::PIf * m_radius * m_radius * m_density;
+    const float radius = m_radius;
+    s_mass = math::PIf * radius * radius * m_density;
 }
 
 void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float dt)
@@ -71,11 +92,16 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
     if (particles.empty())
         return;
     m_workingList = particles;
-    s_mass = math::PIf * m_radius * m_radius * m_density;
+    const float radius = m_radius;
+    const float density = m_density;
+    s_mass = math::PIf * radius * radius * density;
     {
+        // A change of the settings takes effect at once on all water.
         const util::ScopeProfiler stage("Update rad/density");
+        const float friction = m_friction;
+        const float restitution = m_restitution;
         for (const util::SharedPtr<Particle>& p : m_workingList)
-            p->SetAttribs(m_radius, m_density, m_friction, m_restitution);
+            p->SetAttribs(radius, density, friction, restitution);
     }
     FindNeighbors();
     CalcForces();
@@ -85,7 +111,8 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
         for (const util::SharedPtr<Particle>& p : m_workingList)
             p->m_lonelyTime = p->m_neighbors.size() < 2 ? p->m_lonelyTime + dt : 0.0f;
     }
-    if (m_jitter != 0.0f)
+    const float jitter = m_jitter;
+    if (jitter != 0.0f)
     {
         const util::ScopeProfiler stage("Jitter");
         std::mt19937 random(s_jitterSeed++);
@@ -93,24 +120,24 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
         for (const util::SharedPtr<Particle>& p : m_workingList)
         {
             const math::Vec2 dir(normal(random), normal(random));
-            p->AddForce(dir * (s_mass * m_jitter));
+            p->AddForce(dir * (s_mass * jitter));
         }
     }
     {
         const util::ScopeProfiler stage("Statistics");
-        double neighbours = 0.0;
-        double pressure = 0.0;
-        double density = 0.0;
+        double neighbourSum = 0.0;
+        double pressureSum = 0.0;
+        double densitySum = 0.0;
         for (const util::SharedPtr<Particle>& p : m_workingList)
         {
-            neighbours += p->m_neighbors.size();
-            pressure += p->m_pressure;
-            density += p->m_density;
+            neighbourSum += p->m_neighbors.size();
+            pressureSum += p->m_pressure;
+            densitySum += p->m_density;
         }
         const double n = static_cast<double>(m_workingList.size());
-        m_avgNeighCount = static_cast<float>(neighbours / n);
-        m_avgPressure = static_cast<float>(pressure / n);
-        m_avgDensity = static_cast<float>(density / n);
+        Report(AVG_NEIGH_COUNT, static_cast<float>(neighbourSum / n));
+        Report(AVG_PRESSURE, static_cast<float>(pressureSum / n));
+        Report(AVG_DENSITY, static_cast<float>(densitySum / n));
     }
     m_workingList.clear();
 }
@@ -133,7 +160,7 @@ void SPH::FindNeighbors()
     m_occupiedCells.clear();
     {
         const util::ScopeProfiler stage("Hashing particles");
-        const float inverseCellSize = 1.0f / (h * m_bucketSize);
+        const float inverseCellSize = 1.0f / (h * m_bucketSize.Get());
         for (const util::SharedPtr<Particle>& p : m_workingList)
         {
             const math::TVector2<int> cell = Cellify(p->GetPosition(), inverseCellSize);
@@ -171,6 +198,7 @@ void SPH::FindNeighbors()
             }
         }
     }
+    Report(HASH_INFO, util::String(cells.GetDiagnostics()));
 }
 
 void SPH::MatchCells(const util::VectorPOD<Particle*>& a, const util::VectorPOD<Particle*>& b,
@@ -220,6 +248,8 @@ void SPH::CalcForces()
 
     const float viscosityScale = m_viscosity * s_mass * m_viscMultiplier;
     const float pressureScale = s_mass * m_pressMultiplier;
+    const bool specialPressure = m_specialPressure;
+    const float surfaceTension = m_surfaceTension;
     for (const util::SharedPtr<Particle>& p : m_workingList)
     {
         Particle& pi = *p;
@@ -230,7 +260,7 @@ void SPH::CalcForces()
         {
             const Particle& pj = *n.particle;
             const math::Vec2 g = n.offset * PressureKernelDelta(n.distance);
-            const float c = m_specialPressure
+            const float c = specialPressure
                                 ? (pi.m_pressure + pj.m_pressure) / (2.0f * pi.m_density * pj.m_density)
                                 : pi.m_pressure / (pi.m_density * pi.m_density) +
                                       pj.m_pressure / (pj.m_density * pj.m_density);
@@ -239,7 +269,7 @@ void SPH::CalcForces()
             viscositySum += (pj.GetVelocity() - pi.GetVelocity()) *
                             (ViscocityKernelDelta2(n.distance) / (pj.m_density * pi.m_density));
         }
-        pi.m_cohesionForce = gradientSum * (m_surfaceTension * s_mass);
+        pi.m_cohesionForce = gradientSum * (surfaceTension * s_mass);
         const math::Vec2 force =
             (pi.m_cohesionForce + viscositySum * viscosityScale - pressureSum * pressureScale) * s_mass;
         pi.AddForce(force);
@@ -271,20 +301,12 @@ void SPH::VelocitySmoothing()
 
 float SPH::GetReportedValue(const util::String& name) const
 {
-    if (name == "AVG_neighCount")
-        return m_avgNeighCount;
-    if (name == "AVG_pressure")
-        return m_avgPressure;
-    if (name == "AVG_density")
-        return m_avgDensity;
-    return 0.0f;
+    return script::ObjectToValue<float>(GetObject(name));
 }
 
 util::String SPH::GetReportedText(const util::String& name) const
 {
-    if (name == "hashInfo" && m_cells)
-        return m_cells->GetDiagnostics();
-    return util::String();
+    return script::ObjectToValue<util::String>(GetObject(name));
 }
 
 } // namespace physics

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "math/Math.h"
+#include "script/AttribWrapper.h"
+#include "script/Reflected.h"
 #include "util/HashMap.h"
 #include "util/SharedPtr.h"
 #include "util/Singleton.h"
@@ -25,8 +27,10 @@ extern float s_mass;
 math::TVector2<int> Cellify(const math::Vec2& position, float inverseCellSize);
 
 // Smoothed-particle hydrodynamics of the water: neighbours by a spatial hash, then density, pressure,
-// viscosity and cohesion forces. Water meets solid shapes through ordinary contacts only.
-class SPH : public util::Pointee, public util::Singleton<SPH>
+// viscosity and cohesion forces. Water meets solid shapes through ordinary contacts only. Scripts see it
+// as "SPH"; after each update it reports "AVG_neighCount", "AVG_pressure" and "AVG_density" (averages over
+// the particles) and "hashInfo" (the spatial hash's diagnostics).
+class SPH : public script::Reflected, public util::Singleton<SPH>
 {
 public:
     SPH();
@@ -46,27 +50,35 @@ public:
     static float PressureKernelDelta(float d);
     static float ViscocityKernelDelta2(float d);
 
-    // Values reported after each update: "AVG_neighCount", "AVG_pressure", "AVG_density", and "hashInfo",
-    // the spatial hash's diagnostics.
+    // The last reported values, as a script reads them.
     float GetReportedValue(const util::String& name) const;
     util::String GetReportedText(const util::String& name) const;
 
-    // Settings, read at each use.
-    float m_radius = 0.05f;
-    float m_influence = 2.0f;
-    bool m_specialPressure = true;
-    bool m_velocitySmoothing = true;
-    float m_vaporizeTime = 5.0f;
-    float m_friction = 0.01f;
-    float m_restitution = 0.0f;
-    float m_soundSpeed = 20.0f;
-    float m_density = 1.0f;
-    float m_viscosity = 0.5f;
-    float m_pressMultiplier = 1.0f;
-    float m_viscMultiplier = 1.0f;
-    float m_surfaceTension = 0.0f;
-    float m_jitter = 0.0f;
-    float m_bucketSize = 2.0f;
+    // Settings: attributes of "SPH", read at each use.
+    // Particle radius in metres; sets area, mass and influence.
+    script::AttribWrapper<float> m_radius;
+    // Influence distance h in radii.
+    script::AttribWrapper<float> m_influence;
+    // The symmetric form of the pressure term.
+    script::AttribWrapper<bool> m_specialPressure;
+    script::AttribWrapper<bool> m_velocitySmoothing;
+    // Seconds alone after which a particle is removed.
+    script::AttribWrapper<float> m_vaporizeTime;
+    // Friction and restitution of a particle's geometry.
+    script::AttribWrapper<float> m_friction;
+    script::AttribWrapper<float> m_restitution;
+    // Stiffness: pressure = (density - rest density) * soundSpeed^2.
+    script::AttribWrapper<float> m_soundSpeed;
+    // Rest density, and the density for a particle's mass.
+    script::AttribWrapper<float> m_density;
+    script::AttribWrapper<float> m_viscosity;
+    script::AttribWrapper<float> m_pressMultiplier;
+    script::AttribWrapper<float> m_viscMultiplier;
+    script::AttribWrapper<float> m_surfaceTension;
+    // Random force per unit of mass.
+    script::AttribWrapper<float> m_jitter;
+    // Hash cell size in units of h.
+    script::AttribWrapper<float> m_bucketSize;
 
 private:
     using CellMap = util::HashMap<math::TVector2<int>, unsigned int>;
@@ -77,9 +89,6 @@ private:
     CellMap* m_cells = nullptr;
     std::vector<util::VectorPOD<Particle*>> m_cellLists;
     std::vector<math::TVector2<int>> m_occupiedCells;
-    float m_avgNeighCount = 0.0f;
-    float m_avgPressure = 0.0f;
-    float m_avgDensity = 0.0f;
 };
 
 } // namespace physics

@@ -70,9 +70,31 @@ void AddAirBuoyancy(float density, const math::Vec2& gravity, AbstractBody& body
 }
 
 Simulation::Simulation()
-    : m_solidBodies(3), m_joints(3), m_constraints(3), m_contactCache(3),
-      m_stepCallbacks(*new util::CallbackArgSet<float>())
+    : script::Reflected("Sim"), m_running(this, "running", true), m_timeFactor(this, "timeFactor", 1.0f),
+      m_timeDelta(this, "timeDelta", 0.01f), m_gravity(this, "gravity", math::Vec2(0.0f, -9.8f)),
+      m_gravitySwitch(this, "gravitySwitch", true), m_airSwitch(this, "airSwitch", true),
+      m_airFrictionLinear(this, "airFrictionLinear", 0.01f),
+      m_airFrictionQuadratic(this, "airFrictionQuadratic", 0.0f),
+      m_rotFrictionLinear(this, "rotFrictionLinear", 0.01f), m_airDensity(this, "airDensity", 0.01f),
+      m_springForce(this, "springForce", 1000.0f), m_defaultBodyDensity(this, "defaultBodyDensity", 2.0f),
+      m_defaultBodyFriction(this, "defaultBodyFriction", 0.5f),
+      m_defaultBodyRestitution(this, "defaultBodyRestitution", 0.5f), m_fallLimit(this, "fallLimit", 1000.0f),
+      m_prioritizedSolver(this, "prioritizedSolver", false),
+      m_targetPenetration(this, "targetPenetration", 0.001f), m_solveIter(this, "solveIter", 30),
+      m_solveConstant(this, "solveConstant", 1e8f), m_solveDcontacts(this, "solveDcontacts", 5.0f),
+      m_solveDconstraints(this, "solveDconstraints", 5.0f),
+      m_solvePenetrationDamping(this, "solvePenetrationDamping", false),
+      m_solveDistFactor(this, "solveDistFactor", 1.0f), m_solveVelFactor(this, "solveVelFactor", 1.0f),
+      m_solveAccFactor(this, "solveAccFactor", 1.0f),
+      m_solveRegularizationFactor(this, "solveRegularizationFactor", 1.0f),
+      m_solvePreSortConstraints(this, "solvePreSortConstraints", true), m_leapFrog(this, "leapFrog", true),
+      m_adHocSolver(this, "adHocSolver", false), m_warmStart(this, "warmStart", true),
+      m_warmStartFactor(this, "warmStartFactor", 0.5f),
+      m_maxPositionCorrection(this, "maxPositionCorrection", math::INF), m_solidBodies(3), m_joints(3),
+      m_constraints(3), m_contactCache(3), m_stepCallbacks(*new util::CallbackArgSet<float>())
 {
+    m_running->AddChangeCallback(util::MakeCallback(&Simulation::OnRunningChange, this));
+    AddCmd("time", [] { return script::ValueToObject(static_cast<float>(GetSimTime())); });
     // First of all geometries and bodies, so that both take id 0.
     m_worldGeom = QLEX_NEW new WorldGeom();
     m_worldBody = QLEX_NEW new Body();
@@ -110,7 +132,7 @@ const util::SharedPtr<WorldGeom>& Simulation::GetWorldGeom() const
 
 math::Vec2 Simulation::GetGravity() const
 {
-    return m_gravitySwitch ? m_gravity : math::Vec2(0.0f, 0.0f);
+    return m_gravitySwitch ? m_gravity.Get() : math::Vec2(0.0f, 0.0f);
 }
 
 void Simulation::AddStepCallback(const util::SharedPtr<util::CallbackArg<float>>& callback)
@@ -124,15 +146,16 @@ void Simulation::Update(double dt)
     m_statistics.clear();
     if (m_timeFactor < 0.0f)
         m_timeFactor = 0.0f;
+    const float timeFactor = m_timeFactor;
 
-    if (!m_running || math::IsZero(m_timeFactor))
+    if (!m_running || math::IsZero(timeFactor))
     {
         m_statistics += "Frozen\n";
         Step(false);
     }
     else
     {
-        m_timeDebt += double(m_timeFactor) * dt;
+        m_timeDebt += double(timeFactor) * dt;
         const double wanted = m_timeDebt;
         const double start = Now();
         const double h = m_timeDelta;
@@ -222,8 +245,17 @@ void Simulation::Step(bool run)
     }
     {
         const util::ScopeProfiler listeners("Step listeners");
-        m_stepCallbacks.CallAll(run ? m_timeDelta : 0.0f);
+        m_stepCallbacks.CallAll(run ? m_timeDelta.Get() : 0.0f);
     }
+}
+
+void Simulation::AdvanceOneStep()
+{
+    const bool run = m_running;
+    const double h = m_timeDelta;
+    Step(run);
+    if (run)
+        m_simulatedTime += h;
 }
 
 void Simulation::RebuildStepList()
@@ -388,12 +420,16 @@ void Simulation::SetupSolver()
         Contact::s_params = ConstraintParams(h, m_solveDcontacts, k, accFactor);
     }
     Contact::s_targetPenetration = m_targetPenetration;
+    const float distFactor = m_solveDistFactor;
+    const float velFactor = m_solveVelFactor;
+    const float accFactorScale = m_solveAccFactor;
+    const float regularizationFactor = m_solveRegularizationFactor;
     for (ConstraintParams* params : {&Hinge::s_params, &Contact::s_params})
     {
-        params->distanceFactor *= m_solveDistFactor;
-        params->velocityFactor *= m_solveVelFactor;
-        params->accelerationFactor *= m_solveAccFactor;
-        params->regularization *= m_solveRegularizationFactor;
+        params->distanceFactor *= distFactor;
+        params->velocityFactor *= velFactor;
+        params->accelerationFactor *= accFactorScale;
+        params->regularization *= regularizationFactor;
     }
 }
 
@@ -451,7 +487,7 @@ void Simulation::GaussSeidelSolver(const util::VectorPOD<Constraint*>& list)
 {
     const util::ScopeProfiler profile("GaussSeidelSolver");
     m_sweepList = list;
-    if (m_solvePreSortConstraints)
+    if (m_solvePreSortConstraints.Get())
     {
         // The biggest demands are served first in the first sweep.
         for (Constraint* constraint : m_sweepList)
@@ -489,7 +525,7 @@ void Simulation::PrioritizedSolver(const util::VectorPOD<Constraint*>& list)
     }
 
     std::set<Constraint*> touched;
-    const size_t steps = static_cast<size_t>(std::max(m_solveIter, 0)) * list.size();
+    const size_t steps = static_cast<size_t>(std::max(m_solveIter.Get(), 0)) * list.size();
     for (size_t step = 0; step < steps && !queue.empty(); ++step)
     {
         Constraint* top = *queue.begin();

@@ -4,6 +4,8 @@
 #include "physics/CollisionDetection.h"
 #include "physics/ContactID.h"
 #include "physics/WorldGeom.h"
+#include "script/AttribWrapper.h"
+#include "script/Reflected.h"
 #include "util/Callback.h"
 #include "util/HashMap.h"
 #include "util/SharedPtr.h"
@@ -29,8 +31,9 @@ double GetSimTime();
 
 // Owns every body, joint, hinge, particle and contact, and advances the world in fixed steps of timeDelta.
 // Update turns real time into a whole number of steps within a budget of real time per frame; a frame
-// that can't keep up drops the time it owes instead of spiralling.
-class Simulation : public util::Pointee, public util::Singleton<Simulation>
+// that can't keep up drops the time it owes instead of spiralling. Scripts see it as "Sim": its settings
+// are attributes, and the command "time" gives the simulated time.
+class Simulation : public script::Reflected, public util::Singleton<Simulation>
 {
 public:
     Simulation();
@@ -39,6 +42,9 @@ public:
     void Update(double dt);
     // One fixed step; with run false only the listeners are called, with 0.
     void Step(bool run);
+    // One step as Update takes it, but counted instead of timed: Step with `running` as it stands, and the
+    // simulated time moves on by timeDelta when the world runs. For batch runs.
+    void AdvanceOneStep();
     // Removes everything but the world body.
     void Clear();
 
@@ -91,40 +97,53 @@ public:
     void IntegrateVelocity(float dt);
     void IntegratePosition(float dt);
 
-    // Settings, read at each use so that they may change between two steps.
-    bool m_running = true;
-    float m_timeFactor = 1.0f;
-    float m_timeDelta = 0.01f;
-    math::Vec2 m_gravity = math::Vec2(0.0f, -9.8f);
-    bool m_gravitySwitch = true;
-    bool m_airSwitch = true;
-    float m_airFrictionLinear = 0.01f;
-    float m_airFrictionQuadratic = 0.0f;
-    float m_rotFrictionLinear = 0.01f;
-    float m_airDensity = 0.01f;
-    float m_springForce = 1000.0f;
-    float m_defaultBodyDensity = 2.0f;
-    float m_defaultBodyFriction = 0.5f;
-    float m_defaultBodyRestitution = 0.5f;
-    float m_fallLimit = 1000.0f;
-    bool m_prioritizedSolver = false;
-    float m_targetPenetration = 0.001f;
-    int m_solveIter = 30;
-    float m_solveConstant = 1e8f;
-    float m_solveDcontacts = 5.0f;
-    float m_solveDconstraints = 5.0f;
+    // Settings: attributes of "Sim", read at each use so that a script may change them between two steps.
+    // Where a loop runs over many bodies or contacts, the stage reads the attribute once into a local.
+    script::AttribWrapper<bool> m_running;
+    // Simulated seconds per real second; a negative value is taken back to 0.
+    script::AttribWrapper<float> m_timeFactor;
+    // Length of one fixed step, in seconds.
+    script::AttribWrapper<float> m_timeDelta;
+    script::AttribWrapper<math::Vec2> m_gravity;
+    script::AttribWrapper<bool> m_gravitySwitch;
+    // Gates air friction and air buoyancy of bodies.
+    script::AttribWrapper<bool> m_airSwitch;
+    // Drag coefficients: linear per metre of exposed width, quadratic in speed, and rotational.
+    script::AttribWrapper<float> m_airFrictionLinear;
+    script::AttribWrapper<float> m_airFrictionQuadratic;
+    script::AttribWrapper<float> m_rotFrictionLinear;
+    script::AttribWrapper<float> m_airDensity;
+    // Stiffness scale of springs.
+    script::AttribWrapper<float> m_springForce;
+    // What every new geometry starts with.
+    script::AttribWrapper<float> m_defaultBodyDensity;
+    script::AttribWrapper<float> m_defaultBodyFriction;
+    script::AttribWrapper<float> m_defaultBodyRestitution;
+    // Distance along gravity beyond which a body or particle is removed.
+    script::AttribWrapper<float> m_fallLimit;
+    script::AttribWrapper<bool> m_prioritizedSolver;
+    // Depth that contacts aim for, in metres.
+    script::AttribWrapper<float> m_targetPenetration;
+    script::AttribWrapper<int> m_solveIter;
+    // Stiffness k and the damping d (in steps) of contacts and hinges.
+    script::AttribWrapper<float> m_solveConstant;
+    script::AttribWrapper<float> m_solveDcontacts;
+    script::AttribWrapper<float> m_solveDconstraints;
     // Shown to scripts; nothing reads it.
-    bool m_solvePenetrationDamping = false;
-    float m_solveDistFactor = 1.0f;
-    float m_solveVelFactor = 1.0f;
-    float m_solveAccFactor = 1.0f;
-    float m_solveRegularizationFactor = 1.0f;
-    bool m_solvePreSortConstraints = true;
-    bool m_leapFrog = true;
-    bool m_adHocSolver = false;
-    bool m_warmStart = true;
-    float m_warmStartFactor = 0.5f;
-    float m_maxPositionCorrection = math::INF;
+    script::AttribWrapper<bool> m_solvePenetrationDamping;
+    // Scales of the terms of the constraint parameters.
+    script::AttribWrapper<float> m_solveDistFactor;
+    script::AttribWrapper<float> m_solveVelFactor;
+    script::AttribWrapper<float> m_solveAccFactor;
+    script::AttribWrapper<float> m_solveRegularizationFactor;
+    script::AttribWrapper<bool> m_solvePreSortConstraints;
+    script::AttribWrapper<bool> m_leapFrog;
+    script::AttribWrapper<bool> m_adHocSolver;
+    script::AttribWrapper<bool> m_warmStart;
+    // Fraction of the last step's impulses that is reused.
+    script::AttribWrapper<float> m_warmStartFactor;
+    // Bound on the position term of contacts and hinges, in metres.
+    script::AttribWrapper<float> m_maxPositionCorrection;
 
 private:
     void RebuildStepList();

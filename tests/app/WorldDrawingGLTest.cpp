@@ -3,8 +3,10 @@
 #include "app/App.h"
 #include "app/Camera.h"
 #include "gui/GUI.h"
+#include "physics/Contact.h"
 #include "physics/Particle.h"
 #include "physics/Simulation.h"
+#include "physics/testing/Scenes.h"
 #include "rendering/GLContext.h"
 #include "util/Mentor.h"
 
@@ -197,4 +199,26 @@ TEST_F(WorldDrawing, AFadeColourLeavesATrailOfTheLastFrameBehindAClearSky)
     DrawFrame();
     EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(WIDTH / 2, HEIGHT / 2), {0, 0, 0, 0}));
     m_app.GetBackground().ResetToDefaults();
+}
+
+TEST_F(WorldDrawing, CollisionsShowTheirContactPointsWhenAskedFor)
+{
+    physics::testing::ResetWorld();
+    physics::Simulation& sim = *physics::Simulation::GetInstancePtr();
+    sim.SetUpdateBudget(10.0f);
+    physics::testing::BuildColumn(1, physics::testing::Shape::Box, 0.5f);
+    m_app.Update(0.1f);
+    sim.m_running = false;
+    ASSERT_FALSE(m_app.GetContacts().empty());
+    const math::Vec2 point = m_app.GetContacts().front()->GetPoint();
+    const math::TVector2<int> pixel = PixelOf(point);
+
+    DrawFrame();
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(pixel.x, pixel.y), SKY));
+    m_app.m_drawCollisions = true;
+    DrawFrame();
+    // A contact younger than half a simulated second is white.
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(pixel.x, pixel.y), {255, 255, 255, 255}));
+    m_app.m_drawCollisions = false;
+    physics::testing::ResetWorld();
 }

@@ -292,6 +292,12 @@ TEST_F(WindowedProgramTest, Run_OpensTheWindowAndEndsInOrderOnSigterm)
     EXPECT_EQ(Signal(SIGTERM), 0) << ReadFile(m_dir / "stderr.txt");
     EXPECT_FALSE(Exists("config.autosave.cfg"));
     EXPECT_TRUE(Exists("config.cfg"));
+    // Every part that scripts reach by name is saved with its settings.
+    const std::string config = ReadFile(m_dir / "config.cfg");
+    for (const char* setting :
+         {"System.maxFPS = ", "Resources.shaders = ", "Sim.timeDelta = ", "SPH.radius = ", "GUI.scale = ",
+          "App.lineWidth = ", "App.Background.skyColor = ", "App.autosaveTime = 0.2", "Scene.Camera.zoom = "})
+        EXPECT_TRUE(Contains(config, setting)) << setting;
     EXPECT_TRUE(LogSays("Subsystem::Run returned, saving config..."));
     EXPECT_TRUE(LogSays("Returning 0 from main"));
     EXPECT_FALSE(LogSays("Recovering"));

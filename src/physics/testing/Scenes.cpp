@@ -24,6 +24,24 @@ const float WALL_THICKNESS = 0.5f;
 const float WATER_SPACING_RADII = 1.9f;
 
 float s_lastTankWidth = 0.0f;
+
+template <class T> bool ResetIfOfType(const script::VariablePtr& variable)
+{
+    const util::SharedPtr<script::TAttrib<T>> attrib =
+        util::dynamic_pointer_cast<script::TAttrib<T>>(variable);
+    // Through the script's path, so that a bound expression goes too.
+    if (attrib)
+        attrib->SetObject(script::ValueToObject(attrib->GetDefault()));
+    return bool(attrib);
+}
+
+// Every attribute back to its default.
+void ResetAttributes(script::Reflected& object)
+{
+    for (const script::VariablePtr& variable : object.GetVariables())
+        ResetIfOfType<bool>(variable) || ResetIfOfType<int>(variable) || ResetIfOfType<float>(variable) ||
+            ResetIfOfType<math::Vec2>(variable);
+}
 } // namespace
 
 void ResetWorld()
@@ -32,55 +50,8 @@ void ResetWorld()
     sim.Clear();
     sim.SetClock(nullptr);
     sim.SetUpdateBudget(0.05f);
-    sim.m_running = true;
-    sim.m_timeFactor = 1.0f;
-    sim.m_timeDelta = 0.01f;
-    sim.m_gravity = math::Vec2(0.0f, -9.8f);
-    sim.m_gravitySwitch = true;
-    sim.m_airSwitch = true;
-    sim.m_airFrictionLinear = 0.01f;
-    sim.m_airFrictionQuadratic = 0.0f;
-    sim.m_rotFrictionLinear = 0.01f;
-    sim.m_airDensity = 0.01f;
-    sim.m_springForce = 1000.0f;
-    sim.m_defaultBodyDensity = 2.0f;
-    sim.m_defaultBodyFriction = 0.5f;
-    sim.m_defaultBodyRestitution = 0.5f;
-    sim.m_fallLimit = 1000.0f;
-    sim.m_prioritizedSolver = false;
-    sim.m_targetPenetration = 0.001f;
-    sim.m_solveIter = 30;
-    sim.m_solveConstant = 1e8f;
-    sim.m_solveDcontacts = 5.0f;
-    sim.m_solveDconstraints = 5.0f;
-    sim.m_solvePenetrationDamping = false;
-    sim.m_solveDistFactor = 1.0f;
-    sim.m_solveVelFactor = 1.0f;
-    sim.m_solveAccFactor = 1.0f;
-    sim.m_solveRegularizationFactor = 1.0f;
-    sim.m_solvePreSortConstraints = true;
-    sim.m_leapFrog = true;
-    sim.m_adHocSolver = false;
-    sim.m_warmStart = true;
-    sim.m_warmStartFactor = 0.5f;
-    sim.m_maxPositionCorrection = math::INF;
-
-    SPH& sph = *SPH::GetInstancePtr();
-    sph.m_radius = 0.05f;
-    sph.m_influence = 2.0f;
-    sph.m_specialPressure = true;
-    sph.m_velocitySmoothing = true;
-    sph.m_vaporizeTime = 5.0f;
-    sph.m_friction = 0.01f;
-    sph.m_restitution = 0.0f;
-    sph.m_soundSpeed = 20.0f;
-    sph.m_density = 1.0f;
-    sph.m_viscosity = 0.5f;
-    sph.m_pressMultiplier = 1.0f;
-    sph.m_viscMultiplier = 1.0f;
-    sph.m_surfaceTension = 0.0f;
-    sph.m_jitter = 0.0f;
-    sph.m_bucketSize = 2.0f;
+    ResetAttributes(sim);
+    ResetAttributes(*SPH::GetInstancePtr());
 }
 
 util::SharedPtr<Body> AddDynamic(const util::SharedPtr<Geom>& geom)
