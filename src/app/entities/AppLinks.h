@@ -5,6 +5,7 @@
 // application root is to do. Delete this file, and call app::App directly, once App has all three.
 
 #include "app/App.h"
+#include "app/Background.h"
 #include "app/entities/Entity.h"
 #include "util/ColorUtil.h"
 #include "util/Random.h"
@@ -57,7 +58,11 @@ template <class A = App> math::Vec4 BorderColor(const Entity* entity)
     }
 }
 
-// A colour of even spread over the colour disc, lightness biased to the middle, never too dark to see.
+// A new shape is never too dark, nor too near the sky's colour, to be seen.
+const float MIN_INTENSITY = 0.05f;
+const float MIN_SKY_DISTANCE = 0.1f;
+
+// A colour of even spread over the colour disc, lightness biased to the middle.
 template <class A = App> math::Vec4 RandomEntityColor4()
 {
     if constexpr (HasRandomEntityColor4<A>::value)
@@ -74,7 +79,9 @@ template <class A = App> math::Vec4 RandomEntityColor4()
             const math::Vec2 p = random.GetPointInCircle(1.0f);
             const float hue = (p.x == 0 && p.y == 0) ? 0.0f : std::atan2(p.y, p.x) * 180.0f / math::PIf;
             c = util::HSL2RGB(hue, p.Length(), lightness);
-        } while (util::RGBIntensity(c) < 0.05f);
+        } while (util::RGBIntensity(c) < MIN_INTENSITY ||
+                 (A::Exists() &&
+                  math::Distance(c, A::GetInstancePtr()->GetBackground().GetSkyColor()) < MIN_SKY_DISTANCE));
         return math::Vec4(c.x, c.y, c.z, 1.0f);
     }
 }

@@ -1,6 +1,7 @@
 #include "app/entities/Entity.h"
 
 #include "app/App.h"
+#include "app/Camera.h"
 #include "app/Chain.h"
 #include "app/EntitySerializer.h"
 #include "app/FileInfo.h"
@@ -125,10 +126,29 @@ void Entity::Deserialize(const EntitySerializer& serializer)
     }
     if (serializer.Has("zDepth"))
         m_zDepth = serializer.Get<float>("zDepth");
+    if (serializer.Has("tracked") && serializer.Get<bool>("tracked"))
+        TrackWithCamera();
     if (serializer.Has("buttonDestroy"))
         m_buttonDestroy.Deserialize(serializer.Get<util::String>("buttonDestroy"));
     if (serializer.Has("buttonMirror"))
         m_buttonMirror.Deserialize(serializer.Get<util::String>("buttonMirror"));
+}
+
+void Entity::TrackWithCamera()
+{
+    // The camera follows the middle of the entity's box until the entity leaves the scene. A record is read
+    // before its entity enters the scene, so following starts at once.
+    const util::WeakPtr<Entity> weak(this);
+    Scene::GetInstancePtr()->GetCamera()->SetTracked(
+        [weak, entered = false]() mutable -> math::Vec2
+        {
+            const EntityPtr entity = weak.lock();
+            const bool inScene = entity && Scene::GetInstancePtr()->HasEntity(entity);
+            entered = entered || inScene;
+            if (!entity || (entered && !inScene))
+                return math::Vec2(math::INF, math::INF);
+            return entity->GetAABB().GetCenter();
+        });
 }
 
 void DestroyByButton(input::ButtonInput* button, util::WeakPtr<Entity> entity)

@@ -73,6 +73,8 @@ public:
     math::Vec4 GetColor() const { return m_color; }
     bool HasScaleTransform() const;
     void ClearScaleTransform();
+    // Makes the camera follow this entity, as the key "tracked" of a scene record asks.
+    void TrackWithCamera();
 
     std::uint32_t m_id;
     util::SharedPtr<Chain> m_chain;

@@ -5,9 +5,12 @@
 #include "app/Scene.h"
 #include "app/entities/AppLinks.h"
 #include "app/entities/DrawColor.h"
+#include "app/entities/ShapeGeometry.h"
 #include "physics/Polygon.h"
 #include "physics/Simulation.h"
 #include "rendering/GLContext.h"
+#include "rendering/Image.h"
+#include "rendering/Renderer.h"
 #include "util/Profiler.h"
 
 #include <cmath>
@@ -16,6 +19,8 @@
 namespace app
 {
 const double PenEntity::MAX_TAIL_TIME = 600.0;
+util::SharedPtr<util::Mentor<rendering::Texture>> PenEntity::s_penTex;
+util::SharedPtr<util::Mentor<rendering::Texture>> PenEntity::s_ringTex;
 
 namespace
 {
@@ -25,20 +30,30 @@ const float TAIL_WIDTH = 0.7f;
 const float RING_SCALE = 1.3f;
 // Consecutive tail points are at least this share of a screen centimetre, and of the pen's size, apart.
 const float MIN_TAIL_STEP = 0.1f;
-const int HEAD_SEGMENTS = 24;
 // A moved pen stays on its geom while within this distance of it, in metres.
 const float ON_GEOM_TOLERANCE = 0.001f;
 
-void DrawDisc(math::Vec2 c, float r)
+rendering::Texture* MakeTexture(const std::vector<float>& texels)
 {
-    glBegin(GL_TRIANGLE_FAN);
-    glVertex2f(c.x, c.y);
-    for (int i = 0; i <= HEAD_SEGMENTS; ++i)
-    {
-        const float t = 2.0f * math::PIf * i / HEAD_SEGMENTS;
-        glVertex2f(c.x + r * std::cos(t), c.y + r * std::sin(t));
-    }
-    glEnd();
+    rendering::ImageFloatPtr image = QLEX_NEW new rendering::ImageFloat(PEN_TEXTURE_SIZE, PEN_TEXTURE_SIZE);
+    for (int j = 0; j < PEN_TEXTURE_SIZE; ++j)
+        for (int i = 0; i < PEN_TEXTURE_SIZE; ++i)
+            (*image)(i, j) = texels[size_t(j) * PEN_TEXTURE_SIZE + i];
+    return new rendering::Texture(
+        image, rendering::Texture::ImageType(GL_ALPHA, true, rendering::Texture::Quality(1, 1, 1, 1, 1)));
+}
+
+// A textured square of side `size` about c.
+void DrawSprite(const rendering::Texture& texture, math::Vec2 c, float size)
+{
+    glPushAttrib(GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT | GL_TEXTURE_BIT);
+    glEnable(GL_TEXTURE_2D);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glBindTexture(GL_TEXTURE_2D, texture.GetName());
+    rendering::Renderer::GetInstancePtr()->DrawRect(c, size);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glPopAttrib();
 }
 
 math::Vec2 UnitOrZero(const math::Vec2& v)
@@ -54,6 +69,16 @@ PenEntity::PenEntity(float size)
 {
     physics::Simulation::GetInstancePtr()->AddStepCallback(
         util::MakeCallbackArg<float>(&PenEntity::OnSimUpdate, this));
+}
+
+void PenEntity::LoadResources()
+{
+    if (s_penTex)
+        return;
+    s_penTex = QLEX_NEW new util::Mentor<rendering::Texture>(
+        [] { return MakeTexture(PenTexture(PEN_TEXTURE_SIZE)); });
+    s_ringTex = QLEX_NEW new util::Mentor<rendering::Texture>(
+        [] { return MakeTexture(RingTexture(PEN_TEXTURE_SIZE)); });
 }
 
 void PenEntity::Update(float) {}
@@ -238,6 +263,10 @@ void PenEntity::Draw() const
             w *= std::sqrt(std::fabs(m_scaleTransform(0, 0) * m_scaleTransform(1, 1)));
         }
         const float half = w / 2.0f;
+        // The tail fades through its alpha.
+        glPushAttrib(GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT);
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
         glBegin(GL_TRIANGLE_STRIP);
         for (size_t i = FindBegin(); i < m_tail.size(); ++i)
         {
@@ -250,23 +279,16 @@ void PenEntity::Draw() const
             glVertex2f(p1.x, p1.y);
         }
         glEnd();
+        glPopAttrib();
         glPopMatrix();
     }
-    const math::Vec2 pos = GetPos();
+    LoadResources();
     SetDrawColor(m_color);
-    DrawDisc(pos, m_size / 2.0f);
+    DrawSprite(*s_penTex->GetPtr(), GetPos(), m_size);
     if (m_selectedLook || m_markedLook)
     {
-        const math::Vec4 border = links::BorderColor(this);
-        SetDrawColor(border);
-        glBegin(GL_LINE_LOOP);
-        for (int i = 0; i < HEAD_SEGMENTS; ++i)
-        {
-            const float t = 2.0f * math::PIf * i / HEAD_SEGMENTS;
-            glVertex2f(pos.x + RING_SCALE * m_size / 2.0f * std::cos(t),
-                       pos.y + RING_SCALE * m_size / 2.0f * std::sin(t));
-        }
-        glEnd();
+        SetDrawColor(links::BorderColor(this));
+        DrawSprite(*s_ringTex->GetPtr(), GetPos(), RING_SCALE * m_size);
     }
 }
 

@@ -163,7 +163,7 @@ void PolyEntity::Draw() const
     math::Vec2 corners[4];
     PolygonMapCorners(*m_polygon, corners);
 
-    glPushAttrib(GL_ALL_ATTRIB_BITS);
+    glPushAttrib(GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT | GL_TEXTURE_BIT | GL_DEPTH_BUFFER_BIT);
     glPushMatrix();
     m_geom->GetPose().MultToGL();
     DrawDebugPictures(app);
@@ -198,7 +198,7 @@ void PolyEntity::DrawBlack() const
     LoadRenderingResources();
     math::Vec2 corners[4];
     PolygonMapCorners(*m_polygon, corners);
-    glPushAttrib(GL_ALL_ATTRIB_BITS);
+    glPushAttrib(GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT | GL_TEXTURE_BIT | GL_DEPTH_BUFFER_BIT);
     glPushMatrix();
     m_geom->GetPose().MultToGL();
     m_resources->Bind();

@@ -79,6 +79,36 @@ std::vector<float> CircleTexture(int size, bool cake)
     return texels;
 }
 
+namespace
+{
+// The inner edge of the selection ring, as a share of its radius.
+const float RING_INNER = 0.7f;
+
+// Alpha texels of a function of the distance from the middle, that distance in units of the half side.
+template <class F> std::vector<float> RadialTexture(int size, F alpha)
+{
+    std::vector<float> texels(size_t(size) * size);
+    for (int j = 0; j < size; ++j)
+        for (int i = 0; i < size; ++i)
+        {
+            const math::Vec2 p((i + 0.5f) / size * 2.0f - 1.0f, (j + 0.5f) / size * 2.0f - 1.0f);
+            texels[size_t(j) * size + i] = alpha(p.Length(), 2.0f / size);
+        }
+    return texels;
+}
+} // namespace
+
+std::vector<float> PenTexture(int size)
+{
+    return RadialTexture(size, [](float r, float texel) { return Smooth(texel, 1.0f - r); });
+}
+
+std::vector<float> RingTexture(int size)
+{
+    return RadialTexture(size, [](float r, float texel)
+                         { return Smooth(texel, 1.0f - r) * Smooth(texel, r - RING_INNER); });
+}
+
 std::vector<math::Vec2> PlaneSegment(const math::Vec2 corners[4], const float dists[4], float lo, float hi)
 {
     std::vector<math::Vec2> fan;

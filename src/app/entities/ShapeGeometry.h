@@ -41,6 +41,13 @@ float Smooth(float s, float v);
 // with or without the cake slice cut out.
 std::vector<float> CircleTexture(int size, bool cake);
 
+// The pen's head, a disc filling the square, and the ring that marks a selected pen: alpha texels, row by
+// row, smoothed over one texel at the rim.
+std::vector<float> PenTexture(int size);
+std::vector<float> RingTexture(int size);
+// Side of the pen textures, in texels.
+const int PEN_TEXTURE_SIZE = 64;
+
 // The fan of the part of a convex quad (the view) where the signed distance lies within lo..hi: the
 // corners inside, and on each edge the crossings of hi and lo in order along the edge.
 std::vector<math::Vec2> PlaneSegment(const math::Vec2 corners[4], const float dists[4], float lo, float hi);

@@ -4,6 +4,7 @@
 #include "GLTestWindow.h"
 #include "app/App.h"
 #include "app/Camera.h"
+#include "app/entities/PenEntity.h"
 #include "math/MatrixGL.h"
 
 #include <GL/gl.h>
@@ -166,5 +167,38 @@ TEST_F(EntityDrawingGLTest, PlaneFillsTheViewBehindItsLine)
     EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.9f, -0.7f)), Rgb(255, 255, 0, 255)));
     EXPECT_TRUE(Near(PixelAt(math::Vec2(0.9f, -0.5f - Px(1.5f))), Rgb(128, 128, 0, 255)));
     EXPECT_TRUE(Near(PixelAt(math::Vec2(0.0f, -0.5f + Px(2))), BLACK));
+}
+TEST_F(EntityDrawingGLTest, PenShowsItsHeadAndAFadingTail)
+{
+    Sim().m_gravitySwitch = false;
+    Sim().m_airSwitch = false;
+    util::SharedPtr<app::CircleEntity> ball = AddCircle(0.05f, math::Vec2(-0.7f, -0.2f));
+    ball->GetBody()->SetVelocity(math::Vec2(1, 0));
+    util::SharedPtr<app::PenEntity> pen = QLEX_NEW new app::PenEntity(0.12f);
+    pen->AttachTo(ball->GetGeom(), math::Vec2(0, 0));
+    pen->SetColor(math::Vec4(1, 0, 1, 1));
+    TheScene().AddEntity(pen);
+    // A second of simulated time: the head moves a metre to the right, the tail follows the path.
+    for (int i = 0; i < 100; ++i)
+        Sim().Update(0.01);
+    ASSERT_GT(pen->GetTail().size(), 10u);
+    pen->m_fadeTime = 1.0f;
+    DrawAlone(*pen);
+    const math::Vec2 head = pen->GetPos();
+    EXPECT_NEAR(head.x, 0.3f, 0.02f);
+    EXPECT_TRUE(Near(PixelAt(head), Rgb(255, 0, 255, 255)));
+    // Half the fade time back, the tail is mixed half way with the black behind it; further back than the
+    // fade time, nothing is left.
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(head.x - 0.5f, head.y)), Rgb(128, 0, 128, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(head.x - 0.75f, head.y)), Rgb(64, 0, 64, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(head.x - 1.0f + 0.05f, head.y)), Rgb(13, 0, 13, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(head.x - 0.5f, head.y + 0.1f)), BLACK));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(head.x + 0.1f, head.y)), BLACK));
+
+    pen->m_fadeTime = 0.0f;
+    glClear(GL_COLOR_BUFFER_BIT);
+    DrawAlone(*pen);
+    EXPECT_TRUE(Near(PixelAt(head), Rgb(255, 0, 255, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(head.x - 0.5f, head.y)), BLACK));
 }
 } // namespace

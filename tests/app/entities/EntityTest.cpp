@@ -1,7 +1,11 @@
 #include "app/entities/Entity.h"
+#include "app/App.h"
+#include "app/Background.h"
 #include "app/Chain.h"
 #include "app/EntitySerializer.h"
+#include "app/Scene.h"
 #include "physics/Polygon.h"
+#include "util/ColorUtil.h"
 
 #include <gtest/gtest.h>
 
@@ -101,8 +105,6 @@ TEST(Entity, IsInViewComparesTheBoxWithTheView)
 }
 } // namespace
 
-#include "app/Scene.h"
-
 namespace
 {
 TEST(Entity, DestroyKeyRemovesEveryEntityBoundToTheSameCombination)
@@ -131,5 +133,24 @@ TEST(Entity, DestroyKeyRemovesEveryEntityBoundToTheSameCombination)
     dropped->m_buttonDestroy.SetOn(true);
     EXPECT_TRUE(scene.HasEntity(other));
     scene.ClearScene();
+}
+} // namespace
+
+namespace
+{
+TEST(Entity, NewColorsAreNeverTooDarkNorNearTheSky)
+{
+    app::Background& background = app::App::GetInstancePtr()->GetBackground();
+    const math::Vec4 sky = background.GetSkyColor4();
+    background.SetSkyColor(math::Vec4(0.5f, 0.5f, 0.5f, 1));
+    for (int i = 0; i < 300; ++i)
+    {
+        util::SharedPtr<BareEntity> e = QLEX_NEW new BareEntity();
+        const math::Vec3 rgb(e->GetColor().x, e->GetColor().y, e->GetColor().z);
+        // Rounding to three decimals moves a colour by less than a thousandth.
+        EXPECT_GE(math::Distance(rgb, math::Vec3(0.5f, 0.5f, 0.5f)), 0.1f - 0.001f);
+        EXPECT_GE(util::RGBIntensity(rgb), 0.05f - 0.001f);
+    }
+    background.SetSkyColor(sky);
 }
 } // namespace

@@ -1,6 +1,7 @@
 #include "EntityTestWorld.h"
 
 #include "app/App.h"
+#include "app/Camera.h"
 #include "app/EntitySerializer.h"
 #include "physics/SPH.h"
 
@@ -291,5 +292,29 @@ TEST_F(GeomEntityTest, EnergyCountsMotionAndHeight)
     Run(30);
     EXPECT_NEAR(box->CalcEnergy(), before, 0.01f * before);
     EXPECT_LT(box->GetGeom()->GetPosition().y, 1.9f);
+}
+} // namespace
+
+namespace
+{
+TEST_F(GeomEntityTest, TrackedRecordMakesTheCameraFollowTheShapeUntilItLeaves)
+{
+    app::Camera& camera = *TheScene().GetCamera();
+    camera.SetTracked(nullptr);
+    util::SharedPtr<app::BoxEntity> box =
+        QLEX_NEW new app::BoxEntity(QLEX_NEW new physics::Box(math::Vec2(1, 1), math::Vec2(0, 5)));
+    app::EntitySerializer record;
+    record.Set("tracked", true);
+    box->Deserialize(record);
+    TheScene().AddEntity(box);
+    EXPECT_TRUE(camera.IsTracking());
+    const math::Vec2 pan = camera.GetPan();
+    Run(20);
+    camera.Update(0.2f);
+    EXPECT_LT(camera.GetPan().y, pan.y);
+
+    TheScene().RemoveEntity(box);
+    camera.Update(0.01f);
+    EXPECT_FALSE(camera.IsTracking());
 }
 } // namespace

@@ -138,3 +138,19 @@ TEST(ShapeGeometry, PolygonTextureHasItsOutlineAtOneHalf)
     EXPECT_LT(app::PolygonInsideThreshold(0.01f, maxDist), 0.5f);
 }
 } // namespace
+
+namespace
+{
+TEST(ShapeGeometry, PenHeadIsADiscAndItsRingHasAHole)
+{
+    const int size = 32;
+    const std::vector<float> pen = app::PenTexture(size);
+    const std::vector<float> ring = app::RingTexture(size);
+    auto at = [size](const std::vector<float>& t, int i, int j) { return t[size_t(j) * size + i]; };
+    EXPECT_FLOAT_EQ(at(pen, size / 2, size / 2), 1.0f);
+    EXPECT_FLOAT_EQ(at(pen, 0, 0), 0.0f);
+    EXPECT_FLOAT_EQ(at(ring, size / 2, size / 2), 0.0f);
+    EXPECT_FLOAT_EQ(at(ring, 2, size / 2), 1.0f);
+    EXPECT_FLOAT_EQ(at(ring, 0, 0), 0.0f);
+}
+} // namespace
