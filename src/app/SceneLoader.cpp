@@ -4,13 +4,26 @@
 #include "app/Scene.h"
 #include "app/SceneFiles.h"
 #include "app/Serializer.h"
+#include "app/Settings.h"
 #include "logging/Log.h"
+#include "script/Attributes.h"
 #include "util/FileSystem.h"
 
 namespace app
 {
 
 const math::Vec2 SceneLoader::PAN_SENTINEL(1337.42f, -42.1337f);
+
+namespace
+{
+// The interface's "autoGlue": what is placed sticks to the background. Off where there is no interface.
+bool AutoGlue()
+{
+    script::VariablePtr setting = FindSetting("App.GUI.autoGlue");
+    auto* attrib = dynamic_cast<script::TAttrib<bool>*>(setting.get());
+    return attrib && attrib->Get();
+}
+} // namespace
 
 SceneLoader::SceneLoader(bool import, const util::String& fileName)
     : Action(import ? "UndoImportQlexlet" : "UndoLoadScene"), m_import(import), m_fileName(fileName)
@@ -103,6 +116,8 @@ void SceneLoader::Load()
     if (!box.IsEmpty())
         scene->MoveTransform(added, math::Mat2D::Translation(scene->GetMousePos() - box.GetCenter()), false);
     scene->MoveToFront(added);
+    if (AutoGlue())
+        added->GlueToBackground();
     info->m_title = title;
     info->m_author = author;
     info->m_description = description;
