@@ -1,6 +1,7 @@
 #include "SceneTestSupport.h"
 
 #include "app/Action.h"
+#include "app/Chain.h"
 #include "app/SceneFiles.h"
 #include "app/SceneLoader.h"
 #include "app/Snapshot.h"
@@ -260,5 +261,54 @@ TEST_F(SceneTest, EraseEntities_RemovesShapesWithTheirJointsAndUndoBringsAllBack
     EXPECT_EQ(Save(), before);
     app::Undoer::GetInstancePtr()->Redo();
     EXPECT_TRUE(scene->GetEntities().empty());
+}
+} // namespace
+
+namespace
+{
+using scenetest::SceneTest;
+
+class NoAction : public app::Action
+{
+public:
+    NoAction() : app::Action("UndoSnapshot") {}
+    void Do() override {}
+    void Undo() override {}
+};
+
+TEST_F(SceneTest, Undoer_MaxUndoOfTheApplicationBoundsEachStack)
+{
+    app::Undoer* undoer = app::Undoer::GetInstancePtr();
+    Run("App.maxUndo = 3");
+    for (int i = 0; i < 5; ++i)
+        undoer->Do(QLEX_NEW new NoAction());
+    EXPECT_EQ(undoer->GetUndoCount(), 3u);
+    undoer->Undo();
+    undoer->Undo();
+    EXPECT_EQ(undoer->GetRedoCount(), 2u);
+    Run("App.maxUndo = 1");
+    undoer->OnMaxUndoChange();
+    EXPECT_EQ(undoer->GetUndoCount(), 1u);
+    EXPECT_EQ(undoer->GetRedoCount(), 1u);
+    Run("App.maxUndo = 25");
+}
+
+TEST_F(SceneTest, Snapshot_ChainLinksReturnToTheirPlaces)
+{
+    Run("Scene.addBox {pos = [0, 0]; chain = 1; chainNr = 0}; Scene.addBox {pos = [2, 0]; chain = 1; chainNr "
+        "= 1};"
+        "Scene.addBox {pos = [4, 0]; chain = 1; chainNr = 2}");
+    auto boxes = All<app::BoxEntity>();
+    ASSERT_EQ(boxes.size(), 3u);
+    app::ChainPtr chain = boxes[0]->m_chain;
+    app::SnapshotPtr snapshot = app::Snapshot::TakeSnapshot();
+    chain->Detach();
+    scene->RemoveEntity(boxes[1]);
+    snapshot->Restore();
+    for (int i = 0; i < 3; ++i)
+    {
+        ASSERT_EQ(boxes[i]->m_chain, chain);
+        EXPECT_EQ(chain->IndexOf(boxes[i].get()), i);
+    }
 }
 } // namespace
