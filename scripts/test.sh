@@ -29,3 +29,16 @@ if command -v clang++ >/dev/null 2>&1; then
     exit 1
   fi
 fi
+
+# The scene fuzzer: half a minute of any text loaded as a scene, stepped, saved, undone and redone, from our
+# sample scenes and the scene files of the cli cases.
+if [ -x "${fuzz:-}/scene_fuzzer" ]; then
+  mkdir -p "$fuzz/scene_corpus" "$fuzz/scene_artifacts"
+  if ! "$fuzz/scene_fuzzer" "$fuzz/scene_corpus" "$root/scenes" "$root/tests/cli/cases" \
+      -max_total_time=30 -detect_leaks=0 -timeout=20 -rss_limit_mb=4096 \
+      -artifact_prefix="$fuzz/scene_artifacts/" >"$fuzz/scene_fuzz.log" 2>&1; then
+    tail -n 60 "$fuzz/scene_fuzz.log"
+    echo "The scene fuzzer found a failing input: see $fuzz/scene_artifacts/" >&2
+    exit 1
+  fi
+fi

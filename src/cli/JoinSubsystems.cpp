@@ -1,10 +1,45 @@
+#include "app/App.h"
+#include "app/Scene.h"
+#include "app/SceneFiles.h"
+#include "app/Serializer.h"
+#include "app/Undoer.h"
 #include "cli/HeadlessSystem.h"
 #include "cli/World.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
+#include "util/FileSystem.h"
 
 namespace cli
 {
+
+namespace
+{
+// The scene with its file commands, the application's settings and the history, without any window.
+void JoinScene(World& world)
+{
+    app::Scene::GetInstancePtr()->AddToRoot();
+    app::Serializer::GetInstancePtr();
+    const util::SharedPtr<script::Reflected>& application = app::App::GetInstancePtr()->GetReflected();
+    application->AddToRoot();
+    if (!application->HasVariable("undo"))
+        application->AddVoidCmd("undo", [] { app::Undoer::GetInstancePtr()->Undo(); });
+    if (!application->HasVariable("redo"))
+        application->AddVoidCmd("redo", [] { app::Undoer::GetInstancePtr()->Redo(); });
+
+    world.load = [](const util::String& path)
+    {
+        // A name without a folder is one of the scenes of the work directory, as in the application.
+        const util::String file = path.find('/') == util::String::npos
+                                      ? util::FileSystem::GetInstancePtr()->SceneDir() + path
+                                      : path;
+        if (!util::FileSystem::FileExists(file))
+            return false;
+        app::LoadSceneFile(file, true);
+        return true;
+    };
+    world.save = [](const util::String& path) { return app::SaveSceneFile(path, true); };
+}
+} // namespace
 
 void JoinSubsystems(World& world)
 {
@@ -15,8 +50,9 @@ void JoinSubsystems(World& world)
 
     world.step = []
     {
-        physics::Simulation::GetInstancePtr()->AdvanceOneStep();
-        // The scene's own update follows here once the scene is part of qlex-cli.
+        physics::Simulation* sim = physics::Simulation::GetInstancePtr();
+        sim->AdvanceOneStep();
+        app::Scene::GetInstancePtr()->Update(sim->m_timeDelta);
     };
     world.timeDelta = []
     { return static_cast<double>(physics::Simulation::GetInstancePtr()->m_timeDelta.Get()); };
@@ -27,7 +63,8 @@ void JoinSubsystems(World& world)
         sim->Update(0.0);
         return sim->GetStatistics();
     };
-    // world.load and world.save come with the scene.
+
+    JoinScene(world);
 }
 
 } // namespace cli

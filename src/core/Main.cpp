@@ -1,12 +1,20 @@
 #include "core/Main.h"
 
+#include "app/App.h"
+#include "app/AppGUI.h"
+#include "app/Scene.h"
 #include "core/CommandLine.h"
 #include "core/ProgramFiles.h"
+#include "core/ResourceManager.h"
 #include "core/Subsystem.h"
+#include "gui/GUI.h"
 #include "logging/Log.h"
+#include "physics/SPH.h"
+#include "physics/Simulation.h"
 #include "platform/Os.h"
-
-#include <GL/glew.h>
+#include "script/Configuration.h"
+#include "script/Parser.h"
+#include "util/FileSystem.h"
 
 #include <iostream>
 #include <new>
@@ -33,42 +41,55 @@ std::optional<math::TVector2<int>> DisplaySize()
     return std::nullopt;
 }
 
-// Which configuration to read. A left-over autosave means the last run didn't end in order, and holds the
-// newest settings of that run.
+std::string ConfigDir()
+{
+    return util::FileSystem::GetInstancePtr()->ConfigDir();
+}
+
+// The singletons that scripts reach by name, and the application root in the interface's tree.
+void JoinSubsystems(core::Subsystem& subsystem)
+{
+    subsystem.GetReflected()->AddToRoot();
+    core::ResourceManager::GetInstancePtr()->AddToRoot();
+    physics::Simulation::GetInstancePtr()->AddToRoot();
+    physics::SPH::GetInstancePtr()->AddToRoot();
+    gui::GUI* gui = gui::GUI::GetInstancePtr();
+    gui->GetReflected()->AddToRoot();
+
+    util::SharedPtr<app::App> application = app::App::GetInstancePtr();
+    gui->GetMainComponent()->AddComponent(application);
+    application->GetReflected()->AddToRoot();
+    app::Scene::GetInstancePtr()->AddToRoot();
+    Log(logging::Debug, "Application created");
+}
+
+// Which configuration to read: a left-over autosave means the last run didn't end in order, and holds the
+// newest settings of that run. A first run fits the window to the screen.
 void LoadConfiguration(core::Subsystem& subsystem)
 {
-    using namespace core::interim;
-    LoadConfig(ConfigDir() + app::CONFIG_AUTOEXEC);
-    const std::string autosave = ConfigDir() + app::CONFIG_AUTOSAVE;
-    const std::string config = ConfigDir() + app::CONFIG_FILE;
-    if (FileExists(autosave))
+    if (script::Configuration::LoadAtStart(ConfigDir()) == script::Configuration::FIRST_RUN)
     {
-        Log(logging::Info, std::string("Recovering ") + app::CONFIG_AUTOSAVE + " from previous crash");
-        LoadConfig(autosave);
-    }
-    else if (FileExists(config))
-    {
-        LoadConfig(config);
-    }
-    else
-    {
+        app::App::GetInstancePtr()->SetFirstTimeRunning();
         subsystem.SetParams(core::FirstRunParams(DisplaySize()));
     }
 }
 
 [[noreturn]] void RunProgram(int argc, char** argv)
 {
-    core::interim::CalcWorkDir(argc > 0 ? argv[0] : "");
+    util::FileSystem* files = util::FileSystem::GetInstancePtr();
+    files->CalcWorkDir(argc > 0 ? argv[0] : "");
+    logging::SetWorkDirectory(files->WorkDir());
     const std::vector<std::string> arguments = core::ArgumentsOf(argc, argv);
     if (core::AsksForVersion(arguments))
     {
-        std::cout << logging::NameAndVersion() << std::endl;
+        std::cout << util::FileSystem::NameAndVersion() << std::endl;
         os::ExitProcess(EXIT_ORDERLY);
     }
 
     core::Subsystem::Create();
     core::Subsystem& subsystem = *core::Subsystem::GetInstancePtr();
-    subsystem.SetTitle(logging::NameAndVersion());
+    subsystem.SetTitle(util::FileSystem::NameAndVersion());
+    JoinSubsystems(subsystem);
 
     LoadConfiguration(subsystem);
     subsystem.CreateWindow(subsystem.GetRequestedParams());
@@ -79,10 +100,13 @@ void LoadConfiguration(core::Subsystem& subsystem)
             std::string("Available OpenGL extensions: ") + reinterpret_cast<const char*>(extensions));
     }
 
+    core::ResourceManager::GetInstancePtr()->Prefetch();
+    app::App::GetInstancePtr()->CreateGUI();
+
     if (const std::optional<std::string> scene = core::SceneToOpen(arguments))
     {
         Log(logging::Info, "Loading argument " + *scene);
-        core::interim::LoadSceneFile(*scene, true);
+        app::App::GetInstancePtr()->GetAppGUI().LoadScene(*scene, true);
     }
     else
     {
@@ -93,10 +117,11 @@ void LoadConfiguration(core::Subsystem& subsystem)
     subsystem.Run();
 
     Log(logging::Debug, "Subsystem::Run returned, saving config...");
-    core::interim::SaveConfig(core::interim::ConfigDir() + app::CONFIG_FILE);
-    core::interim::EraseFile(core::interim::ConfigDir() + app::CONFIG_AUTOSAVE);
+    script::Configuration::SaveAtExit(ConfigDir());
+    app::App::GetInstancePtr()->OnShutdown();
 
     Log(logging::Debug, "Destroying subsystem");
+    script::Parser::Destroy();
     core::Subsystem::Destroy();
     Log(logging::Debug, "Returning 0 from main");
     logging::Logger::Destroy();
@@ -118,9 +143,9 @@ void LoadScene()
 {
     for (const char* name : {app::Scene_Autosave, app::Scene_Last, app::Scene_Welcome})
     {
-        if (core::interim::FileExists(core::interim::SceneDir() + name))
+        if (util::FileSystem::FileExists(util::FileSystem::GetInstancePtr()->SceneDir() + name))
         {
-            core::interim::LoadSceneFile(name, true);
+            app::App::GetInstancePtr()->GetAppGUI().LoadScene(name, true);
             return;
         }
     }

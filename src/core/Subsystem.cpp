@@ -1,12 +1,21 @@
 #include "core/Subsystem.h"
 
+#include "app/App.h"
+#include "app/AppGUI.h"
 #include "core/FramePacing.h"
+#include "core/ResourceManager.h"
+#include "gui/GUI.h"
+#include "input/Input.h"
 #include "logging/Log.h"
+#include "physics/Simulation.h"
 #include "platform/Os.h"
+#include "rendering/Renderer.h"
+#include "rendering/TextureManager.h"
+#include "script/Parser.h"
+#include "util/FileSystem.h"
 #include "util/Interpolator.h"
 #include "util/Profiler.h"
-
-#include <GL/glew.h>
+#include "util/Timer.h"
 
 #include <iostream>
 #include <stdexcept>
@@ -27,8 +36,6 @@ constexpr unsigned CALLBACK_FLUSH_PERIOD = 10;
 // A buffer of 32 bits is asked for as four channels of 8.
 constexpr int FULL_COLOUR_DEPTH = 32;
 constexpr int CHANNEL_BITS = 8;
-
-bool s_glHasLoaded = false;
 
 // Seconds since SDL started; the tick count is unsigned and wraps after 49 days.
 double Now()
@@ -66,6 +73,27 @@ void SetWindowIcon(const std::string& path)
     SDL_FreeSurface(icon);
 }
 
+// What the script commands of "System" report.
+float CurrentTime()
+{
+    return static_cast<float>(util::Timer::GetCurrentTime());
+}
+
+int ObjectCurrent()
+{
+    return static_cast<int>(util::Pointee::GetInstanceCount());
+}
+
+int ObjectHandleCurrent()
+{
+    return static_cast<int>(util::PointeeHandle::GetInstanceCount());
+}
+
+int ObjectTotal()
+{
+    return static_cast<int>(util::Pointee::GetAllocateCount());
+}
+
 // How long SDL_Delay(1) really sleeps, and the smallest step of the clock, both in milliseconds.
 void LogTimerPrecision()
 {
@@ -83,33 +111,72 @@ void LogTimerPrecision()
 }
 } // namespace
 
-Subsystem::Subsystem() : m_doLater(std::make_unique<util::CallbackSet>())
+Subsystem::Subsystem()
+    : InputListener(PRIORITY), m_reflected(QLEX_NEW new script::Reflected("System")),
+      m_minFPS(m_reflected.get(), "minFPS", 10.0f), m_maxFPS(m_reflected.get(), "maxFPS", 60.0f),
+      m_vSync(m_reflected.get(), "vSync", this, &Subsystem::GetVSync, &Subsystem::SetVSync),
+      m_doLater(std::make_unique<util::CallbackSet>())
 {
     m_measureStart = Now();
 
+    const std::string workDir = util::FileSystem::GetInstancePtr()->WorkDir();
     logging::Logger* logger = logging::Logger::GetInstancePtr();
     logger->AddLogger(QLEX_NEW new logging::StreamLogger(STDERR_LOG_MASK, std::cerr));
     logger->AddLogger(QLEX_NEW new logging::StreamLogger(STDOUT_LOG_MASK, std::cout));
-    logger->AddLogger(
-        QLEX_NEW new logging::FileLogger(FILE_LOG_MASK, interim::WorkDir() + "Logfile.txt", true));
+    logger->AddLogger(QLEX_NEW new logging::FileLogger(FILE_LOG_MASK, workDir + "Logfile.txt", true));
 
     Log(logging::Info, "Init SDL...");
     if (SDL_Init(SDL_INIT_TIMER | SDL_INIT_VIDEO | SDL_INIT_JOYSTICK | SDL_INIT_NOPARACHUTE) != 0)
     {
         throw std::runtime_error(std::string("Couldn't init SDL: ") + SDL_GetError());
     }
-    SetWindowIcon(interim::WorkDir() + "Qlex.bmp");
+    input::Input* input = input::Input::GetInstancePtr();
+    input->InitializeSDL();
+    input->AddListener(this);
+    SetWindowIcon(workDir + "Qlex.bmp");
+    AddScriptMembers();
 }
 
 Subsystem::~Subsystem()
 {
-    s_glHasLoaded = false;
+    GLHasUnloaded();
+    rendering::Renderer::Destroy();
+    input::Input::Destroy();
+    gui::GUI::Destroy();
+    rendering::TextureManager::Destroy();
+    util::FileSystem::Destroy();
+    script::Parser::Destroy();
     SDL_Quit();
+}
+
+void Subsystem::AddScriptMembers()
+{
+    script::Reflected& system = *m_reflected;
+    // The requested window: read by "recreateWindow", and by the next start through the configuration.
+    script::AttribWrapper<bool>(&system, "resizable", &m_requestedParams.resizable);
+    script::AttribWrapper<bool>(&system, "fullscreen", &m_requestedParams.fullscreen);
+    script::AttribWrapper<math::TVector2<int>>(
+        &system, "resolution", [this] { return m_requestedParams.GetResolution(); },
+        [this](const math::TVector2<int>& size) { m_requestedParams.SetResolution(size); });
+    script::AttribWrapper<int>(&system, "antiAlias", &m_requestedParams.antiAlias);
+    script::AttribWrapper<int>(&system, "depth", &m_requestedParams.depth);
+
+    system.AddVoidCmd("exit", [this] { Exit(); });
+    system.AddCmd("time", &CurrentTime);
+    system.AddCmd("objectCurrent", &ObjectCurrent);
+    system.AddCmd("objectHandleCurrent", &ObjectHandleCurrent);
+    system.AddCmd("objectTotal", &ObjectTotal);
+    system.AddVoidCmd("recreateWindow", [this] { ApplyParserConfig(); });
+}
+
+bool Subsystem::IsUserTrapped()
+{
+    return app::App::Exists() && app::App::GetInstancePtr()->GetAppGUI().IsUserTrapped();
 }
 
 bool Subsystem::MayQuit() const
 {
-    return m_quit && !interim::TrapUser();
+    return m_quit && !IsUserTrapped();
 }
 
 void Subsystem::Run()
@@ -118,7 +185,9 @@ void Subsystem::Run()
     m_measureStart = lastFrame;
     LogTimerPrecision();
     util::Profiler::GetInstancePtr()->Reset();
-    interim::PumpEvents(*this);
+    input::Input* input = input::Input::GetInstancePtr();
+    input->PumpEvents();
+    input->CalibrateJoysticks();
     Log(logging::Debug, "Entering game loop");
 
     unsigned flushCounter = 0;
@@ -130,8 +199,9 @@ void Subsystem::Run()
         }
         {
             util::ScopeProfiler stage("Events");
-            interim::PumpEvents(*this);
+            input->PumpEvents();
         }
+        physics::Simulation::GetInstancePtr()->SetUpdateBudget(1.0f / m_minFPS);
         if (MayQuit())
         {
             break;
@@ -149,12 +219,16 @@ void Subsystem::Run()
             util::PointeeHandle::Flush();
         }
         {
+            util::ScopeProfiler stage("Parser::Update");
+            script::Parser::GetInstancePtr()->Update();
+        }
+        {
             util::ScopeProfiler stage("Interp::Update");
             util::InterpolatorBase::UpdateAll();
         }
         {
             util::ScopeProfiler stage("GUI::Update");
-            interim::GuiUpdate(dt);
+            gui::GUI::GetInstancePtr()->Update(static_cast<float>(dt));
         }
         RunDueCallbacks();
         if (MayQuit())
@@ -170,13 +244,20 @@ void Subsystem::Run()
             util::ScopeProfiler stage("Logger::Update");
             logging::Logger::GetInstancePtr()->Update();
         }
-        const unsigned sleep = FrameSleepMilliseconds(m_maxFPS, dt);
+        float maxFPS = m_maxFPS;
+        const unsigned sleep = FrameSleepMilliseconds(maxFPS, dt);
+        if (maxFPS != m_maxFPS)
+        {
+            m_maxFPS = maxFPS;
+        }
         if (sleep > 0)
         {
             SDL_Delay(sleep);
         }
         lastFrame = now;
     }
+    // The GL objects go while their context still exists.
+    ResourceManager::GetInstancePtr()->UnloadAll();
 }
 
 void Subsystem::RunDueCallbacks()
@@ -189,7 +270,7 @@ void Subsystem::RunDueCallbacks()
 
 void Subsystem::Draw()
 {
-    interim::GuiDraw();
+    gui::GUI::GetInstancePtr()->Draw();
     {
         util::ScopeProfiler stage("SDL_GL_SwapBuffers");
         SDL_GL_SwapBuffers();
@@ -208,12 +289,12 @@ void Subsystem::Draw()
         m_frameCount = 0;
         m_measureStart = now;
     }
-    interim::CheckForGLError();
+    CheckForGLError();
 }
 
 void Subsystem::Exit()
 {
-    if (!interim::TrapUser())
+    if (!IsUserTrapped())
     {
         m_quit = true;
     }
@@ -227,6 +308,8 @@ void Subsystem::DoLater(util::CallbackPtr callback)
 void Subsystem::CreateWindow(WindowParams params)
 {
     Log(logging::Info, "Creating window...");
+    ResourceManager* resources = ResourceManager::GetInstancePtr();
+    resources->UnloadAll();
 
     params = ClampWindowSize(params, DisplaySize());
 
@@ -283,6 +366,11 @@ void Subsystem::CreateWindow(WindowParams params)
     m_currentParams = params;
 
     Log(logging::Debug, "Setting viewport");
+    // Software GL takes a new window size into its buffers at a swap: one swap of a cleared frame lets
+    // the first true frame cover the whole window.
+    glClearColor(0, 0, 0, 0);
+    glClear(GL_COLOR_BUFFER_BIT);
+    SDL_GL_SwapBuffers();
     glViewport(0, 0, GetWidth(), GetHeight());
     GLHasLoaded();
 
@@ -298,10 +386,18 @@ void Subsystem::CreateWindow(WindowParams params)
             "Your computer doesn't support alpha framebuffers; water may not be rendered correctly.");
     }
 
-    interim::GuiOnNewWindowSize(GetWidth(), GetHeight());
-    interim::CheckForGLError();
+    Log(logging::Debug, "Loading all resources...");
+    resources->LoadAll(false);
+    Log(logging::Debug, "Done loading resources.");
 
-    m_firstWindow = true;
+    gui::GUI::GetInstancePtr()->OnNewWindowSize(GetWidth(), GetHeight());
+    CheckForGLError();
+
+    if (!m_firstWindow)
+    {
+        m_reflected->AddVoidCmd("screenshot", [this] { ScreenShot(); });
+        m_firstWindow = true;
+    }
     Log(logging::Info, "Window created.");
 }
 
@@ -310,15 +406,15 @@ void Subsystem::ApplyParserConfig()
     CreateWindow(m_requestedParams);
 }
 
-void Subsystem::OnOtherEvent(const interim::InputEvent& input)
+void Subsystem::OnOtherEvent(const input::InputEvent& input)
 {
     switch (input.event.type)
     {
     case SDL_QUIT:
-        if (!interim::TrapUser())
+        if (!IsUserTrapped())
         {
             Exit();
-            input.handled = true;
+            input.SetHandled();
         }
         break;
     case SDL_VIDEORESIZE:
@@ -327,12 +423,18 @@ void Subsystem::OnOtherEvent(const interim::InputEvent& input)
         params.width = input.event.resize.w;
         params.height = input.event.resize.h;
         CreateWindow(params);
-        input.handled = true;
+        input.SetHandled();
         break;
     }
     default:
         break;
     }
+}
+
+void Subsystem::ScreenShot() const
+{
+    rendering::Renderer::GetInstancePtr()->ScreenShot(util::FileSystem::GetInstancePtr()->WorkDir() +
+                                                      "screenshots/qlex");
 }
 
 void Subsystem::SetTitle(const std::string& title)
@@ -368,13 +470,3 @@ void Subsystem::SetParams(const WindowParams& params)
     m_requestedParams = params;
 }
 } // namespace core
-
-void GLHasLoaded()
-{
-    core::s_glHasLoaded = true;
-}
-
-bool HasGLLoaded()
-{
-    return core::s_glHasLoaded;
-}

@@ -1,7 +1,10 @@
 #pragma once
 
 #include "core/WindowParams.h"
-#include "core/interim/StandIns.h"
+#include "input/InputListener.h"
+#include "rendering/GLContext.h"
+#include "script/AttribWrapper.h"
+#include "script/Reflected.h"
 #include "util/Callback.h"
 #include "util/SharedPtr.h"
 #include "util/Singleton.h"
@@ -12,10 +15,13 @@
 namespace core
 {
 // Owns the window and the frame loop, the only loop of the program. Made first by SDL_main; its
-// destructor takes the other services down and closes SDL.
-class Subsystem : public util::Pointee, public util::Singleton<Subsystem>
+// destructor takes the other services down and closes SDL. It listens to the event pump for the close
+// button and for new window sizes.
+class Subsystem : public input::InputListener, public util::Singleton<Subsystem>
 {
 public:
+    static const int PRIORITY = 50;
+
     Subsystem();
     ~Subsystem() override;
 
@@ -33,7 +39,7 @@ public:
     void CreateWindow(WindowParams params);
     // Makes the window that the script variables ask for.
     void ApplyParserConfig();
-    void OnOtherEvent(const interim::InputEvent& event);
+    void OnOtherEvent(const input::InputEvent& event) override;
 
     void SetTitle(const std::string& title);
     int GetWidth() const;
@@ -51,15 +57,28 @@ public:
     WindowParams& GetRequestedParams() { return m_requestedParams; }
     void SetParams(const WindowParams& params);
 
-    // Lowest frame rate that the simulation's work may drag the loop down to.
-    float m_minFPS = 10.0f;
-    // Frame-rate ceiling; raised to 1 when set lower.
-    float m_maxFPS = 60.0f;
+    // "System" of the scripts: the settings below, the requested window and the commands of the shell.
+    const util::SharedPtr<script::Reflected>& GetReflected() const { return m_reflected; }
 
 private:
-    bool MayQuit() const;
-    void RunDueCallbacks();
+    // Made before the settings, which join it as they are made.
+    util::SharedPtr<script::Reflected> m_reflected;
 
+public:
+    // Lowest frame rate that the simulation's work may drag the loop down to.
+    script::AttribWrapper<float> m_minFPS;
+    // Frame-rate ceiling; raised to 1 when set lower.
+    script::AttribWrapper<float> m_maxFPS;
+
+private:
+    // Whether a quit may end the loop now.
+    bool MayQuit() const;
+    static bool IsUserTrapped();
+    void RunDueCallbacks();
+    void AddScriptMembers();
+    void ScreenShot() const;
+
+    script::AttribWrapper<bool> m_vSync;
     bool m_firstWindow = false;
     unsigned m_frameCount = 0;   // frames since the last measurement
     double m_measureStart = 0.0; // seconds
@@ -70,7 +89,3 @@ private:
     std::unique_ptr<util::CallbackSet> m_doLater;
 };
 } // namespace core
-
-// Whether a GL context exists: resources and GL checks do nothing before it does.
-void GLHasLoaded();
-bool HasGLLoaded();

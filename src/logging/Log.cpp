@@ -1,6 +1,7 @@
 #include "logging/Log.h"
 
 #include "logging/Exception.h"
+#include "util/FileSystem.h"
 
 #include <ctime>
 #include <iostream>
@@ -37,8 +38,6 @@ void ReportFailedSink(const std::string& text, const std::string& site)
 void SetWorkDirectory(const std::string& directory) { WorkDirectory() = directory; }
 const std::string& GetWorkDirectory() { return WorkDirectory(); }
 
-std::string NameAndVersion() { return std::string("Qlex ") + QLEX_VERSION_TEXT; }
-
 void StreamLogger::Log(const std::string& text) { m_stream << text << std::endl; }
 
 FileLogger::FileLogger(unsigned mask, const std::string& path, bool append) : ILogger(mask)
@@ -56,7 +55,7 @@ FileLogger::FileLogger(unsigned mask, const std::string& path, bool append) : IL
         m_file.open(path, std::ios::out | std::ios::trunc);
     }
     m_file << "-----------------------------\n"
-           << "  " << NameAndVersion() << "\n"
+           << "  " << util::FileSystem::NameAndVersion() << "\n"
            << "  " << LocalTime("%B %d %Y, %X") << "\n"
            << "-----------------------------\n";
     m_file.flush();

@@ -83,9 +83,6 @@ private:
 void SetWorkDirectory(const std::string& directory);
 const std::string& GetWorkDirectory();
 
-// "Qlex <version>", for the log header and "-version".
-std::string NameAndVersion();
-
 } // namespace logging
 
 void LogWarning(const std::string& text);

@@ -79,6 +79,8 @@ public:
     const util::String& GetStatistics() const { return m_statistics; }
     float GetRealtimeRatio() const { return m_realtimeRatio; }
     double GetSimulatedTime() const { return m_simulatedTime; }
+    // An undo puts the clock back to the moment of its snapshot.
+    void SetSimulatedTime(double t) { m_simulatedTime = t; }
     double GetTimeDebt() const { return m_timeDebt; }
     // Real seconds a frame may spend on steps; the main loop sets it to 1 / minFPS.
     void SetUpdateBudget(float seconds) { m_updateBudget = seconds; }

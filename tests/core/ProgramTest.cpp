@@ -1,11 +1,12 @@
 // The staged program run as a user runs it: start, window, orderly end on SIGTERM, crash recovery and the
 // failure path. Each test works in a private copy of the program, since the program's work directory is
 // the folder of its executable.
-#include "logging/Log.h"
+#include "util/FileSystem.h"
 
 #include <gtest/gtest.h>
 
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
 
 #include <chrono>
 #include <csignal>
@@ -57,8 +58,8 @@ bool WaitFor(const std::function<bool()>& condition)
     return true;
 }
 
-// Whether a top-level window with this title exists on the X display.
-bool WindowTitled(Display* display, Window window, const std::string& title)
+// The window with this title on the X display, or None.
+Window WindowTitled(Display* display, Window window, const std::string& title)
 {
     char* name = nullptr;
     if (XFetchName(display, window, &name) && name)
@@ -66,19 +67,42 @@ bool WindowTitled(Display* display, Window window, const std::string& title)
         const bool match = title == name;
         XFree(name);
         if (match)
-            return true;
+            return window;
     }
     Window root, parent;
     Window* children = nullptr;
     unsigned count = 0;
     if (!XQueryTree(display, window, &root, &parent, &children, &count))
-        return false;
-    bool found = false;
-    for (unsigned i = 0; i < count && !found; ++i)
+        return None;
+    Window found = None;
+    for (unsigned i = 0; i < count && found == None; ++i)
         found = WindowTitled(display, children[i], title);
     if (children)
         XFree(children);
     return found;
+}
+
+// The colour of a pixel of a window as the X server shows it, 8 bits a channel.
+bool ReadWindowPixel(Display* display, Window window, int x, int y, int rgb[3])
+{
+    XImage* image = XGetImage(display, window, x, y, 1, 1, AllPlanes, ZPixmap);
+    if (!image)
+        return false;
+    const unsigned long pixel = XGetPixel(image, 0, 0);
+    const unsigned long masks[3] = {image->red_mask, image->green_mask, image->blue_mask};
+    for (int c = 0; c < 3; ++c)
+    {
+        unsigned long mask = masks[c];
+        unsigned long value = pixel & mask;
+        while (mask && !(mask & 1))
+        {
+            mask >>= 1;
+            value >>= 1;
+        }
+        rgb[c] = mask ? int(value * 255 / mask) : 0;
+    }
+    XDestroyImage(image);
+    return true;
 }
 
 class ProgramTest : public testing::Test
@@ -93,7 +117,15 @@ protected:
         m_dir = pattern;
         fs::copy_file(fs::path(stage) / "qlex", m_dir / "qlex");
         fs::copy_file(fs::path(stage) / "Qlex.bmp", m_dir / "Qlex.bmp");
+        fs::copy(fs::path(stage) / "data", m_dir / "data", fs::copy_options::recursive);
         fs::create_directories(m_dir / "scenes");
+    }
+
+    // The user's own start-up script, run before the configuration.
+    void WriteAutoexec(const std::string& text) const
+    {
+        std::ofstream file(m_dir / "autoexec.cfg");
+        file << text;
     }
 
     void TearDown() override
@@ -199,6 +231,8 @@ protected:
         WaitFor([this] { return (m_display = XOpenDisplay(nullptr)) != nullptr; });
         ASSERT_NE(m_display, nullptr) << "no X server answers at " << std::getenv("DISPLAY");
         ProgramTest::SetUp();
+        // The configuration is saved every few tenths of a second instead of every half minute.
+        WriteAutoexec("App.autosaveTime = 0.2;\n");
     }
 
     void TearDown() override
@@ -208,10 +242,11 @@ protected:
             XCloseDisplay(m_display);
     }
 
-    bool WindowExists(const std::string& title)
+    Window FindWindow(const std::string& title)
     {
         return WindowTitled(m_display, DefaultRootWindow(m_display), title);
     }
+    bool WindowExists(const std::string& title) { return FindWindow(title) != None; }
 
     Display* m_display = nullptr;
 };
@@ -225,7 +260,7 @@ TEST_F(ProgramTest, Version_PrintsNameAndVersionAndEndsBeforeAnyLog)
         Start(arguments);
         EXPECT_EQ(Wait(), 0);
         const std::string output = ReadFile(m_dir / "stdout.txt");
-        const std::string lastLine = logging::NameAndVersion() + "\n";
+        const std::string lastLine = util::FileSystem::NameAndVersion() + "\n";
         ASSERT_GE(output.size(), lastLine.size());
         EXPECT_EQ(output.substr(output.size() - lastLine.size()), lastLine) << output;
         EXPECT_FALSE(Exists("Logfile.txt"));
@@ -251,12 +286,18 @@ TEST_F(WindowedProgramTest, Run_OpensTheWindowAndEndsInOrderOnSigterm)
     Start({});
     ASSERT_TRUE(WaitForLog("Entering game loop")) << ReadFile(m_dir / "stderr.txt");
     ASSERT_TRUE(WaitWhileRunning([&] { return Exists("config.autosave.cfg"); }));
-    EXPECT_TRUE(WaitWhileRunning([this] { return WindowExists(logging::NameAndVersion()); }));
+    EXPECT_TRUE(WaitWhileRunning([this] { return WindowExists(util::FileSystem::NameAndVersion()); }));
     EXPECT_FALSE(Exists("config.cfg"));
 
     EXPECT_EQ(Signal(SIGTERM), 0) << ReadFile(m_dir / "stderr.txt");
     EXPECT_FALSE(Exists("config.autosave.cfg"));
     EXPECT_TRUE(Exists("config.cfg"));
+    // Every part that scripts reach by name is saved with its settings.
+    const std::string config = ReadFile(m_dir / "config.cfg");
+    for (const char* setting :
+         {"System.maxFPS = ", "Resources.shaders = ", "Sim.timeDelta = ", "SPH.radius = ", "GUI.scale = ",
+          "App.lineWidth = ", "App.Background.skyColor = ", "App.autosaveTime = 0.2", "Scene.Camera.zoom = "})
+        EXPECT_TRUE(Contains(config, setting)) << setting;
     EXPECT_TRUE(LogSays("Subsystem::Run returned, saving config..."));
     EXPECT_TRUE(LogSays("Returning 0 from main"));
     EXPECT_FALSE(LogSays("Recovering"));
@@ -270,7 +311,8 @@ TEST_F(WindowedProgramTest, Crash_LeavesTheAutosaveAndTheNextRunRecovers)
     EXPECT_TRUE(Exists("config.autosave.cfg"));
 
     Start({});
-    EXPECT_TRUE(WaitForLog("Recovering config.autosave.cfg from previous crash"));
+    EXPECT_TRUE(WaitForLog("config.autosave.cfg from previous crash"));
+    EXPECT_TRUE(LogSays("Recovering "));
     ASSERT_TRUE(WaitForLog("Entering game loop"));
     EXPECT_EQ(Signal(SIGTERM), 0);
     EXPECT_FALSE(Exists("config.autosave.cfg"));
@@ -281,5 +323,30 @@ TEST_F(WindowedProgramTest, SceneArgument_InPiecesIsJoinedIntoOnePath)
     Start({"/tmp/my", "boat.QLX"});
     EXPECT_TRUE(WaitForLog("Loading argument /tmp/my boat.QLX"));
     ASSERT_TRUE(WaitForLog("Entering game loop"));
+    EXPECT_EQ(Signal(SIGTERM), 0);
+}
+
+TEST_F(WindowedProgramTest, Run_DrawsTheSkyThatTheConfigurationAsksFor)
+{
+    // A sky of its own colour and no clouds: the whole world shows that colour, which nothing else draws.
+    WriteAutoexec("App.autosaveTime = 0.2;\n"
+                  "App.Background.drawClouds = false;\n"
+                  "App.Background.skyColor = [1.0, 0.5, 0.0, 1.0];\n");
+    Start({});
+    ASSERT_TRUE(WaitForLog("Entering game loop")) << ReadFile(m_dir / "stderr.txt");
+    Window window = None;
+    ASSERT_TRUE(
+        WaitWhileRunning([&] { return (window = FindWindow(util::FileSystem::NameAndVersion())) != None; }));
+
+    const auto showsSky = [&](int x, int y)
+    {
+        int rgb[3] = {};
+        return ReadWindowPixel(m_display, window, x, y, rgb) && std::abs(rgb[0] - 255) <= 3 &&
+               std::abs(rgb[1] - 128) <= 3 && std::abs(rgb[2]) <= 3;
+    };
+    // The first frame may come a little after the window.
+    EXPECT_TRUE(WaitWhileRunning([&] { return showsSky(512, 384); }));
+    EXPECT_TRUE(showsSky(5, 5));
+    EXPECT_TRUE(showsSky(1000, 700));
     EXPECT_EQ(Signal(SIGTERM), 0);
 }

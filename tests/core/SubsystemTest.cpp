@@ -1,7 +1,10 @@
 #include "core/Subsystem.h"
 
+#include "input/Input.h"
+
 #include "logging/Log.h"
 #include "platform/Os.h"
+#include "util/FileSystem.h"
 
 #include <gtest/gtest.h>
 
@@ -46,7 +49,7 @@ class SubsystemTest : public testing::Test
 protected:
     static void SetUpTestSuite()
     {
-        core::interim::CalcWorkDir("");
+        util::FileSystem::GetInstancePtr()->SetWorkDir(util::FileSystem::ExecutableDir(""));
         core::Subsystem::Create();
     }
 
@@ -115,7 +118,7 @@ TEST_F(SubsystemTest, ResizeEvent_RecreatesTheWindowAtTheNewSize)
     resize.resize.w = 640;
     resize.resize.h = 480;
     ASSERT_EQ(SDL_PushEvent(&resize), 0);
-    core::interim::PumpEvents(System());
+    input::Input::GetInstancePtr()->PumpEvents();
 
     EXPECT_EQ(System().GetWidth(), 640);
     EXPECT_EQ(System().GetHeight(), 480);

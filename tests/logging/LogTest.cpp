@@ -1,5 +1,6 @@
 #include "logging/Exception.h"
 #include "logging/Log.h"
+#include "util/FileSystem.h"
 
 #include <gtest/gtest.h>
 
@@ -87,7 +88,7 @@ TEST(FileLogger, AppendingAddsTwoLineFeedsAndANewHeader)
     std::stringstream text;
     text << in.rdbuf();
     const std::string all = text.str();
-    EXPECT_EQ(all.rfind("-----------------------------\n  " + logging::NameAndVersion() + "\n", 0), 0u);
+    EXPECT_EQ(all.rfind("-----------------------------\n  " + util::FileSystem::NameAndVersion() + "\n", 0), 0u);
     EXPECT_NE(all.find(": one\n\n\n-----------------------------\n"), std::string::npos);
     std::filesystem::remove(path);
 }

@@ -1,0 +1,554 @@
+#include "app/App.h"
+
+#include "app/AppGUI.h"
+#include "app/Camera.h"
+#include "app/Scene.h"
+#include "core/ProgramFiles.h"
+#include "gui/GUI.h"
+#include "input/Input.h"
+#include "logging/Log.h"
+#include "math/MatrixGL.h"
+#include "physics/Body.h"
+#include "physics/Contact.h"
+#include "physics/Particle.h"
+#include "physics/SPH.h"
+#include "physics/Simulation.h"
+#include "rendering/AttribPusher.h"
+#include "rendering/ColorPusher.h"
+#include "rendering/GLContext.h"
+#include "rendering/Renderer.h"
+#include "rendering/TextureManager.h"
+#include "script/Parser.h"
+#include "util/ColorUtil.h"
+#include "util/FileSystem.h"
+#include "util/Profiler.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace app
+{
+namespace
+{
+// Keyboard panning, in GUI units per second.
+constexpr float KEY_PAN_SPEED = 400.0f;
+constexpr float CM_PER_INCH = 2.54f;
+constexpr float JOINT_SIZE_CM = 0.66667f;
+// Debug velocity lines show where a body would be in this many seconds.
+constexpr float VELOCITY_LINE_SECONDS = 0.025f;
+// A contact point turns from white to red at this age, in simulated seconds.
+constexpr double NEW_CONTACT_AGE = 0.5;
+// Everything glPushAttrib can save.
+constexpr GLbitfield ALL_ATTRIBUTES = 0xFFFFF;
+// A new object's colour keeps at least this intensity and this distance (in RGB) from the sky.
+constexpr float MIN_ENTITY_INTENSITY = 0.05f;
+constexpr float MIN_SKY_DISTANCE = 0.1f;
+
+bool s_transparencyWarned = false;
+
+bool IsBlack(const math::Vec3& c)
+{
+    return c.x == 0 && c.y == 0 && c.z == 0;
+}
+
+void Line(rendering::Renderer& renderer, const math::Vec2& from, const math::Vec2& vector)
+{
+    renderer.Vertex(from);
+    renderer.Vertex(from + vector);
+}
+} // namespace
+
+App::App()
+    : m_reflected(QLEX_NEW new script::Reflected("App")),
+      m_language(m_reflected.get(), "language", util::String("English")),
+      m_lineWidth(m_reflected.get(), "lineWidth", 4.0f), m_pointSize(m_reflected.get(), "pointSize", 4.0f),
+      m_drawOBBs(m_reflected.get(), "drawOBBs", false),
+      m_drawMapOBBs(m_reflected.get(), "drawMapOBBs", false), m_drawBCs(m_reflected.get(), "drawBCs", false),
+      m_drawSelectionOBB(m_reflected.get(), "drawSelectionOBB", false),
+      m_drawVertices(m_reflected.get(), "drawVertices", false),
+      m_drawCollisions(m_reflected.get(), "drawCollisions", false),
+      m_drawBodyCenters(m_reflected.get(), "drawBodyCenters", false),
+      m_drawParticleCenters(m_reflected.get(), "drawParticleCenters", false),
+      m_drawParticleNeighbors(m_reflected.get(), "drawParticleNeighbors", false),
+      m_polyTCFactor(m_reflected.get(), "polyTCFactor", math::Vec2(10, 10)),
+      m_selectColor(m_reflected.get(), "selectColor", math::Vec3(1.0f, 0.5f, 0.5f)),
+      m_fadeColor(m_reflected.get(), "fadeColor", math::Vec3(0, 0, 0)),
+      m_fadeScale(m_reflected.get(), "fadeScale", math::Vec2(0.95f, 0.95f)),
+      m_fadeTranslate(m_reflected.get(), "fadeTranslate", math::Vec2(0, 0)),
+      m_fadeRotate(m_reflected.get(), "fadeRotate", 0.0f),
+      m_minPointDist(m_reflected.get(), "minPointDist", 0.2f),
+      m_maxPointDist(m_reflected.get(), "maxPointDist", 0.5f), m_DPI(m_reflected.get(), "DPI", 86.0f),
+      m_maxSPHSpawn(m_reflected.get(), "maxSPHSpawn", 10000),
+      m_waterElongation(m_reflected.get(), "waterElongation", 0.05f),
+      m_waterMaxElongation(m_reflected.get(), "waterMaxElongation", 2.0f),
+      m_metaCutoff(m_reflected.get(), "metaCutoff", 0.5f),
+      m_borderWidth(m_reflected.get(), "borderWidth", 0.1f), m_maxUndo(m_reflected.get(), "maxUndo", 25ul),
+      m_autosaveTime(m_reflected.get(), "autosaveTime", 30.0f),
+      m_chainDensityFactor(m_reflected.get(), "chainDensityFactor", 20.0f),
+      m_dragToolStrength(m_reflected.get(), "dragToolStrength", 0.25f),
+      m_waterColor(m_reflected.get(), "waterColor", math::Vec4(0.1f, 0.1f, 1.0f, 0.7f)),
+      m_simpleWater(m_reflected.get(), "simpleWater", false),
+      m_waterFanceyFactor(m_reflected.get(), "waterFanceyFactor", 10.0f),
+      m_borders(m_reflected.get(), "borders", true)
+{
+    SetFillOwner(true);
+
+    m_frameTextureMentor = QLEX_NEW new util::Mentor<rendering::Texture>(&CreateBigTexture);
+    m_waterTextureMentor = QLEX_NEW new util::Mentor<rendering::Texture>(&CreateBigTexture);
+    m_metaBallTextureMentor = QLEX_NEW new util::Mentor<rendering::Texture>(&CreateMetaBallTexture);
+    m_frameTexture = rendering::TextureProxy(m_frameTextureMentor);
+    m_waterTexture = rendering::TextureProxy(m_waterTextureMentor);
+    m_metaBallTexture = rendering::TextureProxy(m_metaBallTextureMentor);
+    m_simpleWaterTexture = rendering::TextureManager::GetInstancePtr()->Load(
+        "simpleWater", rendering::TextureManager::DefaultImageType());
+
+    m_background = QLEX_NEW new Background();
+    m_background->SetFillOwner(true);
+    AddComponent(m_background);
+    m_reflected->AddReflectedChild(m_background->GetReflected());
+    m_appGUI = QLEX_NEW new AppGUI();
+    AddComponent(m_appGUI);
+    m_reflected->AddReflectedChild(m_appGUI->GetReflected());
+    GetCamera().Reset();
+}
+
+App::~App()
+{
+    // Scripts that still hold "App" find no settings of a dead application.
+    if (!script::Parser::Exists())
+        return;
+    const script::ClosurePtr root = script::Parser::GetInstancePtr()->GetRootClosure();
+    if (root->GetVariableByObject(m_reflected.get()))
+        root->RemoveReflectedChild(m_reflected);
+}
+
+Camera& App::GetCamera() const
+{
+    return *Scene::GetInstancePtr()->GetCamera();
+}
+
+void App::SyncViewSize()
+{
+    GetCamera().SetViewSize(GetOuterSize());
+}
+
+void App::OnFormChange()
+{
+    gui::Component::OnFormChange();
+    SyncViewSize();
+}
+
+void App::Update(float dt)
+{
+    util::ScopeProfiler profile("App::Update");
+    {
+        util::ScopeProfiler base("base::Update");
+        gui::Component::Update(dt);
+    }
+    SyncViewSize();
+    if (dt > 0)
+        PanWithArrowKeys(dt);
+    physics::Simulation::GetInstancePtr()->Update(dt);
+    Scene::GetInstancePtr()->Update(dt);
+    GetCamera().Update(dt);
+    {
+        util::ScopeProfiler contacts("g_sim->GetContacts");
+        m_contacts = physics::Simulation::GetInstancePtr()->GetContacts();
+    }
+    QLEX_ASSERT(math::IsFinite(GetMousePos()));
+}
+
+void App::PanWithArrowKeys(float dt)
+{
+    const input::Input& keys = *input::Input::GetInstancePtr();
+    float x = 0, y = 0;
+    if (keys.IsKeyDown(SDLK_LEFT))
+        x -= 1;
+    if (keys.IsKeyDown(SDLK_RIGHT))
+        x += 1;
+    if (keys.IsKeyDown(SDLK_UP))
+        y -= 1;
+    if (keys.IsKeyDown(SDLK_DOWN))
+        y += 1;
+    if (x != 0 || y != 0)
+        GetCamera().PanView(math::Vec2(dt * -KEY_PAN_SPEED * x, dt * -KEY_PAN_SPEED * y));
+}
+
+void App::OnShutdown()
+{
+    m_appGUI->SaveSceneAs(Scene_Last, true);
+    util::FileSystem::EraseFile(util::FileSystem::GetInstancePtr()->SceneDir() + Scene_Autosave);
+}
+
+void App::CreateGUI()
+{
+    m_appGUI->Rebuild();
+}
+
+void App::SetFirstTimeRunning()
+{
+    m_firstTime = true;
+    m_appGUI->SetUpDefaults();
+}
+
+math::Vec2 App::GetMousePos() const
+{
+    return GetCamera().GUIToWorld(GetMousePosLocal());
+}
+
+float App::GetPixelSize() const
+{
+    return GetCamera().GUIToWorld()(0, 0) / gui::GUI::GetInstancePtr()->m_scale;
+}
+
+float App::GetScreenCM() const
+{
+    return GetPixelSize() * m_DPI / CM_PER_INCH;
+}
+
+float App::GetDefaultJointSize() const
+{
+    return GetScreenCM() * JOINT_SIZE_CM;
+}
+
+float App::GetObjectBorderWidth() const
+{
+    return GetScreenCM() * m_borderWidth;
+}
+
+float App::GetMinimumPointDist() const
+{
+    return GetScreenCM() * m_minPointDist;
+}
+
+float App::GetMaximumPointDist() const
+{
+    return GetScreenCM() * m_maxPointDist;
+}
+
+math::Vec3 App::RandomColor3()
+{
+    // The cube root spreads lightness evenly by volume; halving and mirroring keeps it off the extremes.
+    float lightness = std::pow(m_random.GetUniform(0.0f, 1.0f), 1.0f / 3.0f) * 0.5f;
+    if (m_random.GetUniformInt(0, 2) == 1)
+        lightness = 1.0f - lightness;
+    const math::Vec2 disc = m_random.GetPointInCircle(1.0f);
+    const float saturation = disc.Length();
+    const float hue = (disc.x == 0 && disc.y == 0) ? 0.0f : std::atan2(disc.y, disc.x) * 180.0f / math::PIf;
+    return util::HSL2RGB(hue, saturation, lightness);
+}
+
+math::Vec4 App::RandomEntityColor4()
+{
+    const math::Vec3 sky = m_background->GetSkyColor();
+    math::Vec3 color;
+    do
+    {
+        color = RandomColor3();
+    } while (util::RGBIntensity(color) < MIN_ENTITY_INTENSITY || (color - sky).Length() < MIN_SKY_DISTANCE);
+    return math::Vec4(color.x, color.y, color.z, 1.0f);
+}
+
+WorldBox App::CalcViewBox() const
+{
+    return app::CalcViewBox(GetCamera(), GetInnerSize());
+}
+
+std::vector<WaterParticle> App::GatherWater()
+{
+    const auto& particles = physics::Simulation::GetInstancePtr()->GetParticles();
+    std::vector<WaterParticle> water;
+    water.reserve(particles.size());
+    for (const auto& p : particles)
+        water.push_back(WaterParticle{p->GetPosition(), p->GetVelocity()});
+    return water;
+}
+
+math::Vec2 App::BigTextureCoords() const
+{
+    const math::TVector2<int> viewport = rendering::Renderer::GetInstancePtr()->GetViewportSize();
+    return math::Vec2(float(viewport.x) / BIG_TEXTURE_SIZE, float(viewport.y) / BIG_TEXTURE_SIZE);
+}
+
+void App::DrawBigTextureRect() const
+{
+    rendering::Renderer::GetInstancePtr()->DrawRectGUI(math::Vec2(0, 0), GetInnerSize(), BigTextureCoords());
+}
+
+void App::DrawComp() const
+{
+    util::ScopeProfiler profile("App::DrawComp");
+    gui::Component::DrawComp();
+    const_cast<App*>(this)->SyncViewSize();
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    // The interface around this component sets GL's colour without the renderer.
+    renderer.InvalidateColor();
+    const Camera& camera = GetCamera();
+
+    {
+        // No entities exist yet; the view box is what their culling will test.
+        util::ScopeProfiler culling("Culling");
+    }
+    const std::vector<WaterParticle> water = GatherWater();
+    if (!water.empty() && !m_simpleWater)
+        DrawMetaTex(water);
+
+    {
+        util::ScopeProfiler clear("glClear");
+        glClearColor(0, 0, 0, 0);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    }
+    glDepthMask(GL_FALSE);
+    rendering::AttribPusher attribs(ALL_ATTRIBUTES);
+    glPushMatrix();
+    renderer.SetColor4(1, 1, 1, 1);
+
+    const math::Vec3 fade = m_fadeColor;
+    {
+        util::ScopeProfiler setup("Setup");
+        glEnable(GL_TEXTURE_2D);
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_ONE, GL_ONE);
+        if (!IsBlack(fade))
+        {
+            // The last frame, zoomed and turned a little about the centre, added in the fade colour's
+            // strength: older frames fade away behind the present one.
+            glPushMatrix();
+            renderer.SetColor3(fade);
+            glBindTexture(GL_TEXTURE_2D, m_frameTexture->GetName());
+            const math::Vec2 half = GetInnerSize() * 0.5f;
+            const math::Vec2 translate = m_fadeTranslate;
+            const math::Vec2 scale = m_fadeScale;
+            glTranslatef(translate.x, translate.y, 0);
+            glTranslatef(half.x, half.y, 0);
+            glRotatef(m_fadeRotate, 0, 0, 1);
+            glScalef(scale.x, scale.y, 1);
+            glTranslatef(-half.x, -half.y, 0);
+            DrawBigTextureRect();
+            glBindTexture(GL_TEXTURE_2D, 0);
+            glPopMatrix();
+        }
+    }
+
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    m_background->DrawBG(camera);
+
+    if (!water.empty())
+        DrawWater(water);
+
+    glDepthMask(GL_TRUE);
+    math::Mat4FromMat2D(camera.WorldToGUI()).MultToGL();
+    glLineWidth(m_lineWidth);
+    glPointSize(m_pointSize);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    {
+        util::ScopeProfiler entities("Entities");
+        rendering::ColorPusher color;
+    }
+    DrawDebugOverlays(water);
+
+    renderer.SetColor4(1, 1, 1, 1);
+    if (!IsBlack(fade))
+    {
+        const math::TVector2<int> viewport = renderer.GetViewportSize();
+        m_frameTexture->Copy(std::min(viewport.x, BIG_TEXTURE_SIZE), std::min(viewport.y, BIG_TEXTURE_SIZE));
+    }
+    glPopMatrix();
+}
+
+void App::DrawWater(const std::vector<WaterParticle>& particles) const
+{
+    util::ScopeProfiler profile("Water");
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    const math::Vec4 color = m_waterColor;
+    if (!m_simpleWater)
+    {
+        // No shader program draws the surface: the fixed-function alpha test thresholds the field.
+        rendering::AttribPusher colorBits(GL_COLOR_BUFFER_BIT);
+        glDisable(GL_BLEND);
+        bool blendColorSet = false;
+        if (color.w < 1.0f)
+        {
+            if (rendering::HasBlendColor())
+            {
+                glBlendColor(1, 1, 1, color.w);
+                glEnable(GL_BLEND);
+                glBlendFunc(GL_CONSTANT_ALPHA, GL_ONE_MINUS_CONSTANT_ALPHA);
+                blendColorSet = true;
+            }
+            else if (!s_transparencyWarned)
+            {
+                // Once a run: every frame would bury the log.
+                s_transparencyWarned = true;
+                Log(logging::Warning,
+                    "Water transparency not supported by your computer. Try switching on shaders "
+                    "(anti-aliasing in the options menu), or upgrade your graphics drivers.");
+            }
+        }
+        renderer.SetColor4(color.x, color.y, color.z, 1.0f);
+        glEnable(GL_ALPHA_TEST);
+        glAlphaFunc(GL_GREATER, m_metaCutoff);
+        glEnable(GL_TEXTURE_2D);
+        glBindTexture(GL_TEXTURE_2D, m_waterTexture->GetName());
+        DrawBigTextureRect();
+        glBindTexture(GL_TEXTURE_2D, 0);
+        glDisable(GL_ALPHA_TEST);
+        renderer.SetColor4(1, 1, 1, 1);
+        if (blendColorSet)
+            glBlendColor(1, 1, 1, 1);
+        return;
+    }
+
+    const float size = 2.0f * 2.0f * static_cast<float>(physics::SPH::GetInstancePtr()->m_radius);
+    const WorldBox view = CalcViewBox();
+    glPushMatrix();
+    math::Mat4FromMat2D(GetCamera().WorldToGUI()).MultToGL();
+    renderer.SetColor4(color);
+    glEnable(GL_TEXTURE_2D);
+    glBindTexture(GL_TEXTURE_2D, m_simpleWaterTexture->GetName());
+    for (const WaterParticle& p : particles)
+    {
+        if (TestBBCircle(view.min, view.max, p.position, size))
+            renderer.DrawRect(p.position, size);
+    }
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glPopMatrix();
+}
+
+void App::DrawMetaTex(const std::vector<WaterParticle>& particles) const
+{
+    util::ScopeProfiler profile("DrawMetaTex");
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    // The back buffer is the scratch surface: DrawComp clears it again before the true frame.
+    glClearColor(0, 0, 0, 0);
+    glClear(GL_COLOR_BUFFER_BIT);
+    {
+        rendering::AttribPusher attribs(ALL_ATTRIBUTES);
+        glPushMatrix();
+        renderer.SetColor4(1, 1, 1, 1);
+        glDepthMask(GL_FALSE);
+        glEnable(GL_TEXTURE_2D);
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_ONE, GL_ONE);
+        math::Mat4FromMat2D(GetCamera().WorldToGUI()).MultToGL();
+        {
+            util::ScopeProfiler drawing("Drawing particles");
+            const float size = 2.0f * static_cast<float>(physics::SPH::GetInstancePtr()->m_radius) * 4.0f;
+            glBindTexture(GL_TEXTURE_2D, m_metaBallTexture->GetName());
+            const float reach = size * 0.5f * m_waterMaxElongation;
+            const std::vector<size_t> visible = CullParticles(particles, CalcViewBox(), reach * reach);
+            DrawSplats(particles, visible, size, m_waterElongation, m_waterMaxElongation);
+            glBindTexture(GL_TEXTURE_2D, 0);
+        }
+        {
+            // Half-transparent bodies that water can't enter are drawn black here once entities exist.
+            util::ScopeProfiler black("Drawing black bodies");
+            renderer.SetColor4(0, 0, 0, 0);
+            glDisable(GL_BLEND);
+        }
+        const math::TVector2<int> viewport = renderer.GetViewportSize();
+        m_waterTexture->Copy(std::min(viewport.x, BIG_TEXTURE_SIZE), std::min(viewport.y, BIG_TEXTURE_SIZE));
+        glDepthMask(GL_TRUE);
+        glPopMatrix();
+    }
+}
+
+void App::DrawDebugOverlays(const std::vector<WaterParticle>& particles) const
+{
+    glDisable(GL_TEXTURE_2D);
+    if (m_drawBodyCenters)
+        DrawBodyCenters();
+    if (m_drawParticleCenters)
+        DrawParticleCenters(particles);
+    if (m_drawParticleNeighbors)
+        DrawParticleNeighbors();
+    if (m_drawCollisions)
+        DrawCollisions();
+}
+
+void App::DrawBodyCenters() const
+{
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    const physics::Simulation& sim = *physics::Simulation::GetInstancePtr();
+    std::vector<const physics::AbstractBody*> bodies;
+    for (const util::SharedPtr<physics::Body>& body : sim.GetBodies())
+    {
+        if (!body->IsImmovable())
+            bodies.push_back(body.get());
+    }
+    for (const util::SharedPtr<physics::Particle>& particle : sim.GetParticles())
+        bodies.push_back(particle.get());
+
+    renderer.SetColor4(0, 1, 0, 0.5f);
+    glBegin(GL_LINES);
+    for (const physics::AbstractBody* body : bodies)
+        Line(renderer, body->GetPosition(), body->GetVelocity() * VELOCITY_LINE_SECONDS);
+    glEnd();
+    renderer.SetColor4(0, 1, 0, 0.9f);
+    glBegin(GL_POINTS);
+    for (const physics::AbstractBody* body : bodies)
+        renderer.Vertex(body->GetPosition());
+    glEnd();
+}
+
+void App::DrawParticleCenters(const std::vector<WaterParticle>& particles) const
+{
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    renderer.SetColor4(1, 0, 0, 0.5f);
+    glBegin(GL_LINES);
+    for (const WaterParticle& p : particles)
+        Line(renderer, p.position, p.velocity * VELOCITY_LINE_SECONDS);
+    glEnd();
+    renderer.SetColor4(1, 0, 0, 1);
+    glBegin(GL_POINTS);
+    for (const WaterParticle& p : particles)
+        renderer.Vertex(p.position);
+    glEnd();
+}
+
+void App::DrawParticleNeighbors() const
+{
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    // A copy: drawing must not hold the simulation's own list.
+    const std::vector<util::SharedPtr<physics::Particle>> particles =
+        physics::Simulation::GetInstancePtr()->GetParticles();
+    renderer.SetColor4(0, 1, 0, 0.5f);
+    glBegin(GL_LINES);
+    for (const util::SharedPtr<physics::Particle>& p : particles)
+    {
+        for (const physics::Particle::Neighbor& neighbor : p->GetNeighbors())
+        {
+            if (neighbor.distance != 0)
+                Line(renderer, p->GetPosition(), neighbor.offset);
+        }
+    }
+    glEnd();
+}
+
+void App::DrawCollisions() const
+{
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    const double now = physics::GetSimTime();
+    glBegin(GL_LINES);
+    for (const util::SharedPtr<physics::Contact>& contact : m_contacts)
+    {
+        renderer.SetColor4(0.5f, 0, 0, 0.5f);
+        Line(renderer, contact->GetPoint(), contact->GetTotalImpulse());
+        renderer.SetColor4(0, 1, 0, 0.5f);
+        Line(renderer, contact->GetPoint(), contact->GetNormal() * contact->GetDepth());
+    }
+    glEnd();
+    glBegin(GL_POINTS);
+    for (const util::SharedPtr<physics::Contact>& contact : m_contacts)
+    {
+        if (now - contact->GetBirthTime() < NEW_CONTACT_AGE)
+            renderer.SetColor4(1, 1, 1, 1);
+        else
+            renderer.SetColor4(1, 0, 0, 1);
+        renderer.Vertex(contact->GetPoint());
+    }
+    glEnd();
+}
+
+} // namespace app

@@ -1,0 +1,295 @@
+#include "app/entities/PenEntity.h"
+
+#include "app/App.h"
+#include "app/EntitySerializer.h"
+#include "app/Scene.h"
+#include "app/entities/AppLinks.h"
+#include "app/entities/DrawColor.h"
+#include "app/entities/ShapeGeometry.h"
+#include "physics/Polygon.h"
+#include "physics/Simulation.h"
+#include "rendering/GLContext.h"
+#include "rendering/Image.h"
+#include "rendering/Renderer.h"
+#include "util/Profiler.h"
+
+#include <cmath>
+#include <limits>
+
+namespace app
+{
+const double PenEntity::MAX_TAIL_TIME = 600.0;
+util::SharedPtr<util::Mentor<rendering::Texture>> PenEntity::s_penTex;
+util::SharedPtr<util::Mentor<rendering::Texture>> PenEntity::s_ringTex;
+
+namespace
+{
+// The tail strip is this share of the pen's size wide.
+const float TAIL_WIDTH = 0.7f;
+// The selection ring is this much larger than the pen.
+const float RING_SCALE = 1.3f;
+// Consecutive tail points are at least this share of a screen centimetre, and of the pen's size, apart.
+const float MIN_TAIL_STEP = 0.1f;
+// A moved pen stays on its geom while within this distance of it, in metres.
+const float ON_GEOM_TOLERANCE = 0.001f;
+
+rendering::Texture* MakeTexture(const std::vector<float>& texels)
+{
+    rendering::ImageFloatPtr image = QLEX_NEW new rendering::ImageFloat(PEN_TEXTURE_SIZE, PEN_TEXTURE_SIZE);
+    for (int j = 0; j < PEN_TEXTURE_SIZE; ++j)
+        for (int i = 0; i < PEN_TEXTURE_SIZE; ++i)
+            (*image)(i, j) = texels[size_t(j) * PEN_TEXTURE_SIZE + i];
+    return new rendering::Texture(
+        image, rendering::Texture::ImageType(GL_ALPHA, true, rendering::Texture::Quality(1, 1, 1, 1, 1)));
+}
+
+// A textured square of side `size` about c.
+void DrawSprite(const rendering::Texture& texture, math::Vec2 c, float size)
+{
+    glPushAttrib(GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT | GL_TEXTURE_BIT);
+    glEnable(GL_TEXTURE_2D);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glBindTexture(GL_TEXTURE_2D, texture.GetName());
+    rendering::Renderer::GetInstancePtr()->DrawRect(c, size);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glPopAttrib();
+}
+
+math::Vec2 UnitOrZero(const math::Vec2& v)
+{
+    const float length = v.Length();
+    return length > 0.0f ? v / length : math::Vec2(0, 0);
+}
+} // namespace
+
+PenEntity::PenEntity(float size)
+    : m_size(this, "size", size), m_fadeTime(this, "fadeTime", 10.0f),
+      m_time(physics::Simulation::GetInstancePtr()->GetSimulatedTime())
+{
+    physics::Simulation::GetInstancePtr()->AddStepCallback(
+        util::MakeCallbackArg<float>(&PenEntity::OnSimUpdate, this));
+}
+
+void PenEntity::LoadResources()
+{
+    if (s_penTex)
+        return;
+    s_penTex = QLEX_NEW new util::Mentor<rendering::Texture>(
+        [] { return MakeTexture(PenTexture(PEN_TEXTURE_SIZE)); });
+    s_ringTex = QLEX_NEW new util::Mentor<rendering::Texture>(
+        [] { return MakeTexture(RingTexture(PEN_TEXTURE_SIZE)); });
+}
+
+void PenEntity::Update(float) {}
+void PenEntity::AddToSimulation() {}
+void PenEntity::RemoveFromSimulation() {}
+
+void PenEntity::AttachTo(GeomPtr geom, math::Vec2 local)
+{
+    m_geom = geom;
+    m_local = local;
+}
+
+void PenEntity::AttachAt(math::Vec2 p)
+{
+    m_geom = Scene::GetInstancePtr()->GetGeomAt(p, m_zDepth);
+    if (m_geom && m_geom != GeomPtr(physics::Simulation::GetInstancePtr()->GetWorldGeom()))
+        m_local = math::TransformCoordinate(m_geom->GetWorldToGeom(), p);
+}
+
+math::Vec2 PenEntity::GetPos() const
+{
+    if (m_inTransform)
+        return m_transformPos;
+    if (!m_geom)
+        return math::Vec2(std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::quiet_NaN());
+    return math::TransformCoordinate(m_geom->GetPose(), m_local);
+}
+
+util::SharedPtr<physics::Circle> PenEntity::AsCircle() const
+{
+    return QLEX_NEW new physics::Circle(GetPos(), m_size / 2.0f);
+}
+
+bool PenEntity::IsOnEntity(math::Vec2 worldPoint) const
+{
+    return AsCircle()->DistanceWorld(worldPoint) < 0.0f;
+}
+
+bool PenEntity::ErasedBy(const std::vector<physics::Linesegment>& stroke) const
+{
+    // A stroke must pass through the pen, not end in it.
+    return AsCircle()->IntersectCountWorld(stroke) > 1;
+}
+
+bool PenEntity::IsContainedBy(const physics::Polygon& lasso) const
+{
+    return lasso.DistanceWorld(GetPos()) < -m_size / 2.0f;
+}
+
+math::BoundingBox2 PenEntity::GetAABB() const
+{
+    const math::Vec2 half(m_size / 2.0f, m_size / 2.0f);
+    return math::BoundingBox2(GetPos() - half, GetPos() + half);
+}
+
+bool PenEntity::IsInView(const math::BoundingBox2&) const
+{
+    return true;
+}
+
+void PenEntity::GetBoundPoints(std::vector<math::Vec2>& points)
+{
+    points.push_back(GetPos());
+}
+
+bool PenEntity::IsAlive() const
+{
+    if (!Entity::IsAlive() || !m_geom)
+        return false;
+    const physics::Simulation* sim = physics::Simulation::GetInstancePtr();
+    return m_geom == GeomPtr(sim->GetWorldGeom()) || sim->HasBody(m_geom->GetBodyBody());
+}
+
+void PenEntity::StartTransform()
+{
+    m_transformPos = GetPos();
+    m_inTransform = true;
+}
+
+void PenEntity::Transform(const math::TMat2D<float>& m)
+{
+    m_transformPos = math::TransformCoordinate(m, m_transformPos);
+}
+
+void PenEntity::EndTransform()
+{
+    m_inTransform = false;
+    physics::Body* body = m_geom ? m_geom->GetBodyBody() : nullptr;
+    if (body && !body->IsImmovable() && m_geom->DistanceWorld(m_transformPos) <= ON_GEOM_TOLERANCE)
+        m_local = math::TransformCoordinate(m_geom->GetWorldToGeom(), m_transformPos);
+    else
+        AttachAt(m_transformPos);
+}
+
+void PenEntity::SerializeTo(EntitySerializer& serializer) const
+{
+    Entity::SerializeTo(serializer);
+    serializer.Set("size", float(m_size));
+}
+
+void PenEntity::Deserialize(const EntitySerializer& serializer)
+{
+    Entity::Deserialize(serializer);
+    if (serializer.Has("size"))
+        m_size = serializer.Get<float>("size");
+}
+
+void PenEntity::CopyFrom(const Entity* source)
+{
+    Entity::CopyFrom(source);
+    if (const PenEntity* pen = dynamic_cast<const PenEntity*>(source))
+    {
+        m_size = pen->m_size.Get();
+        m_fadeTime = pen->m_fadeTime.Get();
+    }
+}
+
+util::SharedPtr<PenEntity> PenEntity::Clone() const
+{
+    util::SharedPtr<PenEntity> clone = QLEX_NEW new PenEntity(App::GetInstancePtr()->GetDefaultJointSize());
+    clone->CopyFrom(this);
+    return clone;
+}
+
+void PenEntity::OnSimUpdate(float)
+{
+    const util::ScopeProfiler profile("Pen::OnSimUpdate");
+    m_time = physics::Simulation::GetInstancePtr()->GetSimulatedTime();
+    while (m_tail.size() > MAX_TAIL_LENGTH)
+        m_tail.pop_front();
+    while (!m_tail.empty() && m_time - m_tail.front().time > MAX_TAIL_TIME)
+        m_tail.pop_front();
+    // Slow motion doesn't fill the tail: the head element is replaced until the path has gone far enough.
+    if (m_tail.size() > 1)
+    {
+        const float minDist =
+            std::min(MIN_TAIL_STEP * App::GetInstancePtr()->GetScreenCM(), MIN_TAIL_STEP * m_size);
+        if (math::Distance(m_tail[m_tail.size() - 1].position, m_tail[m_tail.size() - 2].position) < minDist)
+            m_tail.pop_back();
+    }
+    const math::Vec2 p = GetPos();
+    if (!math::IsFinite(p) || (!m_tail.empty() && m_tail.back().position == p))
+        return;
+    m_tail.push_back(TailElem{m_time, p, math::Vec2(0, 0)});
+    const size_t n = m_tail.size();
+    if (n > 1)
+    {
+        m_tail[n - 1].normal = UnitOrZero(math::Rot90CCW(p - m_tail[n - 2].position));
+        if (n == 2)
+            m_tail[0].normal = m_tail[1].normal;
+        else
+            // The middle normal spans its two neighbours, which smooths the strip.
+            m_tail[n - 2].normal = UnitOrZero(math::Rot90CCW(p - m_tail[n - 3].position));
+    }
+}
+
+size_t PenEntity::FindBegin() const
+{
+    const util::ScopeProfiler profile("Pen::FindBegin");
+    size_t i = 0;
+    while (i < m_tail.size() && m_time - m_tail[i].time > m_fadeTime)
+        ++i;
+    return i > 0 ? i - 1 : 0;
+}
+
+void PenEntity::Draw() const
+{
+    const util::ScopeProfiler profile("Pen::Draw");
+    if (m_tail.size() >= 2 && m_fadeTime > 0.0f)
+    {
+        const util::ScopeProfiler tail("Pen::DrawTail");
+        float w = TAIL_WIDTH * m_size;
+        glPushMatrix();
+        // The tail stays where it was while a scale drag previews the pen elsewhere.
+        if (HasScaleTransform())
+        {
+            const math::Mat3 inverse = math::Inverted(m_scaleTransform);
+            const float m[16] = {
+                inverse(0, 0), inverse(1, 0), 0, 0, inverse(0, 1), inverse(1, 1), 0, 0, 0, 0, 1, 0,
+                inverse(0, 2), inverse(1, 2), 0, 1};
+            glMultMatrixf(m);
+            w *= std::sqrt(std::fabs(m_scaleTransform(0, 0) * m_scaleTransform(1, 1)));
+        }
+        const float half = w / 2.0f;
+        // The tail fades through its alpha.
+        glPushAttrib(GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT);
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+        glBegin(GL_TRIANGLE_STRIP);
+        for (size_t i = FindBegin(); i < m_tail.size(); ++i)
+        {
+            const TailElem& e = m_tail[i];
+            const float a = 1.0f - float(m_time - e.time) / m_fadeTime;
+            SetDrawColor(math::Vec4(m_color.x, m_color.y, m_color.z, m_color.w * a));
+            const math::Vec2 p0 = e.position - e.normal * half;
+            const math::Vec2 p1 = e.position + e.normal * half;
+            glVertex2f(p0.x, p0.y);
+            glVertex2f(p1.x, p1.y);
+        }
+        glEnd();
+        glPopAttrib();
+        glPopMatrix();
+    }
+    LoadResources();
+    SetDrawColor(m_color);
+    DrawSprite(*s_penTex->GetPtr(), GetPos(), m_size);
+    if (m_selectedLook || m_markedLook)
+    {
+        SetDrawColor(links::BorderColor(this));
+        DrawSprite(*s_ringTex->GetPtr(), GetPos(), RING_SCALE * m_size);
+    }
+}
+
+} // namespace app

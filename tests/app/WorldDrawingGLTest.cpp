@@ -1,0 +1,224 @@
+#include "GLTestWindow.h"
+
+#include "app/App.h"
+#include "app/Camera.h"
+#include "gui/GUI.h"
+#include "physics/Contact.h"
+#include "physics/Particle.h"
+#include "physics/Simulation.h"
+#include "physics/testing/Scenes.h"
+#include "rendering/GLContext.h"
+#include "util/Mentor.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace
+{
+constexpr int WIDTH = 320;
+constexpr int HEIGHT = 240;
+const math::TVector4<int> SKY(77, 102, 255, 255); // (0.3, 0.4, 1) in bytes
+
+class WorldDrawing : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        QLEX_OPEN_GL_WINDOW(s_window, WIDTH, HEIGHT);
+        physics::Simulation::GetInstancePtr()->EraseWater();
+        physics::Simulation::GetInstancePtr()->m_running = false;
+        // In the interface's tree, as in the program: it fills the window.
+        gui::GUI* gui = gui::GUI::GetInstancePtr();
+        if (!gui->GetMainComponent()->HasComponent(app::App::GetInstancePtr()))
+            gui->GetMainComponent()->AddComponent(app::App::GetInstancePtr());
+        gui->OnNewWindowSize(WIDTH, HEIGHT);
+        m_app.GetBackground().SetDrawClouds(false);
+        m_app.GetCamera().Reset();
+        m_app.GetCamera().SetZoom(100);
+        m_app.m_waterColor = math::Vec4(0.1f, 0.1f, 1.0f, 0.7f);
+    }
+    void TearDown() override { physics::Simulation::GetInstancePtr()->EraseWater(); }
+
+    // One frame as the program makes it: the interface's update, then its drawing.
+    void DrawFrame()
+    {
+        gui::GUI::GetInstancePtr()->Update(0);
+        gui::GUI::GetInstancePtr()->Draw();
+        CheckForGLError();
+    }
+
+    // Fills a world rectangle with still water particles a radius apart.
+    static void FillWater(math::Vec2 min, math::Vec2 max)
+    {
+        const float step = 0.05f;
+        for (float y = min.y; y <= max.y; y += step)
+        {
+            for (float x = min.x; x <= max.x; x += step)
+            {
+                physics::Simulation::GetInstancePtr()->AddParticle(
+                    QLEX_NEW new physics::Particle(math::Vec2(x, y), math::Vec2(0, 0)));
+            }
+        }
+    }
+
+    // Opaque water where the computer can't blend it by a constant, else 70% water over the sky.
+    static math::TVector4<int> WaterOverSky()
+    {
+        const math::Vec4 water(0.1f, 0.1f, 1.0f, 0.7f);
+        if (!rendering::HasBlendColor())
+            return math::TVector4<int>(26, 26, 255, 255);
+        const auto mix = [&](float w, int sky)
+        { return int(std::lround(w * 255 * water.w + sky * (1 - water.w))); };
+        return math::TVector4<int>(mix(water.x, SKY.x), mix(water.y, SKY.y), mix(water.z, SKY.z), 255);
+    }
+
+    // A world point's pixel, counted from the top.
+    math::TVector2<int> PixelOf(math::Vec2 world) const
+    {
+        const math::Vec2 gui = m_app.GetCamera().WorldToGUI(world);
+        return math::TVector2<int>(int(gui.x), int(gui.y));
+    }
+
+    static GLTestWindow s_window;
+    app::App& m_app = *app::App::GetInstancePtr();
+};
+GLTestWindow WorldDrawing::s_window;
+} // namespace
+
+TEST_F(WorldDrawing, AStoppedWorldWithoutWaterShowsTheSkyColour)
+{
+    DrawFrame();
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(10, 10), SKY));
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(WIDTH / 2, HEIGHT / 2), SKY));
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(WIDTH - 1, HEIGHT - 1), SKY));
+
+    m_app.GetBackground().SetSkyColor(math::Vec4(1, 0.5f, 0, 1));
+    DrawFrame();
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(100, 50), {255, 128, 0, 255}));
+    m_app.GetBackground().ResetToDefaults();
+}
+
+TEST_F(WorldDrawing, ABlockOfWaterShowsWaterInsideAndSkyOutsideRightSideUp)
+{
+    // Above the middle of the window: world y up is screen y down.
+    FillWater(math::Vec2(-0.6f, 0.3f), math::Vec2(0.6f, 0.9f));
+    DrawFrame();
+    const math::TVector2<int> inside = PixelOf(math::Vec2(0, 0.6f));
+    ASSERT_LT(inside.y, HEIGHT / 2);
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(inside.x, inside.y), WaterOverSky(), 4));
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(PixelOf({0.4f, 0.4f}).x, PixelOf({0.4f, 0.4f}).y),
+                          WaterOverSky(), 4));
+    // The same point mirrored about the window's middle is sky: the picture is not upside down.
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(inside.x, HEIGHT - 1 - inside.y), SKY));
+    // Beside the block, and well below it.
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(PixelOf({1.2f, 0.6f}).x, PixelOf({1.2f, 0.6f}).y), SKY));
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(PixelOf({0, -0.2f}).x, PixelOf({0, -0.2f}).y), SKY));
+}
+
+TEST_F(WorldDrawing, WaterFollowsTheCamera)
+{
+    FillWater(math::Vec2(-0.3f, -0.3f), math::Vec2(0.3f, 0.3f));
+    m_app.GetCamera().SetPan(math::Vec2(1.0f, 0));
+    DrawFrame();
+    // The block now stands left of the middle.
+    const math::TVector2<int> block = PixelOf(math::Vec2(0, 0));
+    EXPECT_EQ(block.x, WIDTH / 2 - 100);
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(block.x, block.y), WaterOverSky(), 4));
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(WIDTH / 2, HEIGHT / 2), SKY));
+}
+
+TEST_F(WorldDrawing, CloudsDrawOverTheSkyAndStandStillWhileTheWorldIsStopped)
+{
+    m_app.GetBackground().SetDrawClouds(true);
+    m_app.GetCamera().SetZoom(app::Camera::GetMinZoom());
+    DrawFrame();
+    int cloudy = 0;
+    std::vector<math::TVector4<int>> first;
+    for (int y = 0; y < HEIGHT; y += 6)
+    {
+        for (int x = 0; x < WIDTH; x += 6)
+        {
+            const math::TVector4<int> p = s_window.ReadPixelFromTop(x, y);
+            first.push_back(p);
+            if (p.x > SKY.x + 40)
+                ++cloudy;
+        }
+    }
+    EXPECT_GT(cloudy, 0) << "no cloud in sight";
+    EXPECT_LT(cloudy, int(first.size())) << "no sky in sight";
+
+    m_app.Update(0.5f);
+    DrawFrame();
+    size_t i = 0;
+    for (int y = 0; y < HEIGHT; y += 6)
+        for (int x = 0; x < WIDTH; x += 6)
+            ASSERT_TRUE(ColorNear(s_window.ReadPixelFromTop(x, y), first[i++], 0)) << x << ", " << y;
+}
+
+TEST_F(WorldDrawing, AResizedWindowKeepsDrawing)
+{
+    FillWater(math::Vec2(-0.6f, 0.3f), math::Vec2(0.6f, 0.9f));
+    DrawFrame();
+    // A new window is a new context: every resource is dropped first and made again on its next use.
+    for (util::AbstractMentor* mentor : util::AbstractMentor::GetAllClassInstances())
+        mentor->Unload();
+    const int width = 400, height = 300;
+    ASSERT_TRUE(s_window.Resize(width, height)) << s_window.GetError();
+    gui::GUI::GetInstancePtr()->OnNewWindowSize(width, height);
+    DrawFrame();
+    const math::TVector2<int> inside = PixelOf(math::Vec2(0, 0.6f));
+    EXPECT_EQ(inside.x, width / 2);
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(inside.x, inside.y), WaterOverSky(), 4));
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(inside.x, height - 1 - inside.y), SKY));
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(width - 2, height - 2), SKY));
+
+    for (util::AbstractMentor* mentor : util::AbstractMentor::GetAllClassInstances())
+        mentor->Unload();
+    ASSERT_TRUE(s_window.Resize(WIDTH, HEIGHT));
+}
+
+TEST_F(WorldDrawing, AFadeColourLeavesATrailOfTheLastFrameBehindAClearSky)
+{
+    // A sky of alpha 0 lets the trail show through.
+    m_app.GetBackground().SetSkyColor(math::Vec4(0, 0, 0, 0));
+    m_app.m_fadeColor = math::Vec3(1, 1, 1);
+    FillWater(math::Vec2(-0.5f, -0.5f), math::Vec2(0.5f, 0.5f));
+    DrawFrame();
+    const math::TVector4<int> water = s_window.ReadPixelFromTop(WIDTH / 2, HEIGHT / 2);
+    ASSERT_GT(water.z, 200);
+
+    physics::Simulation::GetInstancePtr()->EraseWater();
+    DrawFrame();
+    // The centre keeps the water of the last frame; a corner, never water, stays black.
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(WIDTH / 2, HEIGHT / 2), water, 4));
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(3, 3), {0, 0, 0, 0}));
+
+    // Without a fade colour nothing of the last frame remains.
+    m_app.m_fadeColor = math::Vec3(0, 0, 0);
+    DrawFrame();
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(WIDTH / 2, HEIGHT / 2), {0, 0, 0, 0}));
+    m_app.GetBackground().ResetToDefaults();
+}
+
+TEST_F(WorldDrawing, CollisionsShowTheirContactPointsWhenAskedFor)
+{
+    physics::testing::ResetWorld();
+    physics::Simulation& sim = *physics::Simulation::GetInstancePtr();
+    sim.SetUpdateBudget(10.0f);
+    physics::testing::BuildColumn(1, physics::testing::Shape::Box, 0.5f);
+    m_app.Update(0.1f);
+    sim.m_running = false;
+    ASSERT_FALSE(m_app.GetContacts().empty());
+    const math::Vec2 point = m_app.GetContacts().front()->GetPoint();
+    const math::TVector2<int> pixel = PixelOf(point);
+
+    DrawFrame();
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(pixel.x, pixel.y), SKY));
+    m_app.m_drawCollisions = true;
+    DrawFrame();
+    // A contact younger than half a simulated second is white.
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(pixel.x, pixel.y), {255, 255, 255, 255}));
+    m_app.m_drawCollisions = false;
+    physics::testing::ResetWorld();
+}

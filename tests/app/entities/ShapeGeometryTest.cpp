@@ -1,0 +1,156 @@
+#include "app/entities/ShapeGeometry.h"
+#include "physics/Polygon.h"
+#include "physics/testing/Scenes.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace
+{
+TEST(ShapeGeometry, CalcVecsRunsClockwiseFromTheXAxisBackToIt)
+{
+    const std::vector<math::Vec2> vecs = app::CalcVecs(8);
+    ASSERT_EQ(vecs.size(), 9u);
+    EXPECT_NEAR(vecs[0].x, 1.0f, 1e-6f);
+    EXPECT_NEAR(vecs[2].y, -1.0f, 1e-6f);
+    EXPECT_NEAR(vecs[8].x, 1.0f, 1e-6f);
+    EXPECT_NEAR(vecs[8].y, 0.0f, 1e-5f);
+    for (const math::Vec2& v : vecs)
+        EXPECT_NEAR(v.Length(), 1.0f, 1e-6f);
+}
+
+TEST(ShapeGeometry, CircleFanLeavesOutTheCakeSliceAroundTheXAxis)
+{
+    int first = -1, last = -1;
+    app::CircleFanRange(false, first, last);
+    EXPECT_EQ(first, 0);
+    EXPECT_EQ(last, 128);
+    app::CircleFanRange(true, first, last);
+    EXPECT_EQ(first, 4);
+    EXPECT_EQ(last, 124);
+    // The slice spans CakeSize of the turn.
+    const float angle = std::atan2(-app::CircleVecs()[first].y, app::CircleVecs()[first].x);
+    EXPECT_NEAR(2.0f * angle, 2.0f * math::PIf * app::CakeSize, 1e-4f);
+}
+
+TEST(ShapeGeometry, BoxThinnerThanTwoBordersHasNoInside)
+{
+    math::Vec2 inside;
+    EXPECT_TRUE(app::BoxInside(math::Vec2(1, 0.5f), 0.1f, inside));
+    EXPECT_NEAR(inside.x, 0.9f, 1e-6f);
+    EXPECT_NEAR(inside.y, 0.4f, 1e-6f);
+    EXPECT_FALSE(app::BoxInside(math::Vec2(1, 0.05f), 0.1f, inside));
+    const std::vector<math::Vec2> quad = app::BoxQuad(math::Vec2(2, 1));
+    ASSERT_EQ(quad.size(), 4u);
+    EXPECT_EQ(quad[0], math::Vec2(-2, -1));
+    EXPECT_EQ(quad[2], math::Vec2(2, 1));
+}
+
+TEST(ShapeGeometry, CircleTextureIsADiscWithASmoothEdgeAndACake)
+{
+    const int size = 240;
+    const std::vector<float> plain = app::CircleTexture(size, false);
+    const std::vector<float> cake = app::CircleTexture(size, true);
+    auto at = [size](const std::vector<float>& t, float x, float y)
+    {
+        // Texel under the point (x, y) of the unit circle's frame.
+        const int i = int((x + app::SquareScale) / (2 * app::SquareScale) * size);
+        const int j = int((y + app::SquareScale) / (2 * app::SquareScale) * size);
+        return t[size_t(j) * size + i];
+    };
+    EXPECT_FLOAT_EQ(at(plain, 0.5f, 0.0f), 1.0f);
+    EXPECT_FLOAT_EQ(at(plain, 1.1f, 0.0f), 0.0f);
+    EXPECT_FLOAT_EQ(at(plain, -0.7f, 0.7f), 1.0f);
+    EXPECT_FLOAT_EQ(at(cake, 0.5f, 0.0f), 0.0f);
+    EXPECT_FLOAT_EQ(at(cake, -0.5f, 0.0f), 1.0f);
+    EXPECT_FLOAT_EQ(at(cake, 0.5f, 0.3f), 1.0f);
+    // At full size the rim is smoothed: some texel of the middle row lies between in and out.
+    const int full = app::CIRCLE_TEXTURE_SIZE;
+    const std::vector<float> big = app::CircleTexture(full, false);
+    int partial = 0;
+    for (int i = 0; i < full; ++i)
+    {
+        const float a = big[size_t(full / 2) * full + i];
+        partial += a > 0.0f && a < 1.0f;
+    }
+    EXPECT_GE(partial, 2);
+    EXPECT_LE(partial, 4);
+}
+
+TEST(ShapeGeometry, PlaneSegmentClipsTheViewToTheBand)
+{
+    const math::Vec2 corners[4] = {math::Vec2(0, 0), math::Vec2(0, 4), math::Vec2(4, 4), math::Vec2(4, 0)};
+    // A floor at y = 1: distance is y - 1.
+    float dists[4];
+    for (int i = 0; i < 4; ++i)
+        dists[i] = corners[i].y - 1.0f;
+    const std::vector<math::Vec2> below = app::PlaneSegment(corners, dists, -math::INF, 0.0f);
+    ASSERT_EQ(below.size(), 4u);
+    float area = 0;
+    for (size_t i = 0; i < below.size(); ++i)
+        area += math::Cross(below[i], below[(i + 1) % below.size()]);
+    EXPECT_NEAR(std::fabs(area) / 2, 4.0f, 1e-5f);
+
+    const std::vector<math::Vec2> band = app::PlaneSegment(corners, dists, -0.5f, 0.5f);
+    ASSERT_EQ(band.size(), 4u);
+    for (const math::Vec2& p : band)
+        EXPECT_TRUE(std::fabs(p.y - 1.0f) == 0.5f) << p.y;
+
+    // Wholly out of view: an empty fan.
+    for (float& d : dists)
+        d += 10;
+    EXPECT_TRUE(app::PlaneSegment(corners, dists, -math::INF, 0.0f).empty());
+    for (float& d : dists)
+        d -= 20;
+    EXPECT_EQ(app::PlaneSegment(corners, dists, -math::INF, 0.0f).size(), 4u);
+}
+
+TEST(ShapeGeometry, PolygonTextureHasItsOutlineAtOneHalf)
+{
+    const physics::Polygon polygon(physics::testing::RegularPolygonPoints(math::Vec2(0, 0), 1.0f, 12));
+    const float maxDist = app::PolygonMaxDist(polygon);
+    EXPECT_NEAR(maxDist,
+                0.04f * 2 * std::max(polygon.GetMapBox().halfExtent[0], polygon.GetMapBox().halfExtent[1]),
+                1e-6f);
+    const std::vector<float> texels = app::PolygonDistanceTexture(polygon, maxDist);
+    const util::Array2D<float>& map = polygon.GetDistanceMap();
+    ASSERT_EQ(texels.size(), size_t(map.GetWidth()) * map.GetHeight());
+    // The centre texel is deep inside, a corner texel far outside.
+    const unsigned w = map.GetWidth(), h = map.GetHeight();
+    EXPECT_FLOAT_EQ(texels[size_t(h / 2) * w + w / 2], 0.0f);
+    EXPECT_FLOAT_EQ(texels[0], 1.0f);
+    for (unsigned j = 0; j < h; ++j)
+        for (unsigned i = 0; i < w; ++i)
+        {
+            if (std::fabs(map(i, j)) < maxDist)
+            {
+                EXPECT_NEAR(texels[size_t(j) * w + i], (map(i, j) / maxDist + 1) / 2, 1e-6f);
+            }
+        }
+
+    math::Vec2 corners[4];
+    app::PolygonMapCorners(polygon, corners);
+    for (const math::Vec2& v : polygon.GetVertices())
+        EXPECT_TRUE(polygon.GetMapBox().Contains(v));
+    EXPECT_NEAR(math::Distance(corners[0], corners[2]),
+                2 * polygon.GetMapBox().halfExtent[0] * std::sqrt(2.0f), 0.2f);
+    EXPECT_LT(app::PolygonInsideThreshold(0.01f, maxDist), 0.5f);
+}
+} // namespace
+
+namespace
+{
+TEST(ShapeGeometry, PenHeadIsADiscAndItsRingHasAHole)
+{
+    const int size = 32;
+    const std::vector<float> pen = app::PenTexture(size);
+    const std::vector<float> ring = app::RingTexture(size);
+    auto at = [size](const std::vector<float>& t, int i, int j) { return t[size_t(j) * size + i]; };
+    EXPECT_FLOAT_EQ(at(pen, size / 2, size / 2), 1.0f);
+    EXPECT_FLOAT_EQ(at(pen, 0, 0), 0.0f);
+    EXPECT_FLOAT_EQ(at(ring, size / 2, size / 2), 0.0f);
+    EXPECT_FLOAT_EQ(at(ring, 2, size / 2), 1.0f);
+    EXPECT_FLOAT_EQ(at(ring, 0, 0), 0.0f);
+}
+} // namespace

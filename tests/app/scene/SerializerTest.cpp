@@ -1,0 +1,133 @@
+#include "SceneTestSupport.h"
+
+#include "app/entities/BoxEntity.h"
+#include "app/entities/CircleEntity.h"
+#include "app/entities/HingeEntity.h"
+#include "physics/Particle.h"
+
+namespace
+{
+using scenetest::SceneTest;
+
+const char* const MIXED_SCENE = R"(
+Scene.addPlane {angle = 1.57079637; pos = [0, -1]};
+Scene.addBox {pos = [0, 1]; size = [2, 1]; color = [0.5, 0.25, 0.125, 1.0]};
+Scene.addCircle {pos = [3, 1]; radius = 0.5};
+Scene.addPolygon {pos = [-3, 1]; vecs = [[0, 0], [1, 0], [1, 1], [0, 1]]};
+Scene.addHinge {pos = [0, 1]; motor = true};
+Scene.addSpring {world0pos = [3, 1]; world1pos = [0, 1.2]};
+Scene.addWater {vecs = [[5, 5], [5.1, 5]]}
+)";
+
+TEST_F(SceneTest, Serializer_SaveLoadSaveIsStable)
+{
+    Run(MIXED_SCENE);
+    ASSERT_EQ(scene->GetEntities().size(), 6u);
+    const std::string first = Save();
+    Load(first);
+    ASSERT_EQ(scene->GetEntities().size(), 6u);
+    const std::string second = Save();
+    Load(second);
+    const std::string third = Save();
+    EXPECT_EQ(scenetest::NormalizeIds(second), scenetest::NormalizeIds(third));
+    EXPECT_EQ(physics::Simulation::GetInstancePtr()->GetParticles().size(), 2u);
+}
+
+TEST_F(SceneTest, Serializer_HeaderAndSettingsComeFirst)
+{
+    Run("Scene.addBox {}");
+    const std::string text = Save();
+    EXPECT_EQ(text.rfind("// Qlex scene created by ", 0), 0u) << text;
+    EXPECT_NE(text.find("\n\nFileInfo.version = 2;\n"), std::string::npos) << text;
+    EXPECT_EQ(text.find("FileInfo.title"), std::string::npos);
+    EXPECT_NE(text.find("Scene.addGroup {\n"), std::string::npos) << text;
+    EXPECT_NE(text.back(), '\n');
+}
+
+TEST_F(SceneTest, Serializer_EmptyFunctionMakesUnitBoxAndNumberFailsWithHelperMessage)
+{
+    Run("Scene.addBox {}");
+    auto boxes = All<app::BoxEntity>();
+    ASSERT_EQ(boxes.size(), 1u);
+    const math::BoundingBox2 box = boxes[0]->GetAABB();
+    EXPECT_NEAR(box.GetSize().x, 1.0f, 1e-5f);
+    EXPECT_NEAR(box.GetCenter().y, 0.0f, 1e-5f);
+
+    Run("Scene.addBox 3");
+    EXPECT_EQ(All<app::BoxEntity>().size(), 1u);
+}
+
+TEST_F(SceneTest, Serializer_GluedShapesShareOneBodyAfterLoad)
+{
+    Run("Scene.addBox {pos = [0, 0]; body = 7}; Scene.addBox {pos = [2, 0]; body = 7}; Scene.addBox {pos = "
+        "[5, 0]}");
+    auto boxes = All<app::BoxEntity>();
+    ASSERT_EQ(boxes.size(), 3u);
+    EXPECT_EQ(boxes[0]->GetBody(), boxes[1]->GetBody());
+    EXPECT_NE(boxes[0]->GetBody(), boxes[2]->GetBody());
+    const std::string text = Save();
+    Load(text);
+    boxes = All<app::BoxEntity>();
+    ASSERT_EQ(boxes.size(), 3u);
+    EXPECT_EQ(boxes[0]->GetBody(), boxes[1]->GetBody());
+    EXPECT_NE(boxes[0]->GetBody(), boxes[2]->GetBody());
+}
+
+TEST_F(SceneTest, Serializer_HingeToBackgroundNamesGeomZero)
+{
+    Run("Scene.addBox {pos = [0, 0]}; Scene.addHinge {pos = [0.2, 0.2]}");
+    ASSERT_EQ(All<app::HingeEntity>().size(), 1u);
+    const std::string text = Save();
+    EXPECT_TRUE(std::regex_search(text, std::regex("geom[01] = 0[;\n]"))) << text;
+}
+
+TEST_F(SceneTest, Serializer_UnknownGeomIdIsLoggedAndJointAttachesAtItsPoint)
+{
+    Run("Scene.addBox {pos = [0, 0]; geomID = 4}");
+    Run("Scene.addHinge {geom0 = 4; geom0pos = [0, 0]; geom1 = 99; world1pos = [0.1, 0.1]}");
+    auto hinges = All<app::HingeEntity>();
+    ASSERT_EQ(hinges.size(), 1u);
+    EXPECT_TRUE(hinges[0]->m_geoms[1]);
+}
+
+TEST_F(SceneTest, Serializer_OldFormatLoadsWithAlphaOne)
+{
+    app::Serializer::GetInstancePtr()->Deserialize("version = 1;\n{ type = \"box\"; pos = [0, 0]; color = "
+                                                   "[0.5, 0.5, 0.5] };\n{ type = \"circle\"; radius = 2 }");
+    auto boxes = All<app::BoxEntity>();
+    ASSERT_EQ(boxes.size(), 1u);
+    EXPECT_FLOAT_EQ(boxes[0]->GetColor().w, 1.0f);
+    EXPECT_EQ(All<app::CircleEntity>().size(), 1u);
+}
+
+TEST_F(SceneTest, Serializer_WaterPositionsSurviveAndVelocitiesAreZero)
+{
+    Run("Scene.addWater {vecs = [[1, 2], [3, 4]]}");
+    auto& particles = physics::Simulation::GetInstancePtr()->GetParticles();
+    ASSERT_EQ(particles.size(), 2u);
+    particles[0]->SetVelocity(math::Vec2(5, 5));
+    Load(Save());
+    ASSERT_EQ(particles.size(), 2u);
+    EXPECT_EQ(particles[0]->GetPosition(), math::Vec2(1, 2));
+    EXPECT_EQ(particles[0]->GetVelocity(), math::Vec2(0, 0));
+}
+
+} // namespace
+
+namespace
+{
+using scenetest::SceneTest;
+
+TEST_F(SceneTest, Serializer_TrackedEntityBecomesTheCamerasGroupAndIsSaved)
+{
+    Run("Scene.addBox {pos = [3, 4]; tracked = true}");
+    ASSERT_TRUE(scene->GetTrackedGroup());
+    EXPECT_EQ(scene->GetTrackedGroup()->Size(), 1u);
+    EXPECT_TRUE(scene->GetCamera()->IsTracking());
+    const std::string text = Save();
+    EXPECT_NE(text.find("name = \"tracked\""), std::string::npos) << text;
+    Load(text);
+    ASSERT_TRUE(scene->GetTrackedGroup());
+    EXPECT_EQ(scene->GetTrackedGroup()->Size(), 1u);
+}
+} // namespace
