@@ -57,14 +57,6 @@ Particle::~Particle()
 
 void Particle::SetAttribs(float radius, float density, float friction, float restitution)
 {
-    // Called on all water every step: the shape, a separate object, is only written on a change.
-    if (radius == m_attribRadius && density == m_attribDensity && friction == m_attribFriction &&
-        restitution == m_attribRestitution)
-        return;
-    m_attribRadius = radius;
-    m_attribDensity = density;
-    m_attribFriction = friction;
-    m_attribRestitution = restitution;
     m_area = math::PIf * radius * radius;
     m_mass = m_area * density;
     // A particle turns only if contacts spin it; a radius of gyration of one metre keeps that spin slow.

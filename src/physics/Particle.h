@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 
 namespace physics
 {
@@ -37,8 +36,7 @@ public:
     static void* operator new(std::size_t size);
     static void operator delete(void* p, std::size_t size);
 
-    // Mass and inertia from the radius and density; friction and restitution go to the shape. Setting the
-    // values the particle already has touches nothing.
+    // Mass and inertia from the radius and density; friction and restitution go to the shape.
     void SetAttribs(float radius, float density, float friction, float restitution);
 
     const util::SharedPtr<ParticleGeom>& GetGeom() const { return m_geom; }
@@ -47,29 +45,26 @@ public:
     const math::Vec2& GetCohesionForce() const { return m_cohesionForce; }
     float GetLonelyTime() const { return m_lonelyTime; }
     void SetLonelyTime(float t) { m_lonelyTime = t; }
-    // Valid from the last neighbour search until particles next change, within one step. The search keeps
-    // its pairs in its own arrays; the list is made from them when it is first asked for.
+    // Valid from the last neighbour search until particles next change, within one step.
     const util::VectorPOD<Neighbor>& GetNeighbors() const;
 
 private:
     friend class SPH;
 
+    // What the water writes every step first, next to the body's own state, so that a pass over all
+    // particles touches few cache lines; what is rarely read comes last.
     float m_density = 0.0f;
     float m_pressure = 0.0f;
     math::Vec2 m_cohesionForce;
-    mutable util::VectorPOD<Neighbor> m_neighbors;
     float m_lonelyTime = 0.0f;
-    util::SharedPtr<ParticleGeom> m_geom;
-    // The values of the last SetAttribs; none at first, as NaN equals nothing.
-    float m_attribRadius = std::numeric_limits<float>::quiet_NaN();
-    float m_attribDensity = std::numeric_limits<float>::quiet_NaN();
-    float m_attribFriction = std::numeric_limits<float>::quiet_NaN();
-    float m_attribRestitution = std::numeric_limits<float>::quiet_NaN();
-    // The particle's place in the arrays of the neighbour search that saw it last, that search's number,
-    // and the number of the search that m_neighbors was made from (0: none).
+    // The particle's place in the arrays of the neighbour search that saw it last, and that search's
+    // number (0: none).
     std::uint32_t m_searchIndex = 0;
     std::uint32_t m_searchGeneration = 0;
+    // Made from the search's pairs when first asked for; the number of the search it was made from.
+    mutable util::VectorPOD<Neighbor> m_neighbors;
     mutable std::uint32_t m_neighborsGeneration = 0;
+    util::SharedPtr<ParticleGeom> m_geom;
 };
 
 } // namespace physics

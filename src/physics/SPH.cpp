@@ -102,24 +102,26 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
     const float density = m_density;
     s_mass = math::PIf * radius * radius * density;
     {
-        // A change of the settings takes effect at once on all water.
+        // A change of the settings takes effect at once on all water. Without one, every particle already
+        // has them: from the last update, or from its constructor if it is newer.
         const util::ScopeProfiler stage("Update rad/density");
         const float friction = m_friction;
         const float restitution = m_restitution;
-        for (Particle* p : m_workingList)
-            p->SetAttribs(radius, density, friction, restitution);
-    }
-    FindNeighbors();
-    CalcForces();
-    {
-        // A particle alone (only itself in its list) ages; removal is the simulation's business.
-        const util::ScopeProfiler stage("Evaporation");
-        for (size_t s = 0; s < m_sorted.size(); ++s)
+        if (!(radius == m_appliedRadius && density == m_appliedDensity && friction == m_appliedFriction &&
+              restitution == m_appliedRestitution))
         {
-            Particle& p = *m_sorted[s];
-            p.m_lonelyTime = m_neighborCount[s] < 2 ? p.m_lonelyTime + dt : 0.0f;
+            for (Particle* p : m_workingList)
+                p->SetAttribs(radius, density, friction, restitution);
+            m_appliedRadius = radius;
+            m_appliedDensity = density;
+            m_appliedFriction = friction;
+            m_appliedRestitution = restitution;
         }
     }
+    FindNeighbors();
+    // A particle alone (only itself in its list) ages as the results are written; removal is the
+    // simulation's business.
+    CalcForces(&dt);
     const float jitter = m_jitter;
     if (jitter != 0.0f)
     {
@@ -264,6 +266,11 @@ void SPH::MatchCells(unsigned int beginA, unsigned int endA, unsigned int beginB
 
 void SPH::CalcForces()
 {
+    CalcForces(nullptr);
+}
+
+void SPH::CalcForces(const float* agingStep)
+{
     // Works on the positions and velocities that FindNeighbors read. Each pair is handled once and gives
     // its terms to both particles: with the offset reversed they are exactly the negated terms, so that
     // every particle's sums take the same values in the same order as a walk over its own list would.
@@ -320,10 +327,10 @@ void SPH::CalcForces()
         m_viscositySum[i] += viscosityTerm;
         m_viscositySum[j] -= viscosityTerm;
     }
-    WriteResults();
+    WriteResults(agingStep);
 }
 
-void SPH::WriteResults()
+void SPH::WriteResults(const float* agingStep)
 {
     const float viscosityScale = m_viscosity * s_mass * m_viscMultiplier;
     const float pressureScale = s_mass * m_pressMultiplier;
@@ -336,6 +343,8 @@ void SPH::WriteResults()
         p.m_cohesionForce = m_gradientSum[s] * cohesionScale;
         p.m_searchIndex = static_cast<std::uint32_t>(s);
         p.m_searchGeneration = m_generation;
+        if (agingStep)
+            p.m_lonelyTime = m_neighborCount[s] < 2 ? p.m_lonelyTime + *agingStep : 0.0f;
         const math::Vec2 force =
             (p.m_cohesionForce + m_viscositySum[s] * viscosityScale - m_pressureSum[s] * pressureScale) *
             s_mass;

@@ -11,6 +11,7 @@
 #include "util/VectorPOD.h"
 
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace physics
@@ -99,8 +100,10 @@ private:
         math::Vec2 offset;
     };
 
+    // With an aging step, particles alone in their lists also grow older by it.
+    void CalcForces(const float* agingStep);
     void HashParticles(float inverseCellSize);
-    void WriteResults();
+    void WriteResults(const float* agingStep);
     void ReportStatistics();
     void ReportHashInfo();
     void ReportValue(const char* name, float value);
@@ -109,6 +112,11 @@ private:
     // Raw pointers: the simulation's list, which Update is given, owns the particles while it runs, and
     // counting references here would touch every particle's handle twice a step.
     util::VectorPOD<Particle*> m_workingList;
+    // The settings that the last update gave all particles; none at first, as NaN equals nothing.
+    float m_appliedRadius = std::numeric_limits<float>::quiet_NaN();
+    float m_appliedDensity = std::numeric_limits<float>::quiet_NaN();
+    float m_appliedFriction = std::numeric_limits<float>::quiet_NaN();
+    float m_appliedRestitution = std::numeric_limits<float>::quiet_NaN();
 
     // Everything below keeps its storage from step to step, so that a steady state allocates nothing.
     // The spatial hash: cell to a slot of the occupied cells, in the order the cells were first met.
