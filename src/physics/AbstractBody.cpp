@@ -20,16 +20,16 @@ std::uint32_t DrawBodyId(std::uint32_t& counter)
 } // namespace
 
 AbstractBody::AbstractBody()
-    : m_velocityChange(0.0f, 0.0f), m_position(0.0f, 0.0f), m_velocity(0.0f, 0.0f), m_force(0.0f, 0.0f),
-      m_inertia(math::INF), m_mass(math::INF), m_id(DrawBodyId(s_idCounter))
+    : m_id(DrawBodyId(s_idCounter)), m_position(0.0f, 0.0f), m_velocity(0.0f, 0.0f), m_force(0.0f, 0.0f),
+      m_velocityChange(0.0f, 0.0f), m_mass(math::INF), m_inertia(math::INF)
 {
 }
 
 AbstractBody::AbstractBody(const AbstractBody& other)
-    : util::Pointee(), m_velocityChange(0.0f, 0.0f), m_position(other.m_position),
-      m_velocity(other.m_velocity), m_force(other.m_force), m_angle(other.m_angle),
-      m_angularVelocity(other.m_angularVelocity), m_torque(other.m_torque), m_inertia(math::INF),
-      m_mass(math::INF), m_id(DrawBodyId(s_idCounter))
+    : util::Pointee(), m_id(DrawBodyId(s_idCounter)), m_position(other.m_position),
+      m_velocity(other.m_velocity), m_force(other.m_force), m_velocityChange(0.0f, 0.0f),
+      m_angle(other.m_angle), m_angularVelocity(other.m_angularVelocity), m_torque(other.m_torque),
+      m_mass(math::INF), m_inertia(math::INF)
 {
 }
 

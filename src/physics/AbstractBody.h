@@ -66,22 +66,24 @@ public:
     float RotationChange() const { return m_rotationChange; }
 
 protected:
-    util::VectorPOD<Constraint*> m_constraints;
-    math::Vec2 m_velocityChange;
-    float m_rotationChange = 0.0f;
+    // Fields in three groups: rarely read; what the passes of a step over all bodies read and write,
+    // together, so that such a pass touches as few cache lines as possible; and solver bookkeeping.
+    float m_area = 0.0f;
+    std::uint32_t m_id;
     math::Vec2 m_position;
     math::Vec2 m_velocity;
     math::Vec2 m_force;
+    math::Vec2 m_velocityChange;
     float m_angle = 0.0f;
     float m_angularVelocity = 0.0f;
     float m_torque = 0.0f;
-    float m_inertia;
+    float m_rotationChange = 0.0f;
+    float m_massInv = 0.0f;
     float m_inertiaInv = 0.0f;
     float m_mass;
-    float m_massInv = 0.0f;
-    float m_area = 0.0f;
-    std::uint32_t m_id;
     bool m_held = false;
+    float m_inertia;
+    util::VectorPOD<Constraint*> m_constraints;
 
 private:
     static std::uint32_t s_idCounter;

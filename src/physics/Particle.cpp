@@ -1,5 +1,6 @@
 #include "physics/Particle.h"
 
+#include "logging/Exception.h"
 #include "physics/ParticleAllocator.h"
 #include "physics/SPH.h"
 
@@ -22,18 +23,14 @@ ParticleAllocator& Store()
 
 void* Particle::operator new(std::size_t size)
 {
-    // A larger class derived from Particle takes ordinary storage.
-    if (size != sizeof(Particle))
-        return ::operator new(size);
+    // The class is final: every request is for one particle.
+    QLEX_ASSERT(size == sizeof(Particle));
     return Store().Allocate();
 }
 
-void Particle::operator delete(void* p, std::size_t size)
+void Particle::operator delete(void* p)
 {
-    if (size != sizeof(Particle))
-        ::operator delete(p);
-    else
-        Store().Free(p);
+    Store().Free(p);
 }
 
 Particle::ParticleGeom::ParticleGeom(Particle* owner, float radius) : Circular(Kind::ParticleCircle, radius)

@@ -10,7 +10,7 @@
 namespace physics
 {
 // A water particle: a body to the integrator and the solver, and a sample of the fluid to SPH.
-class Particle : public AbstractBody
+class Particle final : public AbstractBody
 {
 public:
     struct Neighbor
@@ -34,7 +34,7 @@ public:
     // Particles are kept side by side in blocks of their own (see ParticleAllocator), so that the passes
     // of a step over all water read memory in order.
     static void* operator new(std::size_t size);
-    static void operator delete(void* p, std::size_t size);
+    static void operator delete(void* p);
 
     // Mass and inertia from the radius and density; friction and restitution go to the shape.
     void SetAttribs(float radius, float density, float friction, float restitution);

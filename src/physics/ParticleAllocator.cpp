@@ -11,16 +11,15 @@ namespace physics
 {
 namespace
 {
-// Blocks start on a cache line, so that where a slot's fields fall in the lines is the same in every run.
-const std::align_val_t BLOCK_ALIGNMENT{64};
+// Blocks and slots start on a cache line, so that each object's fields fall into the lines alike.
+const size_t CACHE_LINE = 64;
+const std::align_val_t BLOCK_ALIGNMENT{CACHE_LINE};
 } // namespace
 
 ParticleAllocator::ParticleAllocator(size_t slotSize, size_t slotsPerBlock) : m_slotsPerBlock(slotsPerBlock)
 {
     QLEX_ASSERT(slotSize > 0 && slotsPerBlock > 0);
-    // Every slot aligned as operator new aligns.
-    const size_t align = alignof(std::max_align_t);
-    m_slotSize = (slotSize + align - 1) / align * align;
+    m_slotSize = (slotSize + CACHE_LINE - 1) / CACHE_LINE * CACHE_LINE;
 }
 
 ParticleAllocator::~ParticleAllocator()

@@ -7,10 +7,10 @@
 
 namespace physics
 {
-// Storage of equal slots in large blocks, for objects made and dropped by the thousand (water particles).
-// The free slot of lowest address is handed out first, so that objects made one after another lie one after
-// another in memory whatever came and went before, and passes over all of them walk memory in order. The
-// blocks are given back once every slot is free.
+// Storage of equal slots, each starting on a cache line, in large blocks, for objects made and dropped by the
+// thousand (water particles). The free slot of lowest address is handed out first, so that objects made one
+// after another lie one after another in memory whatever came and went before, and passes over all of them
+// walk memory in order. The blocks are given back once every slot is free.
 class ParticleAllocator
 {
 public:

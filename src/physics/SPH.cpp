@@ -247,17 +247,15 @@ void SPH::MatchCells(unsigned int beginA, unsigned int endA, unsigned int beginB
         const math::Vec2 pi = position[i];
         for (unsigned int j = same ? i + 1 : beginB; j < endB; ++j)
         {
-            math::Vec2 offset = position[j] - pi;
+            const math::Vec2 offset = position[j] - pi;
             const float distSq = offset.LengthSq();
             if (!(distSq < squaredDistance))
                 continue;
-            float d = std::sqrt(distSq);
+            const float d = std::sqrt(distSq);
             if (math::IsZero(d))
-            {
-                d = m_radius * COINCIDENT_DISTANCE_FACTOR;
-                offset = math::Vec2(d, 0.0f);
-            }
-            m_pairs.append(Pair{i, j, d, offset});
+                m_pairs.append(Pair{i, j | Pair::AT_ONE_POINT, m_radius * COINCIDENT_DISTANCE_FACTOR});
+            else
+                m_pairs.append(Pair{i, j, d});
             ++m_neighborCount[i];
             ++m_neighborCount[j];
         }
@@ -288,7 +286,7 @@ void SPH::CalcForces(const float* agingStep)
     {
         const float w = s_mass * InfluenceKernel(pair.distance);
         m_particleDensity[pair.first] += w;
-        m_particleDensity[pair.second] += w;
+        m_particleDensity[pair.Second()] += w;
     }
     // No clamp at zero: a thin region pulls as well as a dense one pushes.
     for (size_t s = 0; s < n; ++s)
@@ -312,8 +310,8 @@ void SPH::CalcForces(const float* agingStep)
     for (const Pair& pair : m_pairs)
     {
         const unsigned int i = pair.first;
-        const unsigned int j = pair.second;
-        const math::Vec2 g = pair.offset * PressureKernelDelta(pair.distance);
+        const unsigned int j = pair.Second();
+        const math::Vec2 g = PairOffset(pair) * PressureKernelDelta(pair.distance);
         const float c = specialPressure ? (pressure[i] + pressure[j]) / (2.0f * density[i] * density[j])
                                         : pressure[i] / (density[i] * density[i]) +
                                               pressure[j] / (density[j] * density[j]);
@@ -371,10 +369,11 @@ void SPH::VelocitySmoothing()
     for (const Pair& pair : m_pairs)
     {
         const float w = InfluenceKernel(pair.distance);
-        sum[pair.first] += m_velocity[pair.second] * w;
+        const unsigned int j = pair.Second();
+        sum[pair.first] += m_velocity[j] * w;
         weight[pair.first] += w;
-        sum[pair.second] += m_velocity[pair.first] * w;
-        weight[pair.second] += w;
+        sum[j] += m_velocity[pair.first] * w;
+        weight[j] += w;
     }
     for (size_t s = 0; s < n; ++s)
     {
@@ -399,9 +398,9 @@ void SPH::FillNeighbors(const Particle& particle, util::VectorPOD<Particle::Neig
     {
         const Pair& pair = m_pairs[m_indexPairs[e]];
         if (pair.first == s)
-            list.append(Particle::Neighbor{m_sorted[pair.second], pair.distance, pair.offset});
+            list.append(Particle::Neighbor{m_sorted[pair.Second()], pair.distance, PairOffset(pair)});
         else
-            list.append(Particle::Neighbor{m_sorted[pair.first], pair.distance, -pair.offset});
+            list.append(Particle::Neighbor{m_sorted[pair.first], pair.distance, -PairOffset(pair)});
     }
 }
 
@@ -424,7 +423,7 @@ void SPH::BuildNeighborIndex()
     {
         const unsigned int pairIndex = static_cast<unsigned int>(k);
         m_indexPairs[m_indexFill[m_pairs[k].first]++] = pairIndex;
-        m_indexPairs[m_indexFill[m_pairs[k].second]++] = pairIndex;
+        m_indexPairs[m_indexFill[m_pairs[k].Second()]++] = pairIndex;
     }
     m_indexGeneration = m_generation;
 }

@@ -90,15 +90,26 @@ public:
 private:
     using CellMap = util::HashMap<math::TVector2<int>, unsigned int>;
 
-    // Two neighbours, by their positions in cell order, found once and used from both sides: the offset
-    // leads from `first` to `second`.
+    // Two neighbours, by their positions in cell order, found once and used from both sides. The offset
+    // leads from `first` to the second and is the difference of their positions, except for a pair at one
+    // point (flagged in the top bit of the second's number), whose offset is (distance, 0).
     struct Pair
     {
+        static constexpr unsigned int AT_ONE_POINT = 0x80000000u;
+
         unsigned int first;
-        unsigned int second;
+        unsigned int secondAndFlag;
         float distance;
-        math::Vec2 offset;
+
+        unsigned int Second() const { return secondAndFlag & ~AT_ONE_POINT; }
     };
+
+    math::Vec2 PairOffset(const Pair& pair) const
+    {
+        if (pair.secondAndFlag & Pair::AT_ONE_POINT)
+            return math::Vec2(pair.distance, 0.0f);
+        return m_position[pair.secondAndFlag] - m_position[pair.first];
+    }
 
     // With an aging step, particles alone in their lists also grow older by it.
     void CalcForces(const float* agingStep);

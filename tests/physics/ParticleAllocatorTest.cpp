@@ -20,14 +20,17 @@ std::uintptr_t Address(const void* p)
 TEST(ParticleAllocatorTest, Slots_LowestFreeFirstAndBlocksGoWhenAllAreFree)
 {
     ParticleAllocator store(40, 4);
-    // Rounded up so that every slot is aligned as operator new aligns.
-    ASSERT_EQ(store.GetSlotSize() % alignof(std::max_align_t), 0u);
+    // Rounded up to whole cache lines, and every slot starts on one.
+    ASSERT_EQ(store.GetSlotSize() % 64, 0u);
     ASSERT_GE(store.GetSlotSize(), 40u);
     const size_t size = store.GetSlotSize();
 
     void* slots[6];
     for (void*& slot : slots)
+    {
         slot = store.Allocate();
+        EXPECT_EQ(Address(slot) % 64, 0u);
+    }
     EXPECT_EQ(store.GetBlockCount(), 2u);
     EXPECT_EQ(store.GetLiveCount(), 6u);
     for (int i = 1; i < 4; ++i)
@@ -72,8 +75,7 @@ TEST_F(WorldTest, Particles_MadeOneAfterAnotherLieSideBySide)
         }
     }
     EXPECT_GE(Address(water[1].get()) - Address(water[0].get()), sizeof(Particle));
-    EXPECT_LT(Address(water[1].get()) - Address(water[0].get()),
-              sizeof(Particle) + alignof(std::max_align_t));
+    EXPECT_LT(Address(water[1].get()) - Address(water[0].get()), sizeof(Particle) + 64);
 
     // A removed particle's place goes to the next one made.
     Particle* gone = water[5].get();
