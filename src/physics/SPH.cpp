@@ -20,11 +20,6 @@ namespace
 // still push apart along some direction.
 const float COINCIDENT_DISTANCE_FACTOR = 0.01f;
 
-// Half of the neighbouring cells: with the cell itself, each pair of neighbouring cells is visited once.
-const math::TVector2<int> STENCIL[5] = {math::TVector2<int>(0, 0), math::TVector2<int>(0, 1),
-                                        math::TVector2<int>(1, -1), math::TVector2<int>(1, 0),
-                                        math::TVector2<int>(1, 1)};
-
 unsigned int s_jitterSeed = 0;
 
 const char* const AVG_NEIGH_COUNT = "AVG_neighCount";
@@ -163,27 +158,55 @@ void SPH::FindNeighbors()
         for (size_t s = 0; s < n; ++s)
             m_neighborCount[s] = 1;
         m_pairs.clear();
+        // The slots of the cells at (x + 1, y - 1), (x + 1, y) and (x + 1, y + 1) of the last cell. Cells
+        // tend to come up or down a column, and then two of the three are the last cell's.
+        unsigned int right[3] = {NO_SLOT, NO_SLOT, NO_SLOT};
+        math::TVector2<int> last(0, 0);
         for (size_t c = 0; c < m_occupiedCells.size(); ++c)
         {
             const math::TVector2<int> cell = m_occupiedCells[c];
+            const int x = cell.x;
+            const int y = cell.y;
+            if (c > 0 && last.x == x && last.y + 1 == y)
+            {
+                right[0] = right[1];
+                right[1] = right[2];
+                right[2] = FindSlot(x + 1, y + 1);
+            }
+            else if (c > 0 && last.x == x && last.y - 1 == y)
+            {
+                right[2] = right[1];
+                right[1] = right[0];
+                right[0] = FindSlot(x + 1, y - 1);
+            }
+            else
+            {
+                right[0] = FindSlot(x + 1, y - 1);
+                right[1] = FindSlot(x + 1, y);
+                right[2] = FindSlot(x + 1, y + 1);
+            }
+            const unsigned int above = c > 0 && last.x == x && last.y == y + 1
+                                           ? static_cast<unsigned int>(c - 1)
+                                           : FindSlot(x, y + 1);
+            last = cell;
+
+            // The cell itself and half of its neighbours, at the offsets (0, 0), (0, 1), (1, -1), (1, 0) and
+            // (1, 1) in this order: so each pair of neighbouring cells is visited once.
+            const unsigned int slots[5] = {static_cast<unsigned int>(c), above, right[0], right[1], right[2]};
             const unsigned int begin = m_cellStart[c];
             const unsigned int end = m_cellStart[c + 1];
-            for (const math::TVector2<int>& offset : STENCIL)
-            {
-                // The cell itself needs no lookup: its range is at hand.
-                if (offset.x == 0 && offset.y == 0)
-                {
-                    MatchCells(begin, end, begin, end, limit);
-                    continue;
-                }
-                const unsigned int* other =
-                    cells.TryGet(math::TVector2<int>(cell.x + offset.x, cell.y + offset.y));
-                if (other)
-                    MatchCells(begin, end, m_cellStart[*other - 1], m_cellStart[*other], limit);
-            }
+            for (const unsigned int slot : slots)
+                if (slot != NO_SLOT)
+                    MatchCells(begin, end, m_cellStart[slot], m_cellStart[slot + 1], limit);
         }
     }
     ReportHashInfo();
+}
+
+unsigned int SPH::FindSlot(int x, int y) const
+{
+    const unsigned int* index = m_cells->TryGet(math::TVector2<int>(x, y));
+    return index ? *index - 1 : NO_SLOT;
 }
 
 void SPH::HashParticles(float inverseCellSize)
@@ -194,6 +217,8 @@ void SPH::HashParticles(float inverseCellSize)
     m_readPosition.resize(n);
     m_readVelocity.resize(n);
     m_cellFill.clear();
+    math::TVector2<int> lastCell(0, 0);
+    unsigned int lastSlot = NO_SLOT;
     for (size_t k = 0; k < n; ++k)
     {
         const Particle& p = *m_workingList[k];
@@ -201,17 +226,23 @@ void SPH::HashParticles(float inverseCellSize)
         m_readPosition[k] = position;
         m_readVelocity[k] = p.GetVelocity();
         const math::TVector2<int> cell = Cellify(position, inverseCellSize);
-        const unsigned int fresh = static_cast<unsigned int>(m_occupiedCells.size());
-        unsigned int& index = cells[cell];
-        // A new key reads 0; slot numbers are stored one up so that 0 means "no slot yet".
-        if (index == 0)
+        // Particles next to each other in the list are often in one cell: no lookup then.
+        if (lastSlot == NO_SLOT || !(cell == lastCell))
         {
-            index = fresh + 1;
-            m_occupiedCells.append(cell);
-            m_cellFill.append(0);
+            const unsigned int fresh = static_cast<unsigned int>(m_occupiedCells.size());
+            unsigned int& index = cells[cell];
+            // A new key reads 0; slot numbers are stored one up so that 0 means "no slot yet".
+            if (index == 0)
+            {
+                index = fresh + 1;
+                m_occupiedCells.append(cell);
+                m_cellFill.append(0);
+            }
+            lastCell = cell;
+            lastSlot = index - 1;
         }
-        m_slotOf[k] = index - 1;
-        ++m_cellFill[index - 1];
+        m_slotOf[k] = lastSlot;
+        ++m_cellFill[lastSlot];
     }
 
     // A counting sort by slot, stable, so that each cell keeps the particles in the order of the list.

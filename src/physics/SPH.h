@@ -114,6 +114,9 @@ private:
     // With an aging step, particles alone in their lists also grow older by it.
     void CalcForces(const float* agingStep);
     void HashParticles(float inverseCellSize);
+    // The slot of the cell, or NO_SLOT when it holds no particle.
+    unsigned int FindSlot(int x, int y) const;
+    static constexpr unsigned int NO_SLOT = 0xFFFFFFFFu;
     void WriteResults(const float* agingStep);
     void ReportStatistics();
     void ReportHashInfo();

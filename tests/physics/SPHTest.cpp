@@ -41,6 +41,53 @@ protected:
             Water().Update(Sim().GetParticles(), Sim().m_timeDelta);
     }
 
+    // Each list holds the particle itself and then exactly the particles closer than h, with their exact
+    // offsets; densities add up over the lists; the water's forces on itself cancel.
+    void ExpectListsOfAllPairs(const std::vector<util::SharedPtr<Particle>>& water)
+    {
+        const float h = Water().InfluenceDistance();
+        const double mass = math::PI * 0.05 * 0.05;
+        double neighbourSum = 0.0;
+        math::Vec2 forceSum(0.0f, 0.0f);
+        double forceSize = 0.0;
+        for (const util::SharedPtr<Particle>& p : water)
+        {
+            const util::VectorPOD<Particle::Neighbor>& list = p->GetNeighbors();
+            ASSERT_FALSE(list.empty());
+            EXPECT_EQ(list[0].particle, p.get());
+            EXPECT_EQ(list[0].distance, 0.0f);
+            EXPECT_EQ(list[0].offset, math::Vec2(0.0f, 0.0f));
+
+            std::map<const Particle*, math::Vec2> expected;
+            for (const util::SharedPtr<Particle>& q : water)
+            {
+                const math::Vec2 offset = q->GetPosition() - p->GetPosition();
+                if (q != p && offset.LengthSq() < h * h)
+                    expected[q.get()] = offset;
+            }
+            ASSERT_EQ(list.size(), expected.size() + 1);
+            double density = mass * SPH::InfluenceKernel(0.0f);
+            for (size_t k = 1; k < list.size(); ++k)
+            {
+                const auto found = expected.find(list[k].particle);
+                ASSERT_NE(found, expected.end());
+                EXPECT_EQ(list[k].offset, found->second);
+                EXPECT_FLOAT_EQ(list[k].distance, found->second.Length());
+                density += mass * SPH::InfluenceKernel(list[k].distance);
+                expected.erase(found);
+            }
+            EXPECT_NEAR(p->GetDensity(), density, 1e-4 * density);
+            neighbourSum += static_cast<double>(list.size());
+            forceSum += p->GetForce();
+            forceSize += p->GetForce().Length();
+        }
+        const double count = static_cast<double>(water.size());
+        EXPECT_FLOAT_EQ(Water().GetReportedValue("AVG_neighCount"), static_cast<float>(neighbourSum / count));
+        EXPECT_GT(neighbourSum / count, 4.0);
+        EXPECT_GT(forceSize, 0.0);
+        EXPECT_LT(forceSum.Length(), 1e-5 * forceSize);
+    }
+
     static double MeanHeight(const std::vector<util::SharedPtr<Particle>>& particles)
     {
         double sum = 0.0;
@@ -120,55 +167,35 @@ TEST_F(WaterTest, Neighbours_AcrossTheAxisAndAtOnePoint)
 TEST_F(WaterTest, Neighbours_AreEveryPairWithinTheInfluenceDistance)
 {
     // A cloud over both axes, so that it spans the double-width cells at zero, and dense enough for
-    // neighbours in all eight directions.
+    // neighbours in all eight directions; its cells come in no order.
     std::mt19937 random(7);
     std::uniform_real_distribution<float> coordinate(-0.6f, 0.6f);
     std::vector<util::SharedPtr<Particle>> cloud;
     for (int i = 0; i < 400; ++i)
         cloud.push_back(AddParticle(math::Vec2(coordinate(random), coordinate(random))));
     UpdateWater();
+    ExpectListsOfAllPairs(cloud);
+}
 
-    const float h = Water().InfluenceDistance();
-    const double mass = math::PI * 0.05 * 0.05;
-    double neighbourSum = 0.0;
-    math::Vec2 forceSum(0.0f, 0.0f);
-    double forceSize = 0.0;
-    for (const util::SharedPtr<Particle>& p : cloud)
+TEST_F(WaterTest, Neighbours_AreEveryPairWhenCellsComeUpOrDownColumns)
+{
+    // Grids filled column by column, bottom up and top down, spaced so that lists reach into the next
+    // column of cells.
+    const float spacing = 0.045f;
+    for (const bool up : {true, false})
     {
-        const util::VectorPOD<Particle::Neighbor>& list = p->GetNeighbors();
-        ASSERT_FALSE(list.empty());
-        EXPECT_EQ(list[0].particle, p.get());
-        EXPECT_EQ(list[0].distance, 0.0f);
-        EXPECT_EQ(list[0].offset, math::Vec2(0.0f, 0.0f));
-
-        std::map<const Particle*, math::Vec2> expected;
-        for (const util::SharedPtr<Particle>& q : cloud)
-        {
-            const math::Vec2 offset = q->GetPosition() - p->GetPosition();
-            if (q != p && offset.LengthSq() < h * h)
-                expected[q.get()] = offset;
-        }
-        ASSERT_EQ(list.size(), expected.size() + 1);
-        double density = mass * SPH::InfluenceKernel(0.0f);
-        for (size_t k = 1; k < list.size(); ++k)
-        {
-            const auto found = expected.find(list[k].particle);
-            ASSERT_NE(found, expected.end());
-            EXPECT_EQ(list[k].offset, found->second);
-            EXPECT_FLOAT_EQ(list[k].distance, found->second.Length());
-            density += mass * SPH::InfluenceKernel(list[k].distance);
-            expected.erase(found);
-        }
-        EXPECT_NEAR(p->GetDensity(), density, 1e-4 * density);
-        neighbourSum += static_cast<double>(list.size());
-        forceSum += p->GetForce();
-        forceSize += p->GetForce().Length();
+        testing::ResetWorld();
+        std::vector<util::SharedPtr<Particle>> grid;
+        for (int column = 0; column < 20; ++column)
+            for (int row = 0; row < 20; ++row)
+            {
+                const float y = static_cast<float>(up ? row : 19 - row) * spacing;
+                grid.push_back(
+                    AddParticle(math::Vec2(static_cast<float>(column) * spacing - 0.4f, y - 0.3f)));
+            }
+        UpdateWater();
+        ExpectListsOfAllPairs(grid);
     }
-    EXPECT_FLOAT_EQ(Water().GetReportedValue("AVG_neighCount"), static_cast<float>(neighbourSum / 400.0));
-    EXPECT_GT(neighbourSum / 400.0, 4.0);
-    // Every pair pushes both ways alike: the water's forces on itself cancel.
-    EXPECT_GT(forceSize, 0.0);
-    EXPECT_LT(forceSum.Length(), 1e-5 * forceSize);
 }
 
 TEST_F(WaterTest, NeighbourLists_FollowTheLastSearch)
