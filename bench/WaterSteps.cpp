@@ -68,7 +68,7 @@ int main(int argc, char** argv)
             digest = (digest ^ b) * 1099511628211ull;
     }
     std::printf(
-        "%d particles: %.3f ms/step, %.3f us/particle, %.1f allocations/step, %zu contacts, digest %016llx\n",
+        "%d particles: %.3f ms/step, %.3f us/particle, %.3f allocations/step, %zu contacts, digest %016llx\n",
         count, seconds * 1e3 / steps, seconds * 1e6 / steps / count, allocations / steps,
         sim.GetContacts().size(), static_cast<unsigned long long>(digest));
     scenes::ResetWorld();

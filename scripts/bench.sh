@@ -22,7 +22,7 @@ for b in rows:
     f = scale[b["time_unit"]]
     name = b["run_name"]
     contacts = f"{b['contacts']:.0f}" if "contacts" in b else "-"
-    allocs = f"{b['allocs/step']:.0f}" if "allocs/step" in b else "-"
+    allocs = f"{b['allocs/step']:.2f}" if "allocs/step" in b else "-"
     per = f"{b['cpu_time'] * f * 1000 / b['particles']:.3f}" if "particles" in b else "-"
     print(f"{name:<28}{b['real_time'] * f:>16.3f}{b['cpu_time'] * f:>15.3f}{contacts:>10}{allocs:>13}{per:>13}")
 print("(Polygon_Construction rows are ms per polygon.)")
