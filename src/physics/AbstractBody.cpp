@@ -72,8 +72,7 @@ void AbstractBody::IntegratePosition(float dt)
 {
     if (IsImmovable())
         return;
-    m_position += m_velocity * dt;
-    m_angle = math::WrapAngle(m_angle + dt * m_angularVelocity);
+    Move(dt);
     ApplyPoseChange();
 }
 

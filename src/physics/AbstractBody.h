@@ -28,7 +28,16 @@ public:
     void AddForce(const math::Vec2& f);
     void ApplyForce(const math::Vec2& f, const math::Vec2& p);
     void IntegrateVelocity(float dt);
+    // Move, then ApplyPoseChange.
     void IntegratePosition(float dt);
+    // Position and angle advance by the velocities over dt; nothing else follows.
+    void Move(float dt)
+    {
+        if (IsImmovable())
+            return;
+        m_position += m_velocity * dt;
+        m_angle = math::WrapAngle(m_angle + dt * m_angularVelocity);
+    }
 
     // Held bodies and bodies of infinite mass take no impulse and never move by themselves.
     bool IsImmovable() const { return m_held || m_massInv == 0.0f; }

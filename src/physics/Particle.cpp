@@ -13,24 +13,42 @@ namespace
 // 64 KiB blocks of particles.
 const size_t PARTICLES_PER_BLOCK = 256;
 
-ParticleAllocator& Store()
+// Never deleted: particles may outlive every static object, in a singleton torn down at exit.
+ParticleAllocator& ParticleStore()
 {
-    // Never deleted: particles may outlive every static object, in a singleton torn down at exit.
     static ParticleAllocator* store = new ParticleAllocator(sizeof(Particle), PARTICLES_PER_BLOCK);
+    return *store;
+}
+
+ParticleAllocator& GeomStore()
+{
+    static ParticleAllocator* store =
+        new ParticleAllocator(sizeof(Particle::ParticleGeom), PARTICLES_PER_BLOCK);
     return *store;
 }
 } // namespace
 
+// Both classes are final: every request is for one object.
 void* Particle::operator new(std::size_t size)
 {
-    // The class is final: every request is for one particle.
     QLEX_ASSERT(size == sizeof(Particle));
-    return Store().Allocate();
+    return ParticleStore().Allocate();
 }
 
 void Particle::operator delete(void* p)
 {
-    Store().Free(p);
+    ParticleStore().Free(p);
+}
+
+void* Particle::ParticleGeom::operator new(std::size_t size)
+{
+    QLEX_ASSERT(size == sizeof(ParticleGeom));
+    return GeomStore().Allocate();
+}
+
+void Particle::ParticleGeom::operator delete(void* p)
+{
+    GeomStore().Free(p);
 }
 
 Particle::ParticleGeom::ParticleGeom(Particle* owner, float radius) : Circular(Kind::ParticleCircle, radius)

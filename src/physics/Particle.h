@@ -26,6 +26,10 @@ public:
     {
     public:
         ParticleGeom(Particle* owner, float radius);
+
+        // Kept side by side like the particles, for the contacts made with whole rows of water.
+        static void* operator new(std::size_t size);
+        static void operator delete(void* p);
     };
 
     Particle(const math::Vec2& position, const math::Vec2& velocity);

@@ -263,6 +263,7 @@ void Simulation::RebuildStepList()
     m_stepList.clear();
     for (const util::SharedPtr<Body>& body : m_solidBodiesList)
         m_stepList.append(body.get());
+    m_firstParticle = m_stepList.size();
     for (const util::SharedPtr<Particle>& particle : m_particles)
         m_stepList.append(particle.get());
 }
@@ -277,8 +278,13 @@ void Simulation::IntegrateVelocity(float dt)
 void Simulation::IntegratePosition(float dt)
 {
     const util::ScopeProfiler profile("IntegratePosition");
-    for (AbstractBody* body : m_stepList)
-        body->IntegratePosition(dt);
+    const size_t firstParticle = std::min(m_firstParticle, m_stepList.size());
+    for (size_t i = 0; i < firstParticle; ++i)
+        m_stepList[i]->IntegratePosition(dt);
+    // A particle's shape doesn't follow its pose (water meets shapes at the particle's position), so a
+    // particle only moves; that spares a virtual call, and a cache line, per particle.
+    for (size_t i = firstParticle; i < m_stepList.size(); ++i)
+        m_stepList[i]->Move(dt);
 }
 
 void Simulation::CalcForces()

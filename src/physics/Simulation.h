@@ -161,6 +161,8 @@ private:
     util::HashSet<util::SharedPtr<Hinge>> m_constraints;
     std::vector<util::SharedPtr<Particle>> m_particles;
     util::VectorPOD<AbstractBody*> m_stepList;
+    // Where the particles begin in the step list.
+    size_t m_firstParticle = 0;
     std::vector<util::SharedPtr<Contact>> m_contacts;
     util::HashMap<ContactID, util::SharedPtr<Contact>, ContactID::Hasher> m_contactCache;
     unsigned int m_matchedCount = 0;
