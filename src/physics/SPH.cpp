@@ -1,6 +1,7 @@
 #include "physics/SPH.h"
 
 #include "script/Objects.h"
+#include "util/Callback.h"
 #include "util/Profiler.h"
 
 #include <algorithm>
@@ -47,6 +48,8 @@ SPH::SPH()
       m_surfaceTension(this, "surfaceTension", 0.0f), m_jitter(this, "jitter", 0.0f),
       m_bucketSize(this, "bucketSize", 2.0f)
 {
+    for (script::AttribWrapper<float>* setting : {&m_radius, &m_density, &m_friction, &m_restitution})
+        (*setting)->AddChangeCallback(util::MakeCallback(&SPH::OnParticleSettingsChange, this));
     // The reports exist from the start, so that a script may read them before there is any water.
     Report(AVG_NEIGH_COUNT, 0.0f);
     Report(AVG_PRESSURE, 0.0f);
@@ -55,6 +58,11 @@ SPH::SPH()
 }
 
 SPH::~SPH() = default;
+
+void SPH::OnParticleSettingsChange()
+{
+    m_particleSettingsChanged = true;
+}
 
 float SPH::InfluenceKernel(float d)
 {
@@ -100,17 +108,13 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
         // A change of the settings takes effect at once on all water. Without one, every particle already
         // has them: from the last update, or from its constructor if it is newer.
         const util::ScopeProfiler stage("Update rad/density");
-        const float friction = m_friction;
-        const float restitution = m_restitution;
-        if (!(radius == m_appliedRadius && density == m_appliedDensity && friction == m_appliedFriction &&
-              restitution == m_appliedRestitution))
+        if (m_particleSettingsChanged)
         {
+            const float friction = m_friction;
+            const float restitution = m_restitution;
             for (Particle* p : m_workingList)
                 p->SetAttribs(radius, density, friction, restitution);
-            m_appliedRadius = radius;
-            m_appliedDensity = density;
-            m_appliedFriction = friction;
-            m_appliedRestitution = restitution;
+            m_particleSettingsChanged = false;
         }
     }
     FindNeighbors();

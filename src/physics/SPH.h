@@ -11,7 +11,6 @@
 #include "util/VectorPOD.h"
 
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 namespace physics
@@ -30,7 +29,12 @@ math::TVector2<int> Cellify(const math::Vec2& position, float inverseCellSize);
 // Smoothed-particle hydrodynamics of the water: neighbours by a spatial hash, then density, pressure,
 // viscosity and cohesion forces. Water meets solid shapes through ordinary contacts only. Scripts see it
 // as "SPH"; after each update it reports "AVG_neighCount", "AVG_pressure" and "AVG_density" (averages over
-// the particles) and "hashInfo" (the spatial hash's diagnostics).
+// the particles) and "hashInfo" (the spatial hash's diagnostics, up to a second behind while the number of
+// particles stays the same).
+//
+// The update works on its own compact copy of the water's state, sorted by cell, and keeps each pair of
+// neighbours once; it allocates nothing once its arrays have grown to the water's size. FindNeighbors
+// reads the particles' positions and velocities, CalcForces uses what FindNeighbors read.
 class SPH : public script::Reflected, public util::Singleton<SPH>
 {
 public:
@@ -56,10 +60,6 @@ public:
     // The last reported values, as a script reads them.
     float GetReportedValue(const util::String& name) const;
     util::String GetReportedText(const util::String& name) const;
-
-    // Rebuilds a particle's neighbour list from the last search, the particle itself first; leaves it
-    // empty when the particle wasn't part of that search.
-    void FillNeighbors(const Particle& particle, util::VectorPOD<Particle::Neighbor>& list);
 
     // Settings: attributes of "SPH", read at each use.
     // Particle radius in metres; sets area, mass and influence.
@@ -88,7 +88,12 @@ public:
     script::AttribWrapper<float> m_bucketSize;
 
 private:
+    friend class Particle;
     using CellMap = util::HashMap<math::TVector2<int>, unsigned int>;
+
+    // Rebuilds a particle's neighbour list from the last search, the particle itself first; leaves it
+    // empty when the particle wasn't part of that search.
+    void FillNeighbors(const Particle& particle, util::VectorPOD<Particle::Neighbor>& list);
 
     // Two neighbours, by their positions in cell order, found once and used from both sides. The offset
     // leads from `first` to the second and is the difference of their positions, except for a pair at one
@@ -113,6 +118,7 @@ private:
 
     // With an aging step, particles alone in their lists also grow older by it.
     void CalcForces(const float* agingStep);
+    void OnParticleSettingsChange();
     void HashParticles(float inverseCellSize);
     // The slot of the cell, or NO_SLOT when it holds no particle.
     unsigned int FindSlot(int x, int y) const;
@@ -126,11 +132,9 @@ private:
     // Raw pointers: the simulation's list, which Update is given, owns the particles while it runs, and
     // counting references here would touch every particle's handle twice a step.
     util::VectorPOD<Particle*> m_workingList;
-    // The settings that the last update gave all particles; none at first, as NaN equals nothing.
-    float m_appliedRadius = std::numeric_limits<float>::quiet_NaN();
-    float m_appliedDensity = std::numeric_limits<float>::quiet_NaN();
-    float m_appliedFriction = std::numeric_limits<float>::quiet_NaN();
-    float m_appliedRestitution = std::numeric_limits<float>::quiet_NaN();
+    // Set when radius, density, friction or restitution changes; the next update gives all particles the
+    // new values.
+    bool m_particleSettingsChanged = true;
 
     // Everything below keeps its storage from step to step, so that a steady state allocates nothing.
     // The spatial hash: cell to a slot of the occupied cells, in the order the cells were first met.

@@ -228,6 +228,28 @@ TEST_F(WaterTest, NeighbourLists_FollowTheLastSearch)
     EXPECT_EQ(a->GetNeighbors().size(), 2u);
 }
 
+TEST_F(WaterTest, Settings_ReachAllWaterAtTheNextUpdate)
+{
+    util::SharedPtr<Particle> old = AddParticle(math::Vec2(0.0f, 0.0f));
+    UpdateWater();
+    // A particle made while the radius was briefly different takes the radius of the update.
+    Water().m_radius = 0.1f;
+    util::SharedPtr<Particle> made = AddParticle(math::Vec2(1.0f, 0.0f));
+    EXPECT_NEAR(made->GetMass(), math::PIf * 0.01f, 1e-6f);
+    Water().m_radius = 0.05f;
+    UpdateWater();
+    EXPECT_NEAR(made->GetMass(), math::PIf * 0.0025f, 1e-6f);
+
+    Water().m_friction = 0.3f;
+    Water().m_density = 2.0f;
+    UpdateWater();
+    for (const util::SharedPtr<Particle>& p : {old, made})
+    {
+        EXPECT_NEAR(p->GetMass(), math::PIf * 0.005f, 1e-6f);
+        EXPECT_FLOAT_EQ(p->GetGeom()->GetFriction(), 0.3f);
+    }
+}
+
 TEST_F(WaterTest, Reports_LeaveTheValuesThatScriptsHold)
 {
     AddParticle(math::Vec2(0.0f, 0.0f));
