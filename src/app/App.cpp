@@ -1,4 +1,5 @@
 #include "app/App.h"
+#include "app/Undoer.h"
 
 #include "app/AppGUI.h"
 #include "app/Camera.h"
@@ -110,6 +111,17 @@ App::App()
     AddComponent(m_appGUI);
     m_reflected->AddReflectedChild(m_appGUI->GetReflected());
     GetCamera().Reset();
+
+    m_reflected->AddVoidCmd("undo", [] { Undoer::GetInstancePtr()->Undo(); });
+    m_reflected->AddVoidCmd("redo", [] { Undoer::GetInstancePtr()->Redo(); });
+    // Only a history that exists has stacks to trim.
+    m_maxUndo->AddChangeCallback(QLEX_NEW new util::Callback(
+        []
+        {
+            if (Undoer::Exists())
+                Undoer::GetInstancePtr()->OnMaxUndoChange();
+        },
+        this));
 }
 
 App::~App()

@@ -1,4 +1,5 @@
 #include "app/AppGUI.h"
+#include "app/SceneFiles.h"
 
 #include "app/App.h"
 #include "core/ProgramFiles.h"
@@ -31,11 +32,14 @@ void AppGUI::Update(float dt)
     }
 }
 
-void AppGUI::LoadScene(const util::String& name, bool)
+void AppGUI::LoadScene(const util::String& name, bool automatic)
 {
-    Log(logging::Info, "Scenes can't be loaded yet; " + name + " stays closed");
+    LoadSceneFile(name, automatic);
 }
 
-void AppGUI::SaveSceneAs(const util::String&, bool) {}
+void AppGUI::SaveSceneAs(const util::String& name, bool automatic)
+{
+    SaveSceneFile(name, automatic);
+}
 
 } // namespace app

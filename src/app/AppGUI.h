@@ -1,9 +1,8 @@
 #pragma once
 
-// STAND-IN for the application's interface (menus, panels, tools, the scene files behind them), which a
-// later piece of work builds under these names. What stands here is what the shell and the application
-// root call: the periodic autosave of the configuration, the "trapUser" setting, and the scene file
-// operations, which only say in the log that scenes can't be read or written yet.
+// STAND-IN for the application's interface (menus, panels, tools), which a later piece of work builds under
+// these names. What stands here is what the shell and the application root call: the periodic autosave of
+// the configuration and the scene, the "trapUser" setting, and loading and saving scene files.
 
 #include "gui/components/Component.h"
 #include "script/AttribWrapper.h"

@@ -2,7 +2,6 @@
 #include "app/Scene.h"
 #include "app/SceneFiles.h"
 #include "app/Serializer.h"
-#include "app/Undoer.h"
 #include "cli/HeadlessSystem.h"
 #include "cli/World.h"
 #include "physics/SPH.h"
@@ -21,10 +20,6 @@ void JoinScene(World& world)
     app::Serializer::GetInstancePtr();
     const util::SharedPtr<script::Reflected>& application = app::App::GetInstancePtr()->GetReflected();
     application->AddToRoot();
-    if (!application->HasVariable("undo"))
-        application->AddVoidCmd("undo", [] { app::Undoer::GetInstancePtr()->Undo(); });
-    if (!application->HasVariable("redo"))
-        application->AddVoidCmd("redo", [] { app::Undoer::GetInstancePtr()->Redo(); });
 
     world.load = [](const util::String& path)
     {

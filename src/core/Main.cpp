@@ -3,6 +3,7 @@
 #include "app/App.h"
 #include "app/AppGUI.h"
 #include "app/Scene.h"
+#include "app/Serializer.h"
 #include "core/CommandLine.h"
 #include "core/ProgramFiles.h"
 #include "core/ResourceManager.h"
@@ -60,6 +61,10 @@ void JoinSubsystems(core::Subsystem& subsystem)
     gui->GetMainComponent()->AddComponent(application);
     application->GetReflected()->AddToRoot();
     app::Scene::GetInstancePtr()->AddToRoot();
+    // The serializer brings the "Scene.add..." commands and "FileInfo", which scene files need from the start.
+    app::Serializer::GetInstancePtr();
+    app::Scene::GetInstancePtr()->SetWindowTitleSink([&subsystem](const util::String& title)
+                                                     { subsystem.SetTitle(title); });
     Log(logging::Debug, "Application created");
 }
 
