@@ -18,6 +18,9 @@
 
 // Steps a water tank outside the benchmark harness, for profilers (callgrind, cachegrind) that would make
 // the harness's timing loop far too slow: water_steps <particles> <steps> [settle steps] [rebuilds].
+// Prints the time and the heap allocations per measured step, and a digest of the water's final state
+// (equal digests: identical results). With a few hundred settle steps the allocations are those of a
+// steady state, once the contact pool and the tables have grown to the scene.
 int main(int argc, char** argv)
 {
     const int count = argc > 1 ? std::atoi(argv[1]) : 4000;
