@@ -242,7 +242,8 @@ void AddUnary(const ClosurePtr& closure, const util::String& name, float (*funct
 
 void AddIntrinsics(Parser& parser)
 {
-    ClosurePtr math = QLEX_NEW new Closure("math");
+    // An anonymous closure: its name, "[closure]", is what a failed lookup in `math` reports.
+    ClosurePtr math = QLEX_NEW new Closure();
     parser.GetRootClosure()->AddVariable2("math", math);
     ExpressionPtr mathIdentifier = QLEX_NEW new Identifier(nullptr, "math");
 
