@@ -8,6 +8,8 @@
 #include "physics/Simulation.h"
 #include "util/FileSystem.h"
 
+#include <filesystem>
+
 namespace cli
 {
 
@@ -27,7 +29,9 @@ void JoinScene(World& world)
         const util::String file = path.find('/') == util::String::npos
                                       ? util::FileSystem::GetInstancePtr()->SceneDir() + path
                                       : path;
-        if (!util::FileSystem::FileExists(file))
+        // A folder opens like a file and reads as nothing: it would pass for an empty scene.
+        std::error_code error;
+        if (!util::FileSystem::FileExists(file) || std::filesystem::is_directory(file, error))
             return false;
         app::LoadSceneFile(file, true);
         return true;

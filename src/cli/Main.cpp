@@ -134,6 +134,8 @@ int CommandLine::Run()
                 if (arg == "--steps")
                 {
                     count = util::FromString<int>(value);
+                    if (count < 0)
+                        return Fail(EXIT_BAD_ARGUMENT, arg + " " + value + " is no number of steps");
                 }
                 else
                 {
