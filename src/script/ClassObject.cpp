@@ -98,12 +98,27 @@ VariablePtr ClassObject::GetVariableByObject(const Object* object) const
     return nullptr;
 }
 
+VariablePtr ClassObject::GetNamingVariable(const Object* object) const
+{
+    VariablePtr first;
+    for (const auto& entry : m_variables)
+    {
+        if (entry.second->GetObject().get() != object)
+            continue;
+        if (entry.second->IsConstant())
+            return entry.second;
+        if (!first)
+            first = entry.second;
+    }
+    return first;
+}
+
 util::SharedPtr<Identifier> ClassObject::AsIdentifier() const
 {
     ClassObject* owner = GetOwner();
     if (!owner)
         return nullptr;
-    VariablePtr var = owner->GetVariableByObject(this);
+    VariablePtr var = owner->GetNamingVariable(this);
     if (!var)
         return nullptr;
     return QLEX_NEW new Identifier(owner->AsIdentifier(), var->GetName());

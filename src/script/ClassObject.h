@@ -33,6 +33,9 @@ public:
 
     // The first variable, in name order, that holds `object`.
     VariablePtr GetVariableByObject(const Object* object) const;
+    // The variable that gives `object` its name: a constant one (a reflected child's) before any other,
+    // so that a user's alias such as `A = Sim` never renames what is saved of Sim.
+    VariablePtr GetNamingVariable(const Object* object) const;
 
     // The name of this object as an expression; null for an object without owner (the root).
     util::SharedPtr<Identifier> AsIdentifier() const;

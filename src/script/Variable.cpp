@@ -81,7 +81,7 @@ ExpressionPtr Variable::ToExpression() const
     if (ClassObject* child = dynamic_cast<ClassObject*>(m_object.get()))
     {
         // Children print flat, once, under the variable that gives them their name.
-        if (!owner || child->GetOwner() != owner || owner->GetVariableByObject(child).get() != this)
+        if (!owner || child->GetOwner() != owner || owner->GetNamingVariable(child).get() != this)
             return nullptr;
         return child->ToExpression();
     }

@@ -80,6 +80,17 @@ TEST_F(Config, SavedConfigurationHasTheExactLayout)
     EXPECT_EQ(EXPECTED_CONFIG, util::FileSystem::ReadWholeFile(Path("config.cfg")));
 }
 
+TEST_F(Config, AnAliasDoesNotRenameWhatIsSaved)
+{
+    util::SharedPtr<Machine> machine = AddMachine();
+    // "A" sorts before "Machine": the alias must neither take the settings' names nor be saved itself.
+    Run("A = Machine; A.steps = 4");
+    EXPECT_EQ(4, int(machine->steps));
+    std::string code = m_parser->ToCode();
+    EXPECT_NE(std::string::npos, code.find("Machine.steps = 4")) << code;
+    EXPECT_EQ(std::string::npos, code.find("A.")) << code;
+}
+
 TEST_F(Config, ReloadingGivesTheSameBytes)
 {
     util::SharedPtr<Machine> machine = AddMachine();
