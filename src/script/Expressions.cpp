@@ -172,8 +172,12 @@ ObjectPtr FunctionCall::Evaluate(const ClosurePtr& closure)
 {
     EvalGuard::Tick();
     util::String code = ToCode();
-    util::SharedPtr<AbstractFunction> function =
-        util::dynamic_pointer_cast<AbstractFunction>(m_head->Evaluate(closure));
+    // A name followed by empty brackets, `System.exit()`, calls what the name holds once, just as the
+    // name alone does; expanding it first would call a command and then call its result.
+    Identifier* name = dynamic_cast<Identifier*>(m_head.get());
+    ObjectPtr head =
+        name && m_args->GetExpressions().empty() ? name->GetValue(closure) : m_head->Evaluate(closure);
+    util::SharedPtr<AbstractFunction> function = util::dynamic_pointer_cast<AbstractFunction>(head);
     if (!function)
         QLEX_THROW(ScriptException("Function call applied to non-function: " + code));
     ObjectList args;

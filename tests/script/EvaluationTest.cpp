@@ -75,6 +75,27 @@ TEST_F(Evaluation, FunctionsWithoutParametersExpandWhereRead)
     EXPECT_TRUE(Reported("Not an integer"));
 }
 
+TEST_F(Evaluation, CommandsRunOnceWithOrWithoutBrackets)
+{
+    int calls = 0;
+    util::SharedPtr<script::Reflected> counter = QLEX_NEW new script::Reflected("Counter");
+    counter->AddCmd("count", [&calls] { return script::ValueToObject(++calls); });
+    Root()->AddReflectedChild(counter);
+    EXPECT_EQ("1", Run("Counter.count"));
+    EXPECT_EQ("3", Run("Counter.count(); Counter.count()"));
+    EXPECT_EQ(3, calls);
+    EXPECT_EQ("3.14159274", Run("math.pi()"));
+    EXPECT_EQ("3.14159274", Run("math.pi"));
+    m_errors.clear();
+    m_log.clear();
+    // A command that makes a function gives that function; the brackets don't call it a second time.
+    EXPECT_EQ("(x)=>{x}", Run("make = { (x)=>{ x } }; make()"));
+    EXPECT_EQ("7", Run("make() 7"));
+    EXPECT_FALSE(Reported("Function call applied to non-function"));
+    // Brackets with arguments still go to what the name expands to.
+    EXPECT_EQ("2", Run("pair = { [1, 2] }; pair(1)"));
+}
+
 TEST_F(Evaluation, ConstantsCannotBeSetWhileOperatorsFollowTheirFunctions)
 {
     Root()->AddReflectedChild(QLEX_NEW new script::Reflected("Box"));

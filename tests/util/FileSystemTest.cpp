@@ -1,5 +1,5 @@
-#include "logging/Log.h"
 #include "util/FileSystem.h"
+#include "logging/Log.h"
 #include "util/FILEWrapper.h"
 #include "util/Random.h"
 #include "util/Timer.h"
@@ -109,7 +109,8 @@ TEST_F(FileSystemDir, MissingFilesThrowTheOpenFailure)
     EXPECT_FALSE(util::FileSystem::FileExists(Path("other.cfg")));
     const std::string expected = "Failed to rename \"" + path + "\" to \"" + Path("other.cfg") + "\": ";
     EXPECT_TRUE(std::any_of(errors.begin(), errors.end(),
-                            [&](const std::string& line) { return line.find(expected) != std::string::npos; }))
+                            [&](const std::string& line)
+                            { return line.find(expected) != std::string::npos; }))
         << expected;
 }
 
