@@ -4,12 +4,21 @@
 #include "util/StringUtil.h"
 
 #include <stdexcept>
+#include <sys/stat.h>
 
 namespace util
 {
 
 FILEWrapper::FILEWrapper(const String& path, const char* mode) : m_file(std::fopen(path.c_str(), mode))
 {
+    // A folder opens like a file on Linux and then reads as nothing and measures as the largest long: it is
+    // no file to open.
+    struct stat status;
+    if (m_file && (fstat(fileno(m_file), &status) != 0 || S_ISDIR(status.st_mode)))
+    {
+        std::fclose(m_file);
+        m_file = nullptr;
+    }
     if (!m_file)
         throw internal::ExceptionDescriber(QLEX_SITE) %
             std::runtime_error("Failed to open file \"" + path + "\"");

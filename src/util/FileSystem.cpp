@@ -74,7 +74,16 @@ void FileSystem::EraseFile(const String& path)
 long FileSystem::GetFileSize(const String& path)
 {
     FILEWrapper file(path, "rb");
-    file.Seek(0, SEEK_END);
+    // The wrapper doesn't own the file: close it on the way out of a failed seek too.
+    try
+    {
+        file.Seek(0, SEEK_END);
+    }
+    catch (...)
+    {
+        file.Close();
+        throw;
+    }
     long size = file.Tell();
     file.Close();
     return size;

@@ -139,6 +139,13 @@ TEST_F(FileSystemDir, FILEWrapperReportsEveryFailure)
 {
     std::string path = Path("data.bin");
     EXPECT_EQ("Failed to open file \"" + path + "\"", ExceptionText([&] { util::FILEWrapper(path, "rb"); }));
+    // A folder isn't a file, though fopen takes it.
+    EXPECT_EQ("Failed to open file \"" + m_dir.string() + "\"",
+              ExceptionText([&] { util::FILEWrapper(m_dir.string(), "rb"); }));
+    EXPECT_EQ("Failed to open file \"" + m_dir.string() + "\"",
+              ExceptionText([&] { util::FileSystem::GetFileSize(m_dir.string()); }));
+    EXPECT_EQ("Failed to open file \"" + m_dir.string() + "\"",
+              ExceptionText([&] { util::FileSystem::ReadWholeFile(m_dir.string()); }));
 
     util::FILEWrapper out(path, "wb");
     const char bytes[] = {1, 2, 3, 4};
