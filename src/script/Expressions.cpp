@@ -162,10 +162,10 @@ util::String Assignment::ToCode() const
 // ---------------------------------------------------------------------------------------------------
 // Calls
 
-FunctionCall::FunctionCall(ExpressionPtr head, CodeBlockPtr args) : m_head(head), m_args(args)
+FunctionCall::FunctionCall(ExpressionPtr head, CodeBlockPtr tail) : m_head(head), m_args(tail)
 {
     QLEX_ASSERT(head);
-    QLEX_ASSERT(args);
+    QLEX_ASSERT(tail);
 }
 
 ObjectPtr FunctionCall::Evaluate(const ClosurePtr& closure)

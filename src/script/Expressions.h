@@ -66,7 +66,8 @@ private:
 class FunctionCall : public Expression
 {
 public:
-    FunctionCall(ExpressionPtr head, CodeBlockPtr args);
+    // `tail` is the argument list.
+    FunctionCall(ExpressionPtr head, CodeBlockPtr tail);
     ObjectPtr Evaluate(const ClosurePtr& closure) override;
     util::String ToCode() const override;
 

@@ -1,5 +1,7 @@
 #include "ScriptFixture.h"
 
+#include "script/Expressions.h"
+
 class Evaluation : public ScriptFixture
 {
 };
@@ -127,4 +129,24 @@ TEST_F(Evaluation, RunawayRecursionEndsWithAnError)
     EXPECT_TRUE(Reported("String too long") || Reported("Script took too many steps"));
     script::EvalGuard::SetStepBudget(budget);
     EXPECT_EQ("2", Run("1 + 1"));
+}
+
+TEST_F(Evaluation, ACallNeedsAHeadAndATail)
+{
+    auto assertion = [](script::ExpressionPtr head, script::CodeBlockPtr tail) -> std::string
+    {
+        try
+        {
+            script::FunctionCall call(head, tail);
+        }
+        catch (BadCoderException& e)
+        {
+            return e.what();
+        }
+        return "no exception";
+    };
+    script::ExpressionPtr name = QLEX_NEW new script::Identifier(nullptr, "f");
+    EXPECT_NE(std::string::npos, assertion(nullptr, QLEX_NEW new script::Block()).find("\"head\""));
+    EXPECT_NE(std::string::npos, assertion(name, nullptr).find("\"tail\""));
+    EXPECT_EQ("no exception", assertion(name, QLEX_NEW new script::Block()));
 }
