@@ -10,7 +10,7 @@ namespace util
 class AbstractBinder
 {
 public:
-    virtual ~AbstractBinder() = default;
+    virtual ~AbstractBinder() noexcept(false) {}
     virtual void Bind() const = 0;
     virtual void Unbind() const = 0;
     virtual void BindImpl() const = 0;
