@@ -123,6 +123,7 @@ struct Binder : util::StackedBind<Binder>
 
 TEST(StackedBind, InnerUnbindRestoresTheOuterBinding)
 {
+    g_binds.clear();
     Binder a("a"), b("b");
     a.Bind();
     b.Bind();

@@ -72,6 +72,7 @@ struct Thing : util::Pointee
 
 TEST(PointeeHandle, FlushIsSmallUntilTheTableDoublesAndFreesOnlyUnreferencedHandles)
 {
+    util::PointeeHandle::s_lastFullFlushCount = 0;
     util::PointeeHandle::Flush();
     util::PointeeHandle::s_lastFullFlushCount = util::PointeeHandle::GetInstanceCount();
     std::vector<util::SharedPtr<Thing>> keep;

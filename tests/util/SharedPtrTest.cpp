@@ -105,6 +105,9 @@ struct Lines
 
 TEST(SharedPtr, AThrowingDestructorIsLoggedAndTheProgramGoesOn)
 {
+    // Two frames clear the logger's memory of errors, which would hold back a repeat of the same text.
+    logging::Logger::GetInstancePtr()->Update();
+    logging::Logger::GetInstancePtr()->Update();
     Lines log;
     int deaths = 0;
     const size_t alive = util::Pointee::GetInstanceCount();
