@@ -40,6 +40,8 @@ void NextFrame()
 
 TEST(Logger, RepeatedWarningsShowOnceUntilAFrameWithoutThem)
 {
+    NextFrame();
+    NextFrame();
     LogCapture capture(31);
     for (int frame = 0; frame < 10; ++frame)
     {
