@@ -10,6 +10,7 @@ namespace util
 class AbstractBinder
 {
 public:
+    // As loose as Pointee's: the shader, a Pointee, is a binder too.
     virtual ~AbstractBinder() noexcept(false) {}
     virtual void Bind() const = 0;
     virtual void Unbind() const = 0;
