@@ -399,13 +399,6 @@ void Serializer::AddEntityPostSerialize(const EntitySerializer& record, const En
     Scene* scene = Scene::GetInstancePtr();
     scene->AddEntity(entity);
     m_addedGroup->Add(entity);
-    // Older files mark what the camera follows on the entity itself.
-    if (record.Has("tracked") && record.Get<bool>("tracked"))
-    {
-        GroupPtr tracked = QLEX_NEW new Group(TrackedName);
-        tracked->Add(entity);
-        scene->AddGroup(tracked);
-    }
 }
 
 script::ObjectPtr Serializer::AddBox(const EntitySerializer& record)

@@ -136,19 +136,8 @@ void Entity::Deserialize(const EntitySerializer& serializer)
 
 void Entity::TrackWithCamera()
 {
-    // The camera follows the middle of the entity's box until the entity leaves the scene. A record is read
-    // before its entity enters the scene, so following starts at once.
-    const util::WeakPtr<Entity> weak(this);
-    Scene::GetInstancePtr()->GetCamera()->SetTracked(
-        [weak, entered = false]() mutable -> math::Vec2
-        {
-            const EntityPtr entity = weak.lock();
-            const bool inScene = entity && Scene::GetInstancePtr()->HasEntity(entity);
-            entered = entered || inScene;
-            if (!entity || (entered && !inScene))
-                return math::Vec2(math::INF, math::INF);
-            return entity->GetAABB().GetCenter();
-        });
+    // The record is read before the entity enters the scene; the group's centre is known already.
+    Scene::GetInstancePtr()->SetTrackedGroup(QLEX_NEW new Group(EntityPtr(this)));
 }
 
 void DestroyByButton(input::ButtonInput* button, util::WeakPtr<Entity> entity)

@@ -131,3 +131,56 @@ TEST_F(SceneTest, Serializer_TrackedEntityBecomesTheCamerasGroupAndIsSaved)
     EXPECT_EQ(scene->GetTrackedGroup()->Size(), 1u);
 }
 } // namespace
+
+namespace
+{
+using scenetest::SceneTest;
+
+size_t CountGroupsNamed(app::Scene* scene, const std::string& name)
+{
+    size_t count = 0;
+    for (const app::GroupPtr& group : scene->GetGroups())
+        count += group->GetName() == name ? 1 : 0;
+    return count;
+}
+
+TEST_F(SceneTest, Tracking_OneGroupAtATimeAndItFollowsALoneShapesPosition)
+{
+    Run("Scene.addBox {pos = [3, 4]; tracked = true}");
+    Run("Scene.addCircle {pos = [-6, 1]; tracked = true}");
+    EXPECT_EQ(CountGroupsNamed(scene, "tracked"), 1u);
+    ASSERT_TRUE(scene->GetTrackedGroup());
+    ASSERT_EQ(scene->GetTrackedGroup()->Size(), 1u);
+    EXPECT_TRUE(util::dynamic_pointer_cast<app::CircleEntity>(scene->GetTrackedGroup()->GetFirst()));
+    EXPECT_EQ(app::Scene::GetGroupCenter(scene->GetTrackedGroup()), math::Vec2(-6, 1));
+
+    // A saved scene names one tracked group, and reads back to one.
+    Load(Save());
+    EXPECT_EQ(CountGroupsNamed(scene, "tracked"), 1u);
+    EXPECT_TRUE(scene->GetCamera()->IsTracking());
+    ASSERT_TRUE(scene->GetTrackedGroup());
+    EXPECT_TRUE(util::dynamic_pointer_cast<app::CircleEntity>(scene->GetTrackedGroup()->GetFirst()));
+}
+
+TEST_F(SceneTest, Tracking_EndsWhenTheGroupEmptiesAndTheGroupGoes)
+{
+    Run("Scene.addBox {pos = [3, 4]; tracked = true}");
+    ASSERT_TRUE(scene->GetTrackedGroup());
+    scene->RemoveEntity(scene->GetEntities().front());
+    scene->GetTrackedGroup()->Trim();
+    scene->GetCamera()->Update(0.01f);
+    scene->Update(0.01f);
+    EXPECT_FALSE(scene->GetCamera()->IsTracking());
+    EXPECT_FALSE(scene->GetTrackedGroup());
+    EXPECT_EQ(CountGroupsNamed(scene, "tracked"), 0u);
+    EXPECT_EQ(Save().find("\"tracked\""), std::string::npos);
+}
+
+TEST_F(SceneTest, Tracking_AGroupWithoutACentreIsNotFollowed)
+{
+    scene->SetTrackedGroup(QLEX_NEW new app::Group());
+    EXPECT_FALSE(scene->GetCamera()->IsTracking());
+    EXPECT_FALSE(scene->GetTrackedGroup());
+    EXPECT_EQ(CountGroupsNamed(scene, "tracked"), 0u);
+}
+} // namespace
