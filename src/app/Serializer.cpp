@@ -28,7 +28,6 @@
 #include "util/StringUtil.h"
 
 #include <limits>
-#include <set>
 
 namespace app
 {
@@ -658,22 +657,20 @@ void Serializer::DeserializeOld(const util::String& text)
             }
             else if (util::dynamic_pointer_cast<script::Assignment>(statement))
             {
-                std::set<util::String> before;
-                for (const script::VariablePtr& var : closure->GetVariables())
-                    before.insert(var->GetName());
+                // The one constant of the old format; any other assignment is reported, not run.
+                const util::String code = statement->ToCode();
+                if (!util::starts_with(code, "version = "))
+                {
+                    Log(logging::Error, "Unknown constant declared in scene file: " + code);
+                    continue;
+                }
                 statement->Evaluate(closure);
-                bool known = false;
                 for (const script::VariablePtr& var : closure->GetVariables())
                 {
                     if (var->GetName() == "version")
-                    {
                         FileInfo::GetInstancePtr()->m_version =
                             script::ObjectToValue<int>(script::ExpandObject(var->GetObject()));
-                        known = true;
-                    }
                 }
-                if (!known)
-                    Log(logging::Error, "Unknown constant declared in scene file: " + statement->ToCode());
                 closure->RemoveVariable("version");
             }
             else
