@@ -492,6 +492,9 @@ void Scene::ScaleTransform(const GroupPtr& group, const math::Mat3& transform)
         return;
     const math::Vec2 s(transform(0, 0), transform(1, 1));
     const float avg = std::sqrt(std::fabs(s.x * s.y));
+    // A shape scaled to nothing has no outline to keep; such a transform changes nothing.
+    if (!(avg > 0.0f) || !math::IsFinite(avg))
+        return;
 
     DepthTagEntities();
 

@@ -412,7 +412,8 @@ script::ObjectPtr Serializer::AddCircle(const EntitySerializer& record)
 {
     // A circle's radius is fixed at its making.
     const float radius = record.Has("radius") ? record.Get<float>("radius") : 1.0f;
-    QLEX_DATA_ASSERT(radius > 0.0f && math::IsFinite(radius));
+    if (!(radius > 0.0f && math::IsFinite(radius)))
+        QLEX_THROW(BadDataException("Circle radius must be positive: " + util::ToString(radius)));
     util::SharedPtr<CircleEntity> entity =
         QLEX_NEW new CircleEntity(QLEX_NEW new physics::Circle(math::Vec2(0.0f, 0.0f), radius));
     AddGeomEntity(record, entity, false);
