@@ -124,6 +124,17 @@ TEST_F(SceneTest, Scene_ScalingARotatedBoxUnevenlyMakesAPolygonAndKeepsGlue)
     EXPECT_EQ(group->Size(), 2u);
 }
 
+TEST_F(SceneTest, Scene_ScalingToNothingKeepsTheShapes)
+{
+    app::EntityPtr box = Add("Scene.addBox {pos = [1, 0]; size = [2, 1]}");
+    app::EntityPtr circle = Add("Scene.addCircle {pos = [-2, 0]}");
+    scene->ScaleTransform(scene->GetAsGroup(), math::Mat3::Scale2D(math::Vec2(0, 1)));
+    scene->Update(0.01f);
+    EXPECT_TRUE(scene->HasEntity(box));
+    EXPECT_TRUE(scene->HasEntity(circle));
+    EXPECT_NEAR(box->GetAABB().GetSize().x, 2.0f, 1e-5f);
+}
+
 TEST_F(SceneTest, Scene_UnselectedHingeFallsToTheBackgroundWhenItsShapeShrinksAway)
 {
     app::EntityPtr box = Add("Scene.addBox {pos = [0, 0]; size = [4, 1]}");
