@@ -374,7 +374,18 @@ void Serializer::AddGeomEntity(const EntitySerializer& record, const util::Share
     {
         physics::Simulation::GetInstancePtr()->GetWorldBody()->AddGeom(entity->GetGeom());
     }
-    AddEntityPostSerialize(record, entity);
+    try
+    {
+        AddEntityPostSerialize(record, entity);
+    }
+    catch (...)
+    {
+        // A record that fails leaves nothing behind: on the world body its geom would be an invisible wall.
+        const util::SharedPtr<physics::Geom>& geom = entity->GetGeom();
+        if (util::SharedPtr<physics::Body> body = geom->GetBodyBody())
+            body->RemoveGeom(geom);
+        throw;
+    }
 }
 
 void Serializer::CheckChain(const EntitySerializer& record, const EntityPtr& entity)
@@ -520,8 +531,17 @@ bool Serializer::AttachJoint(const EntitySerializer& record, const util::SharedP
             anchors[i] = math::InvTransformCoordinate(*base, anchors[i]);
     }
     joint->AttachToLocal(geoms[0], anchors[0], geoms[1], anchors[1]);
-    joint->Deserialize(record);
-    AddEntityPostSerialize(record, joint);
+    try
+    {
+        joint->Deserialize(record);
+        AddEntityPostSerialize(record, joint);
+    }
+    catch (...)
+    {
+        // The joint already acts in the simulation; a record that fails must not leave it there unseen.
+        joint->RemoveFromSimulation();
+        throw;
+    }
     return true;
 }
 

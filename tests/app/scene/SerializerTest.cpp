@@ -184,3 +184,30 @@ TEST_F(SceneTest, Tracking_AGroupWithoutACentreIsNotFollowed)
     EXPECT_EQ(CountGroupsNamed(scene, "tracked"), 0u);
 }
 } // namespace
+
+namespace
+{
+using scenetest::SceneTest;
+
+TEST_F(SceneTest, Serializer_FailedRecordsLeaveNoPhysicsBehind)
+{
+    // Each of these fails after its object was made: a key with no such button, a colour of one number, a
+    // negative chain index. None may leave a pin, a weld or a wall that the scene doesn't show.
+    Run("Scene.addBox {pos = [0, 0]; color = [0.5, 0.5, 0.5, 1]}");
+    Run("Scene.addHinge {pos = [0, 0]; buttonForward = \"zz\"}");
+    Run("Scene.addFixjoint {pos = [0, 0]; color = [1]}");
+    Run("Scene.addBox {pos = [3, 0]; body = 0; chain = 1; chainNr = -1}");
+    Run("Scene.addCircle {pos = [3, 2]; radius = 0.5}");
+    EXPECT_EQ(scene->GetEntities().size(), 2u);
+    EXPECT_TRUE(All<app::HingeEntity>().empty());
+    Step(100);
+    auto boxes = All<app::BoxEntity>();
+    auto circles = All<app::CircleEntity>();
+    ASSERT_EQ(boxes.size(), 1u);
+    ASSERT_EQ(circles.size(), 1u);
+    // One second of free fall is about 4.9 m.
+    EXPECT_LT(boxes[0]->GetGeom()->GetPosition().y, -4.0f);
+    EXPECT_LT(circles[0]->GetGeom()->GetPosition().y, -1.0f);
+    EXPECT_EQ(physics::Simulation::GetInstancePtr()->GetWorldBody()->GetGeoms().size(), 1u);
+}
+} // namespace
