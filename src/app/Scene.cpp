@@ -855,6 +855,10 @@ void Scene::Update(float dt)
     for (const EntityPtr& entity : dead)
         RemoveEntity(entity);
     FlushBodies();
+    // The camera follows only what the scene still shows: a followed entity that left takes the group
+    // with it once the group is empty.
+    if (m_trackedGroup)
+        m_trackedGroup->Trim();
     // The camera lets go of a group whose centre is lost (an emptied group, a reset view).
     if (m_trackedGroup && !m_camera->IsTracking())
         SetTrackedGroup(nullptr);

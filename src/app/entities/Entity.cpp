@@ -11,6 +11,7 @@
 #include "app/entities/AppLinks.h"
 #include "logging/Log.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -77,10 +78,21 @@ void Entity::CopyFrom(const Entity* source)
     m_buttonMirror.SetToggle(source->m_buttonMirror.GetToggle());
 }
 
+namespace
+{
+// Components live in 0..1; what lies outside (a hand-made file, a script) is brought into it.
+float ColorComponent(float c)
+{
+    if (!(c >= 0.0f))
+        return 0.0f;
+    return LimitPrecision(std::min(c, 1.0f));
+}
+} // namespace
+
 void Entity::SetColor(math::Vec4 color)
 {
-    m_color = math::Vec4(LimitPrecision(color.x), LimitPrecision(color.y), LimitPrecision(color.z),
-                         LimitPrecision(color.w));
+    m_color = math::Vec4(ColorComponent(color.x), ColorComponent(color.y), ColorComponent(color.z),
+                         ColorComponent(color.w));
 }
 
 bool Entity::HasScaleTransform() const

@@ -321,7 +321,10 @@ TEST_F(GeomEntityTest, TrackedRecordMakesTheCameraFollowTheShapeUntilItLeaves)
     EXPECT_LT(camera.GetPan().y, pan.y);
 
     TheScene().RemoveEntity(box);
+    TheScene().Update(0.01f);
     camera.Update(0.01f);
     EXPECT_FALSE(camera.IsTracking());
+    TheScene().Update(0.01f);
+    EXPECT_FALSE(TheScene().GetTrackedGroup());
 }
 } // namespace
