@@ -461,6 +461,8 @@ bool Serializer::AttachJoint(const EntitySerializer& record, const util::SharedP
     Scene* scene = Scene::GetInstancePtr();
     util::SharedPtr<physics::Geom> geoms[2];
     math::Vec2 anchors[2] = {math::Vec2(NOT_A_NUMBER, NOT_A_NUMBER), math::Vec2(NOT_A_NUMBER, NOT_A_NUMBER)};
+    // Anchors read as local points are relative to the pose that the file gave the geom.
+    bool fromFileLocal[2] = {false, false};
     for (int i = 0; i < 2; ++i)
     {
         const util::String end = util::ToString(i);
@@ -502,7 +504,10 @@ bool Serializer::AttachJoint(const EntitySerializer& record, const util::SharedP
         if (!math::IsFinite(anchors[i].x) || !math::IsFinite(anchors[i].y))
         {
             if (record.Has("geom" + end + "pos"))
+            {
                 anchors[i] = record.Get<math::Vec2>("geom" + end + "pos");
+                fromFileLocal[i] = true;
+            }
             else if (record.Has("pos"))
                 anchors[i] =
                     math::TransformCoordinate(geoms[i]->GetWorldToGeom(), record.Get<math::Vec2>("pos"));
@@ -510,6 +515,14 @@ bool Serializer::AttachJoint(const EntitySerializer& record, const util::SharedP
                 anchors[i] = math::TransformCoordinate(geoms[i]->GetWorldToGeom(),
                                                        record.Get<math::Vec2>("world" + end + "pos"));
         }
+    }
+    // A plane read with "normal" and "dist" has its line folded into its pose: a local anchor of the file
+    // goes through the inverse of that fold. Anchors found from world points are in the final frame already.
+    for (int i = 0; i < 2; ++i)
+    {
+        const math::Mat2D* base = m_planes.TryGet(geoms[i]);
+        if (base && fromFileLocal[i])
+            anchors[i] = math::InvTransformCoordinate(*base, anchors[i]);
     }
     const auto finite = [](const math::Vec2& v) { return math::IsFinite(v.x) && math::IsFinite(v.y); };
     for (int i = 0; i < 2; ++i)
@@ -524,11 +537,6 @@ bool Serializer::AttachJoint(const EntitySerializer& record, const util::SharedP
     {
         Log(logging::Warning, "Bad joint");
         return false;
-    }
-    for (int i = 0; i < 2; ++i)
-    {
-        if (const math::Mat2D* base = m_planes.TryGet(geoms[i]))
-            anchors[i] = math::InvTransformCoordinate(*base, anchors[i]);
     }
     joint->AttachToLocal(geoms[0], anchors[0], geoms[1], anchors[1]);
     try

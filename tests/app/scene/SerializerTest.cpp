@@ -211,3 +211,33 @@ TEST_F(SceneTest, Serializer_FailedRecordsLeaveNoPhysicsBehind)
     EXPECT_EQ(physics::Simulation::GetInstancePtr()->GetWorldBody()->GetGeoms().size(), 1u);
 }
 } // namespace
+
+namespace
+{
+using scenetest::SceneTest;
+
+// Both ends of a joint that the file puts at one point must lie at that point after reading.
+void ExpectEndsAt(const util::SharedPtr<app::HingeEntity>& hinge, math::Vec2 point)
+{
+    for (int i = 0; i < 2; ++i)
+    {
+        ASSERT_TRUE(hinge->m_geoms[i]);
+        const math::Vec2 world = math::TransformCoordinate(hinge->m_geoms[i]->GetPose(), hinge->m_localPos[i]);
+        EXPECT_NEAR(world.x, point.x, 1e-5f) << "end " << i;
+        EXPECT_NEAR(world.y, point.y, 1e-5f) << "end " << i;
+    }
+}
+
+TEST_F(SceneTest, Serializer_JointOnAPlaneOfNormalAndDistanceKeepsItsPoint)
+{
+    // The plane y = 0 (solid below), given by its equation: its line is folded into its pose.
+    Run("Scene.addPlane {normal = [0, 1]; dist = 0; geomID = 5}; Scene.addBox {pos = [0, 0.3]; geomID = 6}");
+    Run("Scene.addHinge {pos = [0.3, 0]}");
+    // A local anchor of the file is relative to the pose the file gave the plane, here none.
+    Run("Scene.addHinge {geom0 = 6; geom0pos = [-0.2, -0.3]; geom1 = 5; geom1pos = [-0.2, 0]}");
+    auto hinges = All<app::HingeEntity>();
+    ASSERT_EQ(hinges.size(), 2u);
+    ExpectEndsAt(hinges[0], math::Vec2(0.3f, 0));
+    ExpectEndsAt(hinges[1], math::Vec2(-0.2f, 0));
+}
+} // namespace
