@@ -580,7 +580,12 @@ script::ObjectPtr Serializer::AddPen(const EntitySerializer& record)
     {
         math::Vec2 local;
         if (record.Has("relPoint"))
+        {
             local = record.Get<math::Vec2>("relPoint");
+            // As for joints: a local point of the file is relative to the pose that the file gave a plane.
+            if (const math::Mat2D* base = m_planes.TryGet(*geom))
+                local = math::InvTransformCoordinate(*base, local);
+        }
         else
             local = math::TransformCoordinate((*geom)->GetWorldToGeom(), record.Get<math::Vec2>("pos"));
         pen->AttachTo(*geom, local);
