@@ -214,4 +214,23 @@ TEST_F(SceneTest, Qlexlet_ImportsAtTheMouseAsOneStep)
     std::remove(path.c_str());
 }
 
+TEST_F(SceneTest, Qlexlet_HingeWithoutItsShapeAttachesToWhatIsThereAtPasteTime)
+{
+    Run("Scene.addBox {pos = [2, 1]}");
+    app::EntityPtr hinge = Add("Scene.addHinge {pos = [2.2, 1.1]}");
+    const std::string text = app::Serializer::GetInstancePtr()->SerializeQlexlet(QLEX_NEW new app::Group(hinge));
+    // The shape stays outside the fragment: its end is written as a world point, the background's by id.
+    EXPECT_NE(text.find("geom0 = -1"), std::string::npos) << text;
+    EXPECT_NE(text.find("world0pos = [2.20000005, 1.10000002]"), std::string::npos) << text;
+    EXPECT_NE(text.find("geom1 = 0"), std::string::npos) << text;
+
+    scene->ClearScene();
+    app::EntityPtr circle = Add("Scene.addCircle {pos = [2, 1]; radius = 0.5}");
+    app::Serializer::GetInstancePtr()->Deserialize(text);
+    auto hinges = All<app::HingeEntity>();
+    ASSERT_EQ(hinges.size(), 1u);
+    EXPECT_EQ(hinges[0]->m_geoms[0], util::dynamic_pointer_cast<app::GeomEntity>(circle)->GetGeom());
+    EXPECT_EQ(hinges[0]->m_geoms[1], physics::Simulation::GetInstancePtr()->GetWorldGeom());
+}
+
 } // namespace
