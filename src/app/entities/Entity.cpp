@@ -111,10 +111,13 @@ void Entity::SerializeTo(EntitySerializer& serializer) const
     serializer.Set("color", m_color);
     serializer.Set("entityID", static_cast<unsigned long>(m_id));
     serializer.Set("zDepth", m_zDepth);
-    if (m_chain)
+    // A link whose place another entity took (two records of one place in a hand-made file) is in no chain
+    // any more: an index of -1 wouldn't read back.
+    const int chainNr = m_chain ? m_chain->IndexOf(util::SharedPtr<const Entity>(this)) : -1;
+    if (chainNr >= 0)
     {
         serializer.Set("chain", static_cast<unsigned long>(m_chain->GetID()));
-        serializer.Set("chainNr", m_chain->IndexOf(util::SharedPtr<const Entity>(this)));
+        serializer.Set("chainNr", chainNr);
     }
     if (m_buttonDestroy.IsBound())
         serializer.Set("buttonDestroy", util::String(m_buttonDestroy.Serialize()));
