@@ -331,10 +331,12 @@ void Scene::SetSelection(const GroupPtr& group)
     m_selection->AddAll(members);
 }
 
-void Scene::SetTrackedGroup(const GroupPtr& group)
+void Scene::SetTrackedGroup(const GroupPtr& requested)
 {
-    if (group && group == m_trackedGroup)
+    if (requested && requested == m_trackedGroup)
         return;
+    // The selection keeps its name: following it follows its present members.
+    const GroupPtr group = requested == m_selection ? requested->ShallowClone() : requested;
     // One group at a time is followed, and it is the one group of the scene named "tracked".
     if (m_trackedGroup)
     {

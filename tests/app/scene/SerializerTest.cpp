@@ -176,6 +176,18 @@ TEST_F(SceneTest, Tracking_EndsWhenTheGroupEmptiesAndTheGroupGoes)
     EXPECT_EQ(Save().find("\"tracked\""), std::string::npos);
 }
 
+TEST_F(SceneTest, Tracking_TheSelectionIsFollowedByItsMembersAndKeepsItsName)
+{
+    Run("Scene.addBox {pos = [3, 4]}");
+    scene->SetSelection(scene->GetAsGroup());
+    scene->SetTrackedGroup(scene->GetSelection());
+    EXPECT_EQ(scene->GetSelection()->GetName(), "selected");
+    ASSERT_TRUE(scene->GetTrackedGroup());
+    EXPECT_EQ(scene->GetTrackedGroup()->Size(), 1u);
+    EXPECT_EQ(CountGroupsNamed(scene, "selected"), 1u);
+    EXPECT_EQ(CountGroupsNamed(scene, "tracked"), 1u);
+}
+
 TEST_F(SceneTest, Tracking_AGroupWithoutACentreIsNotFollowed)
 {
     scene->SetTrackedGroup(QLEX_NEW new app::Group());
