@@ -113,7 +113,8 @@ std::vector<math::Vec2> FiniteGeomEntity::GetEquidistantPoints()
         for (int col = 0; col < grid && int(points.size()) < count + 1; ++col)
         {
             math::Vec2 p =
-                c + math::Vec2(2.0f * (col + 0.5f * (row % 2)) / grid - 1.0f, 2.0f * row / grid - 1.0f) * radius;
+                c +
+                math::Vec2(2.0f * (col + 0.5f * (row % 2)) / grid - 1.0f, 2.0f * row / grid - 1.0f) * radius;
             const float d = m_geom->DistanceWorld(p);
             if (!(d < 0.0f))
                 continue;

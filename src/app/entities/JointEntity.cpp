@@ -2,8 +2,8 @@
 
 #include "app/EntitySerializer.h"
 #include "app/Scene.h"
-#include "physics/Polygon.h"
 #include "logging/Log.h"
+#include "physics/Polygon.h"
 #include "physics/Simulation.h"
 #include "util/StringUtil.h"
 

@@ -6,12 +6,12 @@
 #include "app/entities/AppLinks.h"
 #include "app/entities/DrawColor.h"
 #include "app/entities/ShapeGeometry.h"
+#include "logging/Log.h"
 #include "physics/Polygon.h"
 #include "physics/Simulation.h"
 #include "rendering/GLContext.h"
 #include "rendering/Image.h"
 #include "rendering/Renderer.h"
-#include "logging/Log.h"
 #include "util/Profiler.h"
 #include "util/StringUtil.h"
 

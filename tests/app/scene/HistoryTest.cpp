@@ -325,8 +325,8 @@ TEST_F(SceneTest, Snapshot_GroupsAreNotFilledThroughIdsOfAnEarlierFile)
     app::GroupPtr group = scene->GetOrCreateGroupByName("G");
     group->Add(b);
     scene->RemoveEntity(b);
-    app::Serializer::GetInstancePtr()->Deserialize("Scene.addBox {pos = [5, 0]; entityID = " +
-                                                   std::to_string(b->GetID()) + "}");
+    app::Serializer::GetInstancePtr()->Deserialize(
+        "Scene.addBox {pos = [5, 0]; entityID = " + std::to_string(b->GetID()) + "}");
     app::EntityPtr a = scene->GetEntities().back();
     ASSERT_NE(a, b);
 

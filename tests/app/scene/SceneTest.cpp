@@ -218,7 +218,8 @@ TEST_F(SceneTest, Qlexlet_HingeWithoutItsShapeAttachesToWhatIsThereAtPasteTime)
 {
     Run("Scene.addBox {pos = [2, 1]}");
     app::EntityPtr hinge = Add("Scene.addHinge {pos = [2.2, 1.1]}");
-    const std::string text = app::Serializer::GetInstancePtr()->SerializeQlexlet(QLEX_NEW new app::Group(hinge));
+    const std::string text =
+        app::Serializer::GetInstancePtr()->SerializeQlexlet(QLEX_NEW new app::Group(hinge));
     // The shape stays outside the fragment: its end is written as a world point, the background's by id.
     EXPECT_NE(text.find("geom0 = -1"), std::string::npos) << text;
     EXPECT_NE(text.find("world0pos = [2.20000005, 1.10000002]"), std::string::npos) << text;

@@ -234,7 +234,8 @@ void ExpectEndsAt(const util::SharedPtr<app::HingeEntity>& hinge, math::Vec2 poi
     for (int i = 0; i < 2; ++i)
     {
         ASSERT_TRUE(hinge->m_geoms[i]);
-        const math::Vec2 world = math::TransformCoordinate(hinge->m_geoms[i]->GetPose(), hinge->m_localPos[i]);
+        const math::Vec2 world =
+            math::TransformCoordinate(hinge->m_geoms[i]->GetPose(), hinge->m_localPos[i]);
         EXPECT_NEAR(world.x, point.x, 1e-5f) << "end " << i;
         EXPECT_NEAR(world.y, point.y, 1e-5f) << "end " << i;
     }
