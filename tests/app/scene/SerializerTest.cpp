@@ -5,6 +5,8 @@
 #include "app/entities/HingeEntity.h"
 #include "physics/Particle.h"
 
+#include <algorithm>
+
 namespace
 {
 using scenetest::SceneTest;
@@ -252,5 +254,58 @@ TEST_F(SceneTest, Serializer_JointOnAPlaneOfNormalAndDistanceKeepsItsPoint)
     ASSERT_EQ(hinges.size(), 2u);
     ExpectEndsAt(hinges[0], math::Vec2(0.3f, 0));
     ExpectEndsAt(hinges[1], math::Vec2(-0.2f, 0));
+}
+} // namespace
+
+namespace
+{
+using scenetest::SceneTest;
+
+const char* const RICH_SCENE = R"(
+Scene.addBox {pos = [0, 1]; chain = 4; chainNr = 0; body = 7};
+Scene.addBox {pos = [1, 1]; chain = 4; chainNr = 1; body = 7; friction = {0.25 + 0.5}};
+Scene.addCircle {pos = [4, 1]; radius = 0.5; entityID = 40};
+Scene.addFixjoint {pos = [0.5, 1]};
+Scene.addHinge {pos = [4, 1]; controller = "arrowkeys"; motorSpeed = -2};
+Scene.addPen {pos = [4.2, 1]; fadeTime = 3};
+Scene.addGroup {name = "pair"; entityIDs = [40]};
+Scene.addGroup {name = "tracked"; entityIDs = [40]}
+)";
+
+// The groups of a scene are written in the order of a set of pointers: they are compared as a sorted list.
+std::string GroupsSorted(const std::string& text)
+{
+    const size_t first = text.find("Scene.addGroup");
+    std::vector<std::string> groups;
+    for (size_t at = first; at != std::string::npos;)
+    {
+        const size_t next = text.find("Scene.addGroup", at + 1);
+        std::string group = text.substr(at, next == std::string::npos ? std::string::npos : next - at);
+        if (group.size() >= 2 && group.compare(group.size() - 2, 2, ";\n") == 0)
+            group.resize(group.size() - 2);
+        groups.push_back(group);
+        at = next;
+    }
+    std::sort(groups.begin(), groups.end());
+    std::string result = text.substr(0, first);
+    for (const std::string& group : groups)
+        result += group + "\n";
+    return result;
+}
+
+TEST_F(SceneTest, Serializer_RichSceneReadsBackToTheSameText)
+{
+    Run(RICH_SCENE);
+    ASSERT_EQ(scene->GetEntities().size(), 6u);
+    const std::string first = Save();
+    for (const char* key : {"chainNr = 1", "friction = {0.25 + 0.5}", "buttonForward", "name = \"pair\"",
+                            "name = \"tracked\"", "addFixjoint", "fadeTime = 3.0"})
+        EXPECT_NE(first.find(key), std::string::npos) << key << "\n" << first;
+    Load(first);
+    ASSERT_EQ(scene->GetEntities().size(), 6u);
+    const std::string second = Save();
+    EXPECT_EQ(GroupsSorted(scenetest::NormalizeIds(first)), GroupsSorted(scenetest::NormalizeIds(second)));
+    Load(second);
+    EXPECT_EQ(GroupsSorted(scenetest::NormalizeIds(second)), GroupsSorted(scenetest::NormalizeIds(Save())));
 }
 } // namespace
