@@ -444,6 +444,11 @@ script::ObjectPtr Serializer::AddPlane(const EntitySerializer& record)
     const math::Vec2 normal =
         record.Has("normal") ? record.Get<math::Vec2>("normal") : math::Vec2(1.0f, 0.0f);
     const float dist = record.Has("dist") ? record.Get<float>("dist") : 0.0f;
+    // Without a direction there is no line, and the plane's pose would come out of nothing.
+    if (!(normal.Length() > 0.0f) || !math::IsFinite(normal.Length()) || !math::IsFinite(dist))
+        QLEX_THROW(BadDataException("Plane needs a normal of some length and a finite distance: [" +
+                                    util::ToString(normal.x) + ", " + util::ToString(normal.y) + "], " +
+                                    util::ToString(dist)));
     util::SharedPtr<physics::Plane> plane = QLEX_NEW new physics::Plane(math::Plane2D(normal, dist));
     const math::Mat2D base = plane->GetPose();
     plane->SetWorldPose(math::Mat2D::Identity());
