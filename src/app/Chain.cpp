@@ -20,7 +20,8 @@ void Chain::AddEntity(const util::SharedPtr<Entity>& entity)
 void Chain::AddEntity(size_t index, const util::SharedPtr<Entity>& entity)
 {
     QLEX_ASSERT(entity);
-    QLEX_DATA_ASSERT(index < MAX_INDEX);
+    static_assert(MAX_INDEX == 100000, "the assertion below names the limit");
+    QLEX_DATA_ASSERT(index < 100000);
     entity->m_chain = this;
     if (m_entities.size() <= index)
         m_entities.resize(index + 1);

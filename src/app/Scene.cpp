@@ -7,6 +7,7 @@
 #include "app/Snapshot.h"
 #include "app/Transformer.h"
 #include "app/Undoer.h"
+#include "app/entities/FiniteGeomEntity.h"
 #include "app/entities/GeomEntity.h"
 #include "app/entities/JointEntity.h"
 #include "app/entities/PenEntity.h"
@@ -24,6 +25,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace app
 {
@@ -290,10 +292,7 @@ void Scene::AddGroup(const GroupPtr& group)
     }
     if (group->GetName() == TrackedName)
     {
-        const bool known = bool(GetGroupByName(TrackedName));
         SetTrackedGroup(group);
-        if (!known)
-            m_groups.insert(group);
         return;
     }
     m_groups.insert(group);
@@ -332,23 +331,54 @@ void Scene::SetSelection(const GroupPtr& group)
     m_selection->AddAll(members);
 }
 
-void Scene::SetTrackedGroup(const GroupPtr& group)
+void Scene::SetTrackedGroup(const GroupPtr& requested)
 {
-    m_trackedGroup = group;
-    if (!group)
-    {
-        m_camera->SetTracked(nullptr);
+    if (requested && requested == m_trackedGroup)
         return;
+    // The selection keeps its name: following it follows its present members.
+    const GroupPtr group = requested == m_selection ? requested->ShallowClone() : requested;
+    // One group at a time is followed, and it is the one group of the scene named "tracked".
+    if (m_trackedGroup)
+    {
+        const GroupPtr old = m_trackedGroup;
+        m_trackedGroup = nullptr;
+        RemoveGroup(old);
     }
+    m_camera->SetTracked(nullptr);
+    if (!group)
+        return;
+    group->SetName(TrackedName);
     util::WeakPtr<Group> weak(group);
     m_camera->SetTracked(
         [weak]() -> math::Vec2
         {
             util::SharedPtr<Group> tracked = weak.lock();
-            if (!tracked || tracked->IsEmpty())
-                return math::Vec2(math::INF, math::INF);
-            return tracked->CalcCenterByWeight();
+            return tracked ? GetGroupCenter(tracked) : math::Vec2(math::INF, math::INF);
         });
+    // A group without a finite centre can't be followed, and is dropped.
+    if (!m_camera->IsTracking())
+        return;
+    m_trackedGroup = group;
+    m_groups.insert(group);
+}
+
+math::Vec2 Scene::GetGroupCenter(const GroupPtr& group)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    if (!group || group->IsEmpty())
+        return math::Vec2(nan, nan);
+    if (group->Size() == 1)
+    {
+        if (FiniteGeomEntity* shape = dynamic_cast<FiniteGeomEntity*>(group->GetFirst().get()))
+        {
+            if (shape->GetGeom())
+                return shape->GetGeom()->GetPosition();
+        }
+    }
+    const math::BoundingBox2 box = group->CalcFiniteAABB();
+    if (IsFiniteBox(box) && !box.IsEmpty())
+        return box.GetCenter();
+    return math::Vec2(nan, nan);
 }
 
 GroupPtr Scene::GetSelectionAt(math::Vec2 p) const
@@ -464,6 +494,9 @@ void Scene::ScaleTransform(const GroupPtr& group, const math::Mat3& transform)
         return;
     const math::Vec2 s(transform(0, 0), transform(1, 1));
     const float avg = std::sqrt(std::fabs(s.x * s.y));
+    // A shape scaled to nothing has no outline to keep; such a transform changes nothing.
+    if (!(avg > 0.0f) || !math::IsFinite(avg))
+        return;
 
     DepthTagEntities();
 
@@ -824,6 +857,13 @@ void Scene::Update(float dt)
     for (const EntityPtr& entity : dead)
         RemoveEntity(entity);
     FlushBodies();
+    // The camera follows only what the scene still shows: a followed entity that left takes the group
+    // with it once the group is empty.
+    if (m_trackedGroup)
+        m_trackedGroup->Trim();
+    // The camera lets go of a group whose centre is lost (an emptied group, a reset view).
+    if (m_trackedGroup && !m_camera->IsTracking())
+        SetTrackedGroup(nullptr);
     std::vector<GroupPtr> empty;
     for (const GroupPtr& group : m_groups)
     {

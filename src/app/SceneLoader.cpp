@@ -93,13 +93,9 @@ void SceneLoader::Load()
         if (scene->GetCamera()->GetPan() == PAN_SENTINEL)
         {
             scene->ZoomToScene();
-            const GroupPtr& tracked = scene->GetTrackedGroup();
-            if (tracked && !tracked->IsEmpty())
-            {
-                const math::Vec2 center = tracked->CalcCenterByWeight();
-                if (math::IsFinite(center))
-                    scene->GetCamera()->SetPan(center);
-            }
+            const math::Vec2 center = Scene::GetGroupCenter(scene->GetTrackedGroup());
+            if (scene->GetCamera()->IsTracking() && math::IsFinite(center))
+                scene->GetCamera()->SetPan(center);
         }
         if (!util::String(info->m_title).empty())
             scene->m_title = util::String(info->m_title);

@@ -28,7 +28,6 @@
 #include "util/StringUtil.h"
 
 #include <limits>
-#include <set>
 
 namespace app
 {
@@ -375,7 +374,18 @@ void Serializer::AddGeomEntity(const EntitySerializer& record, const util::Share
     {
         physics::Simulation::GetInstancePtr()->GetWorldBody()->AddGeom(entity->GetGeom());
     }
-    AddEntityPostSerialize(record, entity);
+    try
+    {
+        AddEntityPostSerialize(record, entity);
+    }
+    catch (...)
+    {
+        // A record that fails leaves nothing behind: on the world body its geom would be an invisible wall.
+        const util::SharedPtr<physics::Geom>& geom = entity->GetGeom();
+        if (util::SharedPtr<physics::Body> body = geom->GetBodyBody())
+            body->RemoveGeom(geom);
+        throw;
+    }
 }
 
 void Serializer::CheckChain(const EntitySerializer& record, const EntityPtr& entity)
@@ -399,13 +409,6 @@ void Serializer::AddEntityPostSerialize(const EntitySerializer& record, const En
     Scene* scene = Scene::GetInstancePtr();
     scene->AddEntity(entity);
     m_addedGroup->Add(entity);
-    // Older files mark what the camera follows on the entity itself.
-    if (record.Has("tracked") && record.Get<bool>("tracked"))
-    {
-        GroupPtr tracked = QLEX_NEW new Group(TrackedName);
-        tracked->Add(entity);
-        scene->AddGroup(tracked);
-    }
 }
 
 script::ObjectPtr Serializer::AddBox(const EntitySerializer& record)
@@ -420,7 +423,8 @@ script::ObjectPtr Serializer::AddCircle(const EntitySerializer& record)
 {
     // A circle's radius is fixed at its making.
     const float radius = record.Has("radius") ? record.Get<float>("radius") : 1.0f;
-    QLEX_DATA_ASSERT(radius > 0.0f && math::IsFinite(radius));
+    if (!(radius > 0.0f && math::IsFinite(radius)))
+        QLEX_THROW(BadDataException("Circle radius must be positive: " + util::ToString(radius)));
     util::SharedPtr<CircleEntity> entity =
         QLEX_NEW new CircleEntity(QLEX_NEW new physics::Circle(math::Vec2(0.0f, 0.0f), radius));
     AddGeomEntity(record, entity, false);
@@ -440,6 +444,11 @@ script::ObjectPtr Serializer::AddPlane(const EntitySerializer& record)
     const math::Vec2 normal =
         record.Has("normal") ? record.Get<math::Vec2>("normal") : math::Vec2(1.0f, 0.0f);
     const float dist = record.Has("dist") ? record.Get<float>("dist") : 0.0f;
+    // Without a direction there is no line, and the plane's pose would come out of nothing.
+    if (!(normal.Length() > 0.0f) || !math::IsFinite(normal.Length()) || !math::IsFinite(dist))
+        QLEX_THROW(BadDataException("Plane needs a normal of some length and a finite distance: [" +
+                                    util::ToString(normal.x) + ", " + util::ToString(normal.y) + "], " +
+                                    util::ToString(dist)));
     util::SharedPtr<physics::Plane> plane = QLEX_NEW new physics::Plane(math::Plane2D(normal, dist));
     const math::Mat2D base = plane->GetPose();
     plane->SetWorldPose(math::Mat2D::Identity());
@@ -457,6 +466,8 @@ bool Serializer::AttachJoint(const EntitySerializer& record, const util::SharedP
     Scene* scene = Scene::GetInstancePtr();
     util::SharedPtr<physics::Geom> geoms[2];
     math::Vec2 anchors[2] = {math::Vec2(NOT_A_NUMBER, NOT_A_NUMBER), math::Vec2(NOT_A_NUMBER, NOT_A_NUMBER)};
+    // Anchors read as local points are relative to the pose that the file gave the geom.
+    bool fromFileLocal[2] = {false, false};
     for (int i = 0; i < 2; ++i)
     {
         const util::String end = util::ToString(i);
@@ -498,7 +509,10 @@ bool Serializer::AttachJoint(const EntitySerializer& record, const util::SharedP
         if (!math::IsFinite(anchors[i].x) || !math::IsFinite(anchors[i].y))
         {
             if (record.Has("geom" + end + "pos"))
+            {
                 anchors[i] = record.Get<math::Vec2>("geom" + end + "pos");
+                fromFileLocal[i] = true;
+            }
             else if (record.Has("pos"))
                 anchors[i] =
                     math::TransformCoordinate(geoms[i]->GetWorldToGeom(), record.Get<math::Vec2>("pos"));
@@ -506,6 +520,14 @@ bool Serializer::AttachJoint(const EntitySerializer& record, const util::SharedP
                 anchors[i] = math::TransformCoordinate(geoms[i]->GetWorldToGeom(),
                                                        record.Get<math::Vec2>("world" + end + "pos"));
         }
+    }
+    // A plane read with "normal" and "dist" has its line folded into its pose: a local anchor of the file
+    // goes through the inverse of that fold. Anchors found from world points are in the final frame already.
+    for (int i = 0; i < 2; ++i)
+    {
+        const math::Mat2D* base = m_planes.TryGet(geoms[i]);
+        if (base && fromFileLocal[i])
+            anchors[i] = math::InvTransformCoordinate(*base, anchors[i]);
     }
     const auto finite = [](const math::Vec2& v) { return math::IsFinite(v.x) && math::IsFinite(v.y); };
     for (int i = 0; i < 2; ++i)
@@ -521,14 +543,18 @@ bool Serializer::AttachJoint(const EntitySerializer& record, const util::SharedP
         Log(logging::Warning, "Bad joint");
         return false;
     }
-    for (int i = 0; i < 2; ++i)
-    {
-        if (const math::Mat2D* base = m_planes.TryGet(geoms[i]))
-            anchors[i] = math::InvTransformCoordinate(*base, anchors[i]);
-    }
     joint->AttachToLocal(geoms[0], anchors[0], geoms[1], anchors[1]);
-    joint->Deserialize(record);
-    AddEntityPostSerialize(record, joint);
+    try
+    {
+        joint->Deserialize(record);
+        AddEntityPostSerialize(record, joint);
+    }
+    catch (...)
+    {
+        // The joint already acts in the simulation; a record that fails must not leave it there unseen.
+        joint->RemoveFromSimulation();
+        throw;
+    }
     return true;
 }
 
@@ -559,7 +585,12 @@ script::ObjectPtr Serializer::AddPen(const EntitySerializer& record)
     {
         math::Vec2 local;
         if (record.Has("relPoint"))
+        {
             local = record.Get<math::Vec2>("relPoint");
+            // As for joints: a local point of the file is relative to the pose that the file gave a plane.
+            if (const math::Mat2D* base = m_planes.TryGet(*geom))
+                local = math::InvTransformCoordinate(*base, local);
+        }
         else
             local = math::TransformCoordinate((*geom)->GetWorldToGeom(), record.Get<math::Vec2>("pos"));
         pen->AttachTo(*geom, local);
@@ -665,22 +696,20 @@ void Serializer::DeserializeOld(const util::String& text)
             }
             else if (util::dynamic_pointer_cast<script::Assignment>(statement))
             {
-                std::set<util::String> before;
-                for (const script::VariablePtr& var : closure->GetVariables())
-                    before.insert(var->GetName());
+                // The one constant of the old format; any other assignment is reported, not run.
+                const util::String code = statement->ToCode();
+                if (!util::starts_with(code, "version = "))
+                {
+                    Log(logging::Error, "Unknown constant declared in scene file: " + code);
+                    continue;
+                }
                 statement->Evaluate(closure);
-                bool known = false;
                 for (const script::VariablePtr& var : closure->GetVariables())
                 {
                     if (var->GetName() == "version")
-                    {
                         FileInfo::GetInstancePtr()->m_version =
                             script::ObjectToValue<int>(script::ExpandObject(var->GetObject()));
-                        known = true;
-                    }
                 }
-                if (!known)
-                    Log(logging::Error, "Unknown constant declared in scene file: " + statement->ToCode());
                 closure->RemoveVariable("version");
             }
             else

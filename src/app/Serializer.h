@@ -37,6 +37,8 @@ public:
     script::ExpressionPtr SerializeGroup(const GroupPtr& group);
     // Makes an entity that a snapshot restores known to groups that name it by id.
     void RegisterEntity(const EntityPtr& entity);
+    // Forgets the ids of earlier reads: only the world's geom and body stay known.
+    void ClearTables();
     // What the commands added since the last Deserialize began.
     const GroupPtr& GetAddedGroup() const { return m_addedGroup; }
 
@@ -67,7 +69,6 @@ private:
     // False when the joint can't be attached; it is then not added.
     bool AttachJoint(const EntitySerializer& record, const util::SharedPtr<JointEntity>& joint);
     void DeserializeOld(const util::String& text);
-    void ClearTables();
 
     util::HashMap<int, util::SharedPtr<physics::Geom>> m_geoms;
     util::HashMap<unsigned long, util::SharedPtr<Chain>> m_chains;

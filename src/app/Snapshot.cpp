@@ -122,6 +122,9 @@ void Snapshot::Restore()
         Guarded([&] { record.first->Deserialize(record.second); });
 
     Serializer* serializer = Serializer::GetInstancePtr();
+    // The groups below name entities by their own ids; an id that a file once used for another entity
+    // must not answer for them.
+    serializer->ClearTables();
     for (const EntityPtr& entity : m_entities)
     {
         Guarded(

@@ -5,6 +5,7 @@
 #include "app/Scene.h"
 #include "app/Serializer.h"
 #include "core/CommandLine.h"
+#include "core/OuterHandlers.h"
 #include "core/ProgramFiles.h"
 #include "core/ResourceManager.h"
 #include "core/Subsystem.h"
@@ -18,19 +19,12 @@
 #include "util/FileSystem.h"
 
 #include <iostream>
-#include <new>
 
 namespace
 {
-const char* const OUT_OF_MEMORY_TEXT = "Out of memory! Install more RAM, or try decreasing App.maxUndo in "
-                                       "config.autosave.cfg and config.cfg and restart Qlex.";
-
-enum ExitCode
-{
-    EXIT_ORDERLY = 0,
-    EXIT_ERROR = 1,
-    EXIT_UNKNOWN_FAILURE = 2,
-};
+const int EXIT_ORDERLY = 0;
+// Never seen: the program and its handlers end the process themselves.
+const int EXIT_UNREACHED = 2;
 
 std::optional<math::TVector2<int>> DisplaySize()
 {
@@ -133,15 +127,6 @@ void LoadConfiguration(core::Subsystem& subsystem)
     os::ExitProcess(EXIT_ORDERLY);
 }
 
-// Tells the user, and ends the process unless the desktop wants the error for a crash report.
-void Fail(const char* title, const std::string& text, int code)
-{
-    if (os::ShowErrorPopup(title, text))
-    {
-        throw;
-    }
-    os::ExitProcess(code);
-}
 } // namespace
 
 void LoadScene()
@@ -158,26 +143,6 @@ void LoadScene()
 
 extern "C" int SDL_main(int argc, char** argv)
 {
-    try
-    {
-        RunProgram(argc, argv);
-    }
-    catch (std::bad_alloc&)
-    {
-        Log(logging::Warning, std::string("std::bad_alloc caught - ") + OUT_OF_MEMORY_TEXT);
-        Fail("Out of memory!", OUT_OF_MEMORY_TEXT, EXIT_ERROR);
-    }
-    catch (std::exception& e)
-    {
-        CatchException(e, QLEX_SITE);
-        Log(logging::Warning, std::string("Exception caught in main: ") + e.what());
-        Fail("Exception caught", e.what(), EXIT_ERROR);
-    }
-    catch (...)
-    {
-        CatchException(QLEX_SITE);
-        Log(logging::Warning, "Unknown exception caught in main.");
-        Fail("Badness", "Unknown exception caught", EXIT_UNKNOWN_FAILURE);
-    }
-    return EXIT_UNKNOWN_FAILURE;
+    core::RunUnderOuterHandlers([argc, argv] { RunProgram(argc, argv); });
+    return EXIT_UNREACHED;
 }

@@ -60,7 +60,7 @@ GUI::GUI()
     m_rootComponent->AddComponent(m_tooltipLayer);
 }
 
-GUI::~GUI()
+GUI::~GUI() noexcept
 {
     if (input::Input::IsUp())
     {

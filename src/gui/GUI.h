@@ -23,7 +23,8 @@ public:
     static const int PRIORITY = 100;
 
     GUI();
-    ~GUI() override;
+    // noexcept: InputSettings, a plain interface, has a non-throwing destructor to be matched.
+    ~GUI() noexcept override;
 
     // What scripts see as "GUI". The GUI is an input listener, and so can't be a script object itself;
     // the shell adds this one to the script root in its place.

@@ -16,7 +16,8 @@ public:
     ClassTracker() { Instances().insert(this); }
     ClassTracker(const ClassTracker&) { Instances().insert(this); }
     ClassTracker& operator=(const ClassTracker&) { return *this; }
-    virtual ~ClassTracker() { Instances().erase(this); }
+    // As loose as Pointee's, which tracked classes often derive from too.
+    virtual ~ClassTracker() noexcept(false) { Instances().erase(this); }
 
     static VectorPOD<T*> GetAllClassInstances()
     {

@@ -68,7 +68,7 @@ Pointee::Pointee() : m_handle(nullptr), m_state(State_Alive), m_id(s_nextId)
     ++s_instanceCount;
 }
 
-Pointee::~Pointee()
+Pointee::~Pointee() noexcept(false)
 {
     if (m_state != State_Alive)
     {

@@ -71,7 +71,8 @@ public:
     Pointee();
     Pointee(const Pointee&) : Pointee() {}
     Pointee& operator=(const Pointee&) { return *this; }
-    virtual ~Pointee();
+    // May throw: SafeDelete catches what a subclass destructor lets out, logs it and goes on.
+    virtual ~Pointee() noexcept(false);
 
     PointeeHandle* m_handle;
     unsigned m_state;

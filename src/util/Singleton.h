@@ -17,7 +17,8 @@ public:
         QLEX_ASSERT(!s_instance);
         s_instance.Reset(static_cast<T*>(this));
     }
-    virtual ~Singleton() = default;
+    // As loose as Pointee's, which every singleton derives from too.
+    virtual ~Singleton() noexcept(false) {}
     Singleton(const Singleton&) = delete;
     Singleton& operator=(const Singleton&) = delete;
 

@@ -10,7 +10,8 @@ namespace util
 class AbstractBinder
 {
 public:
-    virtual ~AbstractBinder() = default;
+    // As loose as Pointee's: the shader, a Pointee, is a binder too.
+    virtual ~AbstractBinder() noexcept(false) {}
     virtual void Bind() const = 0;
     virtual void Unbind() const = 0;
     virtual void BindImpl() const = 0;

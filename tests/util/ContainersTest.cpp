@@ -72,6 +72,7 @@ struct Thing : util::Pointee
 
 TEST(PointeeHandle, FlushIsSmallUntilTheTableDoublesAndFreesOnlyUnreferencedHandles)
 {
+    util::PointeeHandle::s_lastFullFlushCount = 0;
     util::PointeeHandle::Flush();
     util::PointeeHandle::s_lastFullFlushCount = util::PointeeHandle::GetInstanceCount();
     std::vector<util::SharedPtr<Thing>> keep;
@@ -114,4 +115,45 @@ TEST(ClassTracker, KnowsEveryLiveInstance)
     EXPECT_EQ(all[0], a);
     delete a;
     EXPECT_TRUE(util::ClassTracker<Tracked>::GetAllClassInstances().empty());
+}
+
+TEST(PointeeHandle, AFlushIsFullExactlyWhenTheTableMoreThanDoubledSinceTheLastFullOne)
+{
+    util::PointeeHandle::s_lastFullFlushCount = 0;
+    util::PointeeHandle::Flush(); // full: no collectable handle is left anywhere in the table
+    util::SharedPtr<Thing> gone = QLEX_NEW new Thing;
+    util::WeakPtr<Thing> watcher = gone;
+    util::PointeeHandle::Flush(); // the handle now lies below where a small flush starts
+    gone.Reset();
+    EXPECT_FALSE(watcher); // the first read lets go of the handle: nothing refers to it any more
+    std::vector<util::SharedPtr<Thing>> keep;
+    if (util::PointeeHandle::GetInstanceCount() % 2 == 1)
+        keep.push_back(QLEX_NEW new Thing);
+    const size_t even = util::PointeeHandle::GetInstanceCount();
+    util::PointeeHandle::s_lastFullFlushCount = even / 2;
+    util::PointeeHandle::Flush(); // exactly twice: small, and the dead handle is missed
+    EXPECT_EQ(util::PointeeHandle::GetInstanceCount(), even);
+    EXPECT_EQ(util::PointeeHandle::s_lastFullFlushCount, even / 2);
+    keep.push_back(QLEX_NEW new Thing);
+    util::PointeeHandle::Flush(); // twice plus one: full
+    EXPECT_EQ(util::PointeeHandle::GetInstanceCount(), even);
+    EXPECT_EQ(util::PointeeHandle::s_lastFullFlushCount, even);
+    EXPECT_EQ(util::PointeeHandle::s_lastSmallFlushCount, even);
+}
+
+TEST(WeakPtr, ReadsNullAfterTheDeathAndLocksToNothing)
+{
+    util::SharedPtr<Thing> owner = QLEX_NEW new Thing;
+    util::WeakPtr<Thing> weak = owner;
+    util::WeakPtr<Thing> copy = weak;
+    util::PointeeHandle* handle = owner->m_handle;
+    EXPECT_EQ(handle->m_weakCount, 2u);
+    EXPECT_TRUE(copy == owner);
+    owner.Reset();
+    util::LockPtr<Thing> lock(weak);
+    EXPECT_FALSE(lock);
+    EXPECT_THROW(lock.Check(), std::runtime_error);
+    EXPECT_EQ(handle->m_weakCount, 1u); // only the read one has let go
+    copy.Reset();
+    EXPECT_EQ(handle->m_weakCount, 0u);
 }

@@ -1,6 +1,10 @@
 #include "util/SharedPtr.h"
+#include "logging/Log.h"
 
 #include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -68,4 +72,56 @@ TEST(LockPtr, UnownedObjectSurvivesLockAndOwnedObjectDiesWithIt)
         EXPECT_EQ(deaths, 0);
     }
     EXPECT_EQ(deaths, 1);
+}
+
+namespace
+{
+
+struct ThrowsOnDeath : util::Pointee
+{
+    explicit ThrowsOnDeath(int* deaths) : m_deaths(deaths) {}
+    ~ThrowsOnDeath() noexcept(false) override
+    {
+        ++*m_deaths;
+        throw std::runtime_error("cleanup failed");
+    }
+    int* m_deaths;
+};
+
+struct Lines
+{
+    Lines()
+        : m_sink(QLEX_NEW new logging::FunctionLogger(logging::Error,
+                                                      [this](const std::string& t) { all.push_back(t); }))
+    {
+        logging::Logger::GetInstancePtr()->AddLogger(m_sink);
+    }
+    ~Lines() { logging::Logger::GetInstancePtr()->RemoveLogger(m_sink); }
+    std::vector<std::string> all;
+    util::SharedPtr<logging::ILogger> m_sink;
+};
+
+} // namespace
+
+TEST(SharedPtr, AThrowingDestructorIsLoggedAndTheProgramGoesOn)
+{
+    // Two frames clear the logger's memory of errors, which would hold back a repeat of the same text.
+    logging::Logger::GetInstancePtr()->Update();
+    logging::Logger::GetInstancePtr()->Update();
+    Lines log;
+    int deaths = 0;
+    const size_t alive = util::Pointee::GetInstanceCount();
+    util::WeakPtr<ThrowsOnDeath> weak;
+    {
+        util::SharedPtr<ThrowsOnDeath> owner = QLEX_NEW new ThrowsOnDeath(&deaths);
+        weak = owner;
+        EXPECT_EQ(util::Pointee::GetInstanceCount(), alive + 1);
+    }
+    EXPECT_EQ(deaths, 1);
+    EXPECT_FALSE(weak);
+    EXPECT_EQ(util::Pointee::GetInstanceCount(), alive);
+    ASSERT_EQ(log.all.size(), 1u);
+    EXPECT_EQ(log.all[0], "!! ERROR: Exception caught when deleting a (anonymous namespace)::ThrowsOnDeath: "
+                          "cleanup failed");
+    logging::Logger::GetInstancePtr()->Update();
 }

@@ -9,6 +9,7 @@
 #include "math/MatrixGL.h"
 #include "physics/Polygon.h"
 #include "rendering/GLContext.h"
+#include "util/StringUtil.h"
 
 #include <cmath>
 
@@ -171,7 +172,14 @@ void BoxEntity::SerializeTo(EntitySerializer& serializer) const
 void BoxEntity::Deserialize(const EntitySerializer& serializer)
 {
     if (serializer.Has("size"))
-        m_box->SetSize(serializer.Get<math::Vec2>("size"));
+    {
+        const math::Vec2 size = serializer.Get<math::Vec2>("size");
+        // A box without extent has no mass and no outline: physics would drop it at once.
+        if (!(size.x > 0.0f && size.y > 0.0f && math::IsFinite(size.x) && math::IsFinite(size.y)))
+            QLEX_THROW(BadDataException("Box size must be positive: " + util::ToString(size.x) + ", " +
+                                        util::ToString(size.y)));
+        m_box->SetSize(size);
+    }
     FiniteGeomEntity::Deserialize(serializer);
 }
 

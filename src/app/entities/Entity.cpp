@@ -11,6 +11,7 @@
 #include "app/entities/AppLinks.h"
 #include "logging/Log.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -77,10 +78,21 @@ void Entity::CopyFrom(const Entity* source)
     m_buttonMirror.SetToggle(source->m_buttonMirror.GetToggle());
 }
 
+namespace
+{
+// Components live in 0..1; what lies outside (a hand-made file, a script) is brought into it.
+float ColorComponent(float c)
+{
+    if (!(c >= 0.0f))
+        return 0.0f;
+    return LimitPrecision(std::min(c, 1.0f));
+}
+} // namespace
+
 void Entity::SetColor(math::Vec4 color)
 {
-    m_color = math::Vec4(LimitPrecision(color.x), LimitPrecision(color.y), LimitPrecision(color.z),
-                         LimitPrecision(color.w));
+    m_color = math::Vec4(ColorComponent(color.x), ColorComponent(color.y), ColorComponent(color.z),
+                         ColorComponent(color.w));
 }
 
 bool Entity::HasScaleTransform() const
@@ -99,10 +111,13 @@ void Entity::SerializeTo(EntitySerializer& serializer) const
     serializer.Set("color", m_color);
     serializer.Set("entityID", static_cast<unsigned long>(m_id));
     serializer.Set("zDepth", m_zDepth);
-    if (m_chain)
+    // A link whose place another entity took (two records of one place in a hand-made file) is in no chain
+    // any more: an index of -1 wouldn't read back.
+    const int chainNr = m_chain ? m_chain->IndexOf(util::SharedPtr<const Entity>(this)) : -1;
+    if (chainNr >= 0)
     {
         serializer.Set("chain", static_cast<unsigned long>(m_chain->GetID()));
-        serializer.Set("chainNr", m_chain->IndexOf(util::SharedPtr<const Entity>(this)));
+        serializer.Set("chainNr", chainNr);
     }
     if (m_buttonDestroy.IsBound())
         serializer.Set("buttonDestroy", util::String(m_buttonDestroy.Serialize()));
@@ -136,19 +151,8 @@ void Entity::Deserialize(const EntitySerializer& serializer)
 
 void Entity::TrackWithCamera()
 {
-    // The camera follows the middle of the entity's box until the entity leaves the scene. A record is read
-    // before its entity enters the scene, so following starts at once.
-    const util::WeakPtr<Entity> weak(this);
-    Scene::GetInstancePtr()->GetCamera()->SetTracked(
-        [weak, entered = false]() mutable -> math::Vec2
-        {
-            const EntityPtr entity = weak.lock();
-            const bool inScene = entity && Scene::GetInstancePtr()->HasEntity(entity);
-            entered = entered || inScene;
-            if (!entity || (entered && !inScene))
-                return math::Vec2(math::INF, math::INF);
-            return entity->GetAABB().GetCenter();
-        });
+    // The record is read before the entity enters the scene; the group's centre is known already.
+    Scene::GetInstancePtr()->SetTrackedGroup(QLEX_NEW new Group(EntityPtr(this)));
 }
 
 void DestroyByButton(input::ButtonInput* button, util::WeakPtr<Entity> entity)

@@ -12,10 +12,8 @@ namespace app
 {
 namespace
 {
-// Refinement of the spawn grid: each try has this many times the cells along a side, up to a limit.
-const float GRID_REFINEMENT = 1.25f;
+// Bounds the spawn grid of a shape whose area is next to nothing beside its bounding circle.
 const int MAX_GRID = 1024;
-const int MAX_GRID_REFINEMENTS = 16;
 
 // One more than gravity, so that a steered shape can lift itself.
 float DefaultControllerAcc()
@@ -99,50 +97,35 @@ std::vector<math::Vec2> FiniteGeomEntity::GetEquidistantPoints()
     const float r = physics::SPH::GetInstancePtr()->m_radius;
     const float area = m_geom->Area();
     const int maxSpawn = std::max(1, int(App::GetInstancePtr()->m_maxSPHSpawn));
-    // One drop for each drop's area, so the water has the area of the shape.
+    // One drop for each drop's area.
     const int count = std::clamp(int(std::floor(area / (r * r * math::PIf) + 0.5f)), 1, maxSpawn);
-    if (count == 1)
-        return {m_geom->GetPosition()};
     const physics::BoundingCircle bc = m_geom->GetBCWorld();
     const math::Vec2 c = bc.center;
     const float radius = bc.radius;
 
-    // A grid over the bounding circle's square, odd rows shifted by half a cell so that the drops pack
-    // like a honeycomb. It starts with `count` cells over the shape's share of the square, and is made finer
-    // until enough of its points lie inside.
-    int grid = std::max(1, int(std::floor(std::sqrt(count * (4.0f * radius * radius / area)) + 0.5f)));
+    // A grid over the bounding circle's square with `count` cells over the circle's share of the shape's
+    // area, odd rows shifted by half a cell so that the drops pack like a honeycomb.
+    const float cells = std::sqrt(float(count) * (radius * radius * math::PIf / area));
+    const int grid = math::IsFinite(cells) ? std::clamp(int(std::floor(cells + 0.5f)), 1, MAX_GRID) : 1;
     std::vector<math::Vec2> points;
-    for (int attempt = 0; attempt < MAX_GRID_REFINEMENTS; ++attempt)
+    for (int row = 0; row < grid && int(points.size()) < count + 1; ++row)
     {
-        points.clear();
-        for (int row = 0; row < grid; ++row)
-            for (int col = 0; col < grid; ++col)
-            {
-                math::Vec2 p =
-                    c + math::Vec2(2.0f * (col + 0.5f * (row % 2)) / grid - 1.0f, 2.0f * row / grid - 1.0f) *
-                            radius;
-                const float d = m_geom->DistanceWorld(p);
-                if (d >= 0.0f)
-                    continue;
-                // A drop at the rim would stick out: it moves in until it fits.
-                if (d > -r)
-                    p -= m_geom->NormalWorld(p) * (std::fabs(r) - std::fabs(d));
-                points.push_back(p);
-            }
-        if (int(points.size()) >= count || grid >= MAX_GRID)
-            break;
-        grid = std::min(MAX_GRID, int(std::ceil(grid * GRID_REFINEMENT)));
+        for (int col = 0; col < grid && int(points.size()) < count + 1; ++col)
+        {
+            math::Vec2 p =
+                c +
+                math::Vec2(2.0f * (col + 0.5f * (row % 2)) / grid - 1.0f, 2.0f * row / grid - 1.0f) * radius;
+            const float d = m_geom->DistanceWorld(p);
+            if (!(d < 0.0f))
+                continue;
+            // A drop at the rim would stick out: it moves in until it fits.
+            if (d > -r)
+                p -= m_geom->NormalWorld(p) * (std::fabs(r) - std::fabs(d));
+            points.push_back(p);
+        }
     }
     if (points.empty())
         return {m_geom->GetPosition()};
-    // Thinned evenly to the count.
-    if (int(points.size()) > count)
-    {
-        std::vector<math::Vec2> thinned;
-        for (int i = 0; i < count; ++i)
-            thinned.push_back(points[size_t(i) * points.size() / count]);
-        points.swap(thinned);
-    }
     return points;
 }
 

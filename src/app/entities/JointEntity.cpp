@@ -2,8 +2,10 @@
 
 #include "app/EntitySerializer.h"
 #include "app/Scene.h"
+#include "logging/Log.h"
 #include "physics/Polygon.h"
 #include "physics/Simulation.h"
+#include "util/StringUtil.h"
 
 namespace app
 {
@@ -67,7 +69,14 @@ void JointEntity::Deserialize(const EntitySerializer& serializer)
 {
     Entity::Deserialize(serializer);
     if (serializer.Has("size"))
-        m_size = serializer.Get<float>("size");
+    {
+        const float size = serializer.Get<float>("size");
+        // A joint of no size can't be seen or picked, and couldn't be written back.
+        if (size > 0.0f && math::IsFinite(size))
+            m_size = size;
+        else
+            Log(logging::Warning, "Ignoring bad joint size " + util::ToString(size));
+    }
 }
 
 void JointEntity::CopyFrom(const Entity* source)

@@ -6,12 +6,14 @@
 #include "app/entities/AppLinks.h"
 #include "app/entities/DrawColor.h"
 #include "app/entities/ShapeGeometry.h"
+#include "logging/Log.h"
 #include "physics/Polygon.h"
 #include "physics/Simulation.h"
 #include "rendering/GLContext.h"
 #include "rendering/Image.h"
 #include "rendering/Renderer.h"
 #include "util/Profiler.h"
+#include "util/StringUtil.h"
 
 #include <cmath>
 #include <limits>
@@ -181,9 +183,17 @@ void PenEntity::SerializeTo(EntitySerializer& serializer) const
 
 void PenEntity::Deserialize(const EntitySerializer& serializer)
 {
+    const float before = m_size;
     Entity::Deserialize(serializer);
     if (serializer.Has("size"))
         m_size = serializer.Get<float>("size");
+    // A pen of no size can't be seen or picked, and couldn't be written back.
+    const float size = m_size;
+    if (!(size > 0.0f && math::IsFinite(size)))
+    {
+        Log(logging::Warning, "Ignoring bad pen size " + util::ToString(size));
+        m_size = before;
+    }
 }
 
 void PenEntity::CopyFrom(const Entity* source)

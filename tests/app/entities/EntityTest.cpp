@@ -7,6 +7,8 @@
 #include "physics/Polygon.h"
 #include "util/ColorUtil.h"
 
+#include <limits>
+
 #include <gtest/gtest.h>
 
 namespace
@@ -38,6 +40,10 @@ TEST(Entity, ColorIsKeptWithThreeDecimals)
     EXPECT_FLOAT_EQ(e->GetColor().z, 1.0f);
     EXPECT_FLOAT_EQ(e->GetColor().w, 1.0f);
     EXPECT_FLOAT_EQ(app::LimitPrecision(-0.0004f), 0.0f);
+
+    // A hand-made file may hold anything; what is kept stays a colour that can be written back.
+    e->SetColor(math::Vec4(std::numeric_limits<float>::quiet_NaN(), 2.0f, -1.0f, math::INF));
+    EXPECT_EQ(e->GetColor(), math::Vec4(0.0f, 1.0f, 0.0f, 1.0f));
 }
 
 TEST(Entity, NewEntitiesHaveDistinctIdsAndVisibleColors)

@@ -81,7 +81,7 @@ TEST_F(GeomEntityTest, AttributesReachTheGeom)
     EXPECT_EQ(AddFloor(0)->m_collideSet, app::GeomEntity::COLLIDE_ALL);
 }
 
-TEST_F(GeomEntityTest, LiquifyFillsTheShapeWithOneDropPerDropArea)
+TEST_F(GeomEntityTest, LiquifyFillsTheShapeFromAGridOfAboutOneDropPerDropArea)
 {
     const float r = physics::SPH::GetInstancePtr()->m_radius;
     const std::vector<util::SharedPtr<app::FiniteGeomEntity>> shapes = {
@@ -90,11 +90,18 @@ TEST_F(GeomEntityTest, LiquifyFillsTheShapeWithOneDropPerDropArea)
     for (const util::SharedPtr<app::FiniteGeomEntity>& shape : shapes)
     {
         const float area = shape->GetGeom()->Area();
-        const int expected = int(std::floor(area / (math::PIf * r * r) + 0.5f));
+        const int perArea = int(std::floor(area / (math::PIf * r * r) + 0.5f));
         const std::vector<math::Vec2> points = shape->GetEquidistantPoints();
-        EXPECT_EQ(int(points.size()), expected) << "area " << area;
-        for (const math::Vec2& p : points)
-            EXPECT_LT(shape->GetGeom()->DistanceWorld(p), 0.0f);
+        // The grid has one cell per drop over the bounding circle, and stops at one point past the count;
+        // the share of its cells that falls inside the shape is never below half for these shapes.
+        EXPECT_LE(int(points.size()), perArea + 1) << "area " << area;
+        EXPECT_GE(2 * int(points.size()), perArea) << "area " << area;
+        for (size_t i = 0; i < points.size(); ++i)
+        {
+            EXPECT_LT(shape->GetGeom()->DistanceWorld(points[i]), 0.0f);
+            for (size_t j = 0; j < i; ++j)
+                EXPECT_GT(math::Distance(points[i], points[j]), 0.5f * r);
+        }
     }
 }
 
@@ -114,7 +121,7 @@ TEST_F(GeomEntityTest, LiquifyIsCappedByMaxSPHSpawn)
     const size_t count = box->GetEquidistantPoints().size();
     app::App::GetInstancePtr()->m_maxSPHSpawn = 10000;
     EXPECT_LE(count, 21u);
-    EXPECT_GE(count, 15u);
+    EXPECT_GE(count, 10u);
 }
 
 TEST_F(GeomEntityTest, ScaledBoxStaysABoxUnlessSkewed)
@@ -314,7 +321,10 @@ TEST_F(GeomEntityTest, TrackedRecordMakesTheCameraFollowTheShapeUntilItLeaves)
     EXPECT_LT(camera.GetPan().y, pan.y);
 
     TheScene().RemoveEntity(box);
+    TheScene().Update(0.01f);
     camera.Update(0.01f);
     EXPECT_FALSE(camera.IsTracking());
+    TheScene().Update(0.01f);
+    EXPECT_FALSE(TheScene().GetTrackedGroup());
 }
 } // namespace

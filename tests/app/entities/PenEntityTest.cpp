@@ -1,5 +1,6 @@
 #include "EntityTestWorld.h"
 
+#include "app/EntitySerializer.h"
 #include "app/entities/PenEntity.h"
 
 namespace
@@ -99,5 +100,17 @@ TEST_F(PenEntityTest, MovedPenStaysOnItsShapeOrLandsOnWhatIsUnderIt)
     pen->Transform(math::Mat2D::Translation(math::Vec2(5, 0)));
     pen->EndTransform();
     EXPECT_EQ(pen->m_geom, app::GeomPtr(Sim().GetWorldGeom()));
+}
+
+TEST_F(PenEntityTest, RecordOfNoSizeKeepsThePensSize)
+{
+    util::SharedPtr<app::PenEntity> pen = QLEX_NEW new app::PenEntity(PEN_SIZE);
+    app::EntitySerializer record;
+    record.Set("size", -2.0f);
+    pen->Deserialize(record);
+    EXPECT_FLOAT_EQ(pen->m_size, PEN_SIZE);
+    record.Set("size", 0.25f);
+    pen->Deserialize(record);
+    EXPECT_FLOAT_EQ(pen->m_size, 0.25f);
 }
 } // namespace

@@ -312,3 +312,28 @@ TEST_F(SceneTest, Snapshot_ChainLinksReturnToTheirPlaces)
     }
 }
 } // namespace
+
+namespace
+{
+using scenetest::SceneTest;
+
+TEST_F(SceneTest, Snapshot_GroupsAreNotFilledThroughIdsOfAnEarlierFile)
+{
+    // B leaves the scene but stays in its named group; a file then uses B's id for another entity.
+    Run("Scene.addBox {pos = [0, 0]}");
+    app::EntityPtr b = scene->GetEntities().back();
+    app::GroupPtr group = scene->GetOrCreateGroupByName("G");
+    group->Add(b);
+    scene->RemoveEntity(b);
+    app::Serializer::GetInstancePtr()->Deserialize(
+        "Scene.addBox {pos = [5, 0]; entityID = " + std::to_string(b->GetID()) + "}");
+    app::EntityPtr a = scene->GetEntities().back();
+    ASSERT_NE(a, b);
+
+    app::SnapshotPtr snapshot = app::Snapshot::TakeSnapshot();
+    snapshot->Restore();
+    app::GroupPtr restored = scene->GetGroupByName("G");
+    EXPECT_FALSE(restored && restored->Contains(a));
+    EXPECT_TRUE(scene->HasEntity(a));
+}
+} // namespace

@@ -124,6 +124,17 @@ TEST_F(SceneTest, Scene_ScalingARotatedBoxUnevenlyMakesAPolygonAndKeepsGlue)
     EXPECT_EQ(group->Size(), 2u);
 }
 
+TEST_F(SceneTest, Scene_ScalingToNothingKeepsTheShapes)
+{
+    app::EntityPtr box = Add("Scene.addBox {pos = [1, 0]; size = [2, 1]}");
+    app::EntityPtr circle = Add("Scene.addCircle {pos = [-2, 0]}");
+    scene->ScaleTransform(scene->GetAsGroup(), math::Mat3::Scale2D(math::Vec2(0, 1)));
+    scene->Update(0.01f);
+    EXPECT_TRUE(scene->HasEntity(box));
+    EXPECT_TRUE(scene->HasEntity(circle));
+    EXPECT_NEAR(box->GetAABB().GetSize().x, 2.0f, 1e-5f);
+}
+
 TEST_F(SceneTest, Scene_UnselectedHingeFallsToTheBackgroundWhenItsShapeShrinksAway)
 {
     app::EntityPtr box = Add("Scene.addBox {pos = [0, 0]; size = [4, 1]}");
@@ -201,6 +212,26 @@ TEST_F(SceneTest, Qlexlet_ImportsAtTheMouseAsOneStep)
     app::Undoer::GetInstancePtr()->Undo();
     EXPECT_TRUE(scene->GetEntities().empty());
     std::remove(path.c_str());
+}
+
+TEST_F(SceneTest, Qlexlet_HingeWithoutItsShapeAttachesToWhatIsThereAtPasteTime)
+{
+    Run("Scene.addBox {pos = [2, 1]}");
+    app::EntityPtr hinge = Add("Scene.addHinge {pos = [2.2, 1.1]}");
+    const std::string text =
+        app::Serializer::GetInstancePtr()->SerializeQlexlet(QLEX_NEW new app::Group(hinge));
+    // The shape stays outside the fragment: its end is written as a world point, the background's by id.
+    EXPECT_NE(text.find("geom0 = -1"), std::string::npos) << text;
+    EXPECT_NE(text.find("world0pos = [2.20000005, 1.10000002]"), std::string::npos) << text;
+    EXPECT_NE(text.find("geom1 = 0"), std::string::npos) << text;
+
+    scene->ClearScene();
+    app::EntityPtr circle = Add("Scene.addCircle {pos = [2, 1]; radius = 0.5}");
+    app::Serializer::GetInstancePtr()->Deserialize(text);
+    auto hinges = All<app::HingeEntity>();
+    ASSERT_EQ(hinges.size(), 1u);
+    EXPECT_EQ(hinges[0]->m_geoms[0], util::dynamic_pointer_cast<app::GeomEntity>(circle)->GetGeom());
+    EXPECT_EQ(hinges[0]->m_geoms[1], physics::Simulation::GetInstancePtr()->GetWorldGeom());
 }
 
 } // namespace

@@ -5,6 +5,8 @@
 #include "app/entities/HingeEntity.h"
 #include "physics/Particle.h"
 
+#include <algorithm>
+
 namespace
 {
 using scenetest::SceneTest;
@@ -129,5 +131,181 @@ TEST_F(SceneTest, Serializer_TrackedEntityBecomesTheCamerasGroupAndIsSaved)
     Load(text);
     ASSERT_TRUE(scene->GetTrackedGroup());
     EXPECT_EQ(scene->GetTrackedGroup()->Size(), 1u);
+}
+} // namespace
+
+namespace
+{
+using scenetest::SceneTest;
+
+size_t CountGroupsNamed(app::Scene* scene, const std::string& name)
+{
+    size_t count = 0;
+    for (const app::GroupPtr& group : scene->GetGroups())
+        count += group->GetName() == name ? 1 : 0;
+    return count;
+}
+
+TEST_F(SceneTest, Tracking_OneGroupAtATimeAndItFollowsALoneShapesPosition)
+{
+    Run("Scene.addBox {pos = [3, 4]; tracked = true}");
+    Run("Scene.addCircle {pos = [-6, 1]; tracked = true}");
+    EXPECT_EQ(CountGroupsNamed(scene, "tracked"), 1u);
+    ASSERT_TRUE(scene->GetTrackedGroup());
+    ASSERT_EQ(scene->GetTrackedGroup()->Size(), 1u);
+    EXPECT_TRUE(util::dynamic_pointer_cast<app::CircleEntity>(scene->GetTrackedGroup()->GetFirst()));
+    EXPECT_EQ(app::Scene::GetGroupCenter(scene->GetTrackedGroup()), math::Vec2(-6, 1));
+
+    // A saved scene names one tracked group, and reads back to one.
+    Load(Save());
+    EXPECT_EQ(CountGroupsNamed(scene, "tracked"), 1u);
+    EXPECT_TRUE(scene->GetCamera()->IsTracking());
+    ASSERT_TRUE(scene->GetTrackedGroup());
+    EXPECT_TRUE(util::dynamic_pointer_cast<app::CircleEntity>(scene->GetTrackedGroup()->GetFirst()));
+}
+
+TEST_F(SceneTest, Tracking_EndsWhenTheGroupEmptiesAndTheGroupGoes)
+{
+    Run("Scene.addBox {pos = [3, 4]; tracked = true}");
+    ASSERT_TRUE(scene->GetTrackedGroup());
+    scene->RemoveEntity(scene->GetEntities().front());
+    scene->GetTrackedGroup()->Trim();
+    scene->GetCamera()->Update(0.01f);
+    scene->Update(0.01f);
+    EXPECT_FALSE(scene->GetCamera()->IsTracking());
+    EXPECT_FALSE(scene->GetTrackedGroup());
+    EXPECT_EQ(CountGroupsNamed(scene, "tracked"), 0u);
+    EXPECT_EQ(Save().find("\"tracked\""), std::string::npos);
+}
+
+TEST_F(SceneTest, Tracking_TheSelectionIsFollowedByItsMembersAndKeepsItsName)
+{
+    Run("Scene.addBox {pos = [3, 4]}");
+    scene->SetSelection(scene->GetAsGroup());
+    scene->SetTrackedGroup(scene->GetSelection());
+    EXPECT_EQ(scene->GetSelection()->GetName(), "selected");
+    ASSERT_TRUE(scene->GetTrackedGroup());
+    EXPECT_EQ(scene->GetTrackedGroup()->Size(), 1u);
+    EXPECT_EQ(CountGroupsNamed(scene, "selected"), 1u);
+    EXPECT_EQ(CountGroupsNamed(scene, "tracked"), 1u);
+}
+
+TEST_F(SceneTest, Tracking_AGroupWithoutACentreIsNotFollowed)
+{
+    scene->SetTrackedGroup(QLEX_NEW new app::Group());
+    EXPECT_FALSE(scene->GetCamera()->IsTracking());
+    EXPECT_FALSE(scene->GetTrackedGroup());
+    EXPECT_EQ(CountGroupsNamed(scene, "tracked"), 0u);
+}
+} // namespace
+
+namespace
+{
+using scenetest::SceneTest;
+
+TEST_F(SceneTest, Serializer_FailedRecordsLeaveNoPhysicsBehind)
+{
+    // Each of these fails after its object was made: a key with no such button, a colour of one number, a
+    // negative chain index. None may leave a pin, a weld or a wall that the scene doesn't show.
+    Run("Scene.addBox {pos = [0, 0]; color = [0.5, 0.5, 0.5, 1]}");
+    Run("Scene.addHinge {pos = [0, 0]; buttonForward = \"zz\"}");
+    Run("Scene.addFixjoint {pos = [0, 0]; color = [1]}");
+    Run("Scene.addBox {pos = [3, 0]; body = 0; chain = 1; chainNr = -1}");
+    Run("Scene.addCircle {pos = [3, 2]; radius = 0.5}");
+    EXPECT_EQ(scene->GetEntities().size(), 2u);
+    EXPECT_TRUE(All<app::HingeEntity>().empty());
+    Step(100);
+    auto boxes = All<app::BoxEntity>();
+    auto circles = All<app::CircleEntity>();
+    ASSERT_EQ(boxes.size(), 1u);
+    ASSERT_EQ(circles.size(), 1u);
+    // One second of free fall is about 4.9 m.
+    EXPECT_LT(boxes[0]->GetGeom()->GetPosition().y, -4.0f);
+    EXPECT_LT(circles[0]->GetGeom()->GetPosition().y, -1.0f);
+    EXPECT_EQ(physics::Simulation::GetInstancePtr()->GetWorldBody()->GetGeoms().size(), 1u);
+}
+} // namespace
+
+namespace
+{
+using scenetest::SceneTest;
+
+// Both ends of a joint that the file puts at one point must lie at that point after reading.
+void ExpectEndsAt(const util::SharedPtr<app::HingeEntity>& hinge, math::Vec2 point)
+{
+    for (int i = 0; i < 2; ++i)
+    {
+        ASSERT_TRUE(hinge->m_geoms[i]);
+        const math::Vec2 world =
+            math::TransformCoordinate(hinge->m_geoms[i]->GetPose(), hinge->m_localPos[i]);
+        EXPECT_NEAR(world.x, point.x, 1e-5f) << "end " << i;
+        EXPECT_NEAR(world.y, point.y, 1e-5f) << "end " << i;
+    }
+}
+
+TEST_F(SceneTest, Serializer_JointOnAPlaneOfNormalAndDistanceKeepsItsPoint)
+{
+    // The plane y = 0 (solid below), given by its equation: its line is folded into its pose.
+    Run("Scene.addPlane {normal = [0, 1]; dist = 0; geomID = 5}; Scene.addBox {pos = [0, 0.3]; geomID = 6}");
+    Run("Scene.addHinge {pos = [0.3, 0]}");
+    // A local anchor of the file is relative to the pose the file gave the plane, here none.
+    Run("Scene.addHinge {geom0 = 6; geom0pos = [-0.2, -0.3]; geom1 = 5; geom1pos = [-0.2, 0]}");
+    auto hinges = All<app::HingeEntity>();
+    ASSERT_EQ(hinges.size(), 2u);
+    ExpectEndsAt(hinges[0], math::Vec2(0.3f, 0));
+    ExpectEndsAt(hinges[1], math::Vec2(-0.2f, 0));
+}
+} // namespace
+
+namespace
+{
+using scenetest::SceneTest;
+
+const char* const RICH_SCENE = R"(
+Scene.addBox {pos = [0, 1]; chain = 4; chainNr = 0; body = 7};
+Scene.addBox {pos = [1, 1]; chain = 4; chainNr = 1; body = 7; friction = {0.25 + 0.5}};
+Scene.addCircle {pos = [4, 1]; radius = 0.5; entityID = 40};
+Scene.addFixjoint {pos = [0.5, 1]};
+Scene.addHinge {pos = [4, 1]; controller = "arrowkeys"; motorSpeed = -2};
+Scene.addPen {pos = [4.2, 1]; fadeTime = 3};
+Scene.addGroup {name = "pair"; entityIDs = [40]};
+Scene.addGroup {name = "tracked"; entityIDs = [40]}
+)";
+
+// The groups of a scene are written in the order of a set of pointers: they are compared as a sorted list.
+std::string GroupsSorted(const std::string& text)
+{
+    const size_t first = text.find("Scene.addGroup");
+    std::vector<std::string> groups;
+    for (size_t at = first; at != std::string::npos;)
+    {
+        const size_t next = text.find("Scene.addGroup", at + 1);
+        std::string group = text.substr(at, next == std::string::npos ? std::string::npos : next - at);
+        if (group.size() >= 2 && group.compare(group.size() - 2, 2, ";\n") == 0)
+            group.resize(group.size() - 2);
+        groups.push_back(group);
+        at = next;
+    }
+    std::sort(groups.begin(), groups.end());
+    std::string result = text.substr(0, first);
+    for (const std::string& group : groups)
+        result += group + "\n";
+    return result;
+}
+
+TEST_F(SceneTest, Serializer_RichSceneReadsBackToTheSameText)
+{
+    Run(RICH_SCENE);
+    ASSERT_EQ(scene->GetEntities().size(), 6u);
+    const std::string first = Save();
+    for (const char* key : {"chainNr = 1", "friction = {0.25 + 0.5}", "buttonForward", "name = \"pair\"",
+                            "name = \"tracked\"", "addFixjoint", "fadeTime = 3.0"})
+        EXPECT_NE(first.find(key), std::string::npos) << key << "\n" << first;
+    Load(first);
+    ASSERT_EQ(scene->GetEntities().size(), 6u);
+    const std::string second = Save();
+    EXPECT_EQ(GroupsSorted(scenetest::NormalizeIds(first)), GroupsSorted(scenetest::NormalizeIds(second)));
+    Load(second);
+    EXPECT_EQ(GroupsSorted(scenetest::NormalizeIds(second)), GroupsSorted(scenetest::NormalizeIds(Save())));
 }
 } // namespace
