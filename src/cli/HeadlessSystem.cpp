@@ -1,7 +1,7 @@
 #include "cli/HeadlessSystem.h"
 
 #include "logging/Log.h"
-#include "util/Timer.h"
+#include "script/SystemCommands.h"
 
 namespace cli
 {
@@ -14,26 +14,6 @@ const float DEFAULT_MAX_FPS = 60.0f;
 const int DEFAULT_WIDTH = 1024;
 const int DEFAULT_HEIGHT = 768;
 const int DEFAULT_DEPTH = 32;
-
-float CurrentTime()
-{
-    return static_cast<float>(util::Timer::GetCurrentTime());
-}
-
-int ObjectCurrent()
-{
-    return static_cast<int>(util::Pointee::GetInstanceCount());
-}
-
-int ObjectHandleCurrent()
-{
-    return static_cast<int>(util::PointeeHandle::GetInstanceCount());
-}
-
-int ObjectTotal()
-{
-    return static_cast<int>(util::Pointee::GetAllocateCount());
-}
 } // namespace
 
 HeadlessSystem::HeadlessSystem()
@@ -45,10 +25,7 @@ HeadlessSystem::HeadlessSystem()
       m_antiAlias(this, "antiAlias", 1), m_depth(this, "depth", DEFAULT_DEPTH)
 {
     AddMemberCmd("exit", &HeadlessSystem::Exit);
-    AddCmd("time", &CurrentTime);
-    AddCmd("objectCurrent", &ObjectCurrent);
-    AddCmd("objectHandleCurrent", &ObjectHandleCurrent);
-    AddCmd("objectTotal", &ObjectTotal);
+    script::AddClockAndObjectCountCommands(*this);
     AddVoidCmd("recreateWindow", [] { Log(logging::Info, "There is no window to recreate in qlex-cli"); });
 }
 

@@ -12,6 +12,7 @@
 #include "rendering/Renderer.h"
 #include "rendering/TextureManager.h"
 #include "script/Parser.h"
+#include "script/SystemCommands.h"
 #include "util/FileSystem.h"
 #include "util/Interpolator.h"
 #include "util/Profiler.h"
@@ -71,27 +72,6 @@ void SetWindowIcon(const std::string& path)
     }
     SDL_WM_SetIcon(icon, nullptr);
     SDL_FreeSurface(icon);
-}
-
-// What the script commands of "System" report.
-float CurrentTime()
-{
-    return static_cast<float>(util::Timer::GetCurrentTime());
-}
-
-int ObjectCurrent()
-{
-    return static_cast<int>(util::Pointee::GetInstanceCount());
-}
-
-int ObjectHandleCurrent()
-{
-    return static_cast<int>(util::PointeeHandle::GetInstanceCount());
-}
-
-int ObjectTotal()
-{
-    return static_cast<int>(util::Pointee::GetAllocateCount());
 }
 
 // How long SDL_Delay(1) really sleeps, and the smallest step of the clock, both in milliseconds.
@@ -162,10 +142,7 @@ void Subsystem::AddScriptMembers()
     script::AttribWrapper<int>(&system, "depth", &m_requestedParams.depth);
 
     system.AddVoidCmd("exit", [this] { Exit(); });
-    system.AddCmd("time", &CurrentTime);
-    system.AddCmd("objectCurrent", &ObjectCurrent);
-    system.AddCmd("objectHandleCurrent", &ObjectHandleCurrent);
-    system.AddCmd("objectTotal", &ObjectTotal);
+    script::AddClockAndObjectCountCommands(system);
     system.AddVoidCmd("recreateWindow", [this] { ApplyParserConfig(); });
 }
 
