@@ -15,3 +15,10 @@ double Timer::GetCurrentTime()
 }
 
 } // namespace util
+
+namespace
+{
+// The clock counts from the program's start, not from the first reading: a script's first "System.time"
+// would otherwise always say 0.
+[[maybe_unused]] const double s_startOfProgram = util::Timer::GetCurrentTime();
+} // namespace
