@@ -344,8 +344,6 @@ void App::DrawComp() const
     gui::Component::DrawComp();
     const_cast<App*>(this)->SyncViewSize();
     rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
-    // The interface around this component sets GL's colour without the renderer.
-    renderer.InvalidateColor();
     const Camera& camera = GetCamera();
 
     FillDrawList();

@@ -1,8 +1,9 @@
 #include "gui/GUI.h"
 
-#include "gui/GuiRenderer.h"
 #include "gui/LookAndFeel.h"
 #include "input/Input.h"
+#include "rendering/AttribPusher.h"
+#include "rendering/Renderer.h"
 #include "util/Profiler.h"
 
 #include <GL/gl.h>
@@ -12,6 +13,8 @@ namespace gui
 
 namespace
 {
+// Every attribute group GL has: the interface leaves GL as it found it.
+const GLbitfield ALL_ATTRIB_BITS = 0xFFFFF;
 
 // Hands unhandled key presses to the profiler, which walks its table with the numeric pad.
 class ProfilerKeyRelay : public input::InputListener
@@ -128,7 +131,7 @@ void GUI::UpdateMouseOverComp()
 void GUI::Begin()
 {
     const math::Vec2 size = GetSize();
-    glPushAttrib(0xFFFFF);
+    glPushAttrib(ALL_ATTRIB_BITS);
     glMatrixMode(GL_PROJECTION);
     glPushMatrix();
     glLoadIdentity();
@@ -140,7 +143,10 @@ void GUI::Begin()
     glEnable(GL_TEXTURE_2D);
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    GuiRenderer::SetColor4(math::Vec4(1.0f, 1.0f, 1.0f, m_opaqueness));
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    // Whatever was drawn before set GL's colour without telling the renderer.
+    renderer.InvalidateColor();
+    renderer.SetColor4(math::Vec4(1.0f, 1.0f, 1.0f, m_opaqueness));
 }
 
 void GUI::End()
@@ -151,6 +157,8 @@ void GUI::End()
     glPopMatrix();
     glMatrixMode(GL_MODELVIEW);
     glPopAttrib();
+    // The pop brought back GL's colour of before, behind the renderer's shadow.
+    rendering::Renderer::GetInstancePtr()->InvalidateColor();
 }
 
 void GUI::Draw()
@@ -159,13 +167,12 @@ void GUI::Draw()
     Begin();
     {
         util::ScopeProfiler tree("GUI");
-        glPushAttrib(0xFFFFF);
+        rendering::AttribPusher attribs(ALL_ATTRIB_BITS);
         glPushMatrix();
-        // Untextured until textures land: borders are flat colour.
+        // Borders are flat colour; a component that shows a picture binds and enables its texture.
         glDisable(GL_TEXTURE_2D);
         m_rootComponent->DrawCompAndChildren();
         glPopMatrix();
-        glPopAttrib();
     }
     // No cursor textures yet: the operating system draws the mouse.
     SDL_ShowCursor(SDL_ENABLE);

@@ -3,6 +3,7 @@
 
 #include "gui/GUI.h"
 #include "gui/components/SimpleBorder.h"
+#include "rendering/Renderer.h"
 
 #include <gtest/gtest.h>
 
@@ -157,6 +158,38 @@ TEST_F(XWindowTest, DrawShowsABorderInTheGUIsOpaqueness)
     EXPECT_NEAR(frame[1], 230, 3);
     const auto outside = pixel(10, 10);
     EXPECT_EQ(outside, (std::array<int, 3>{0, 0, 0}));
+
+    gui->GetMainComponent()->RemoveAllComponents();
+}
+
+namespace
+{
+// Notes the renderer's colour at the moment it is drawn: what a picture drawn there would be tinted with.
+class ColorProbe : public Component
+{
+public:
+    void DrawComp() const override { m_seen = rendering::Renderer::GetInstancePtr()->GetColor4(); }
+    mutable math::Vec4 m_seen{-1, -1, -1, -1};
+};
+} // namespace
+
+TEST_F(XWindowTest, ComponentColoursReachTheRendererThatChildrenDrawWith)
+{
+    GUI* gui = GUI::GetInstancePtr();
+    util::SharedPtr<Component> panel = Box(60, 40);
+    panel->SetColor(math::Vec4(1, 0.5f, 0.25f, 1));
+    util::SharedPtr<ColorProbe> probe = QLEX_NEW new ColorProbe();
+    probe->SetColor(math::Vec4(0.5f, 1, 1, 0.5f));
+    panel->AddComponent(probe);
+    gui->GetMainComponent()->AddComponent(panel);
+
+    glViewport(0, 0, WINDOW_WIDTH, WINDOW_HEIGHT);
+    gui->Draw();
+    // The GUI's opaqueness of 0.9, the panel's colour and the probe's own, multiplied.
+    EXPECT_FLOAT_EQ(probe->m_seen.x, 0.5f);
+    EXPECT_FLOAT_EQ(probe->m_seen.y, 0.5f);
+    EXPECT_FLOAT_EQ(probe->m_seen.z, 0.25f);
+    EXPECT_FLOAT_EQ(probe->m_seen.w, 0.45f);
 
     gui->GetMainComponent()->RemoveAllComponents();
 }
