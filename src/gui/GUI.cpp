@@ -4,6 +4,8 @@
 #include "input/Input.h"
 #include "rendering/AttribPusher.h"
 #include "rendering/Renderer.h"
+#include "rendering/TextureManager.h"
+#include "util/FileSystem.h"
 #include "util/Profiler.h"
 
 #include <GL/gl.h>
@@ -15,6 +17,8 @@ namespace
 {
 // Every attribute group GL has: the interface leaves GL as it found it.
 const GLbitfield ALL_ATTRIB_BITS = 0xFFFFF;
+// The side of the cursor's picture in GUI units; its centre is the hot spot.
+const float CURSOR_SIZE = 32.0f;
 
 // Hands unhandled key presses to the profiler, which walks its table with the numeric pad.
 class ProfilerKeyRelay : public input::InputListener
@@ -55,6 +59,9 @@ GUI::GUI()
     SetPriority(PRIORITY);
     input->AddListener(this);
     input::Input::SetSettings(this);
+    m_defaultCursor = rendering::TextureManager::GetInstancePtr()->Load(
+        util::FileSystem::GetInstancePtr()->CursorDir() + "mouse", rendering::TextureManager::DefaultImageType());
+    m_cursor = m_defaultCursor;
 
     m_mainComponent = QLEX_NEW new Component();
     m_tooltipLayer = QLEX_NEW new Component();
@@ -128,6 +135,11 @@ void GUI::UpdateMouseOverComp()
     UpdateMouseOver(*m_rootComponent, true, m_rootComponent->GUIToLocal(mouse));
 }
 
+void GUI::SetCursor(rendering::TextureProxy cursor)
+{
+    m_cursor = cursor.GetMentor() ? cursor : m_defaultCursor;
+}
+
 void GUI::Begin()
 {
     const math::Vec2 size = GetSize();
@@ -174,8 +186,23 @@ void GUI::Draw()
         m_rootComponent->DrawCompAndChildren();
         glPopMatrix();
     }
-    // No cursor textures yet: the operating system draws the mouse.
-    SDL_ShowCursor(SDL_ENABLE);
+    if (m_cursor == m_defaultCursor)
+        SDL_ShowCursor(SDL_ENABLE);
+    else
+    {
+        // In full screen the system's cursor is hidden anyway, and hiding it again can move it.
+        const SDL_Surface* screen = SDL_GetVideoSurface();
+        if (!screen || !(screen->flags & SDL_FULLSCREEN))
+            SDL_ShowCursor(SDL_DISABLE);
+        util::ScopeProfiler cursor("Drawing cursor");
+        rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+        renderer.SetColor4(1, 1, 1, 1);
+        glEnable(GL_TEXTURE_2D);
+        glBindTexture(GL_TEXTURE_2D, m_cursor->GetName());
+        const math::Vec2 size(CURSOR_SIZE, CURSOR_SIZE);
+        renderer.DrawRectGUI(input::Input::GetInstancePtr()->GetMousePos() - size * 0.5f, size);
+        glBindTexture(GL_TEXTURE_2D, 0);
+    }
     End();
 }
 

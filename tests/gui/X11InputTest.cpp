@@ -3,7 +3,10 @@
 
 #include "gui/GUI.h"
 #include "gui/components/SimpleBorder.h"
+#include "rendering/GLContext.h"
+#include "rendering/Image.h"
 #include "rendering/Renderer.h"
+#include "rendering/TextureManager.h"
 
 #include <gtest/gtest.h>
 
@@ -192,6 +195,50 @@ TEST_F(XWindowTest, ComponentColoursReachTheRendererThatChildrenDrawWith)
     EXPECT_FLOAT_EQ(probe->m_seen.w, 0.45f);
 
     gui->GetMainComponent()->RemoveAllComponents();
+}
+
+TEST_F(XWindowTest, ACursorOfOurOwnIsDrawnCentredOnTheMouseAndANullOneGivesTheSystemsBack)
+{
+    GUI* gui = GUI::GetInstancePtr();
+    EXPECT_EQ(gui->GetCursor(), gui->GetDefaultCursor());
+    GLHasLoaded();
+    rendering::ImageRGBA32Ptr red = QLEX_NEW new rendering::ImageRGBA32(32, 32, true);
+    for (unsigned y = 0; y < 32; ++y)
+        for (unsigned x = 0; x < 32; ++x)
+            (*red)(x, y) = rendering::PixelRGBA(255, 0, 0, 255);
+    gui->SetCursor(rendering::TextureManager::GetInstancePtr()->Load(red, rendering::TextureManager::DefaultImageType()));
+
+    SDL_Event motion{};
+    motion.type = SDL_MOUSEMOTION;
+    motion.motion.x = 100;
+    motion.motion.y = 80;
+    input::Input::GetInstancePtr()->HandleEvent(motion);
+    glViewport(0, 0, WINDOW_WIDTH, WINDOW_HEIGHT);
+    glClearColor(0, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    gui->Draw();
+    glFinish();
+    auto red_at = [](int x, int y)
+    {
+        unsigned char rgba[4] = {};
+        glReadPixels(x, WINDOW_HEIGHT - 1 - y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+        return rgba[0];
+    };
+    // 32 units wide about the mouse, in full colour whatever the GUI's opaqueness.
+    EXPECT_EQ(red_at(100, 80), 255);
+    EXPECT_EQ(red_at(85, 65), 255);
+    EXPECT_EQ(red_at(114, 95), 255);
+    EXPECT_EQ(red_at(82, 80), 0);
+    EXPECT_EQ(red_at(100, 98), 0);
+    EXPECT_EQ(SDL_ShowCursor(SDL_QUERY), SDL_DISABLE);
+
+    gui->SetCursor(rendering::TextureProxy());
+    EXPECT_EQ(gui->GetCursor(), gui->GetDefaultCursor());
+    glClear(GL_COLOR_BUFFER_BIT);
+    gui->Draw();
+    glFinish();
+    EXPECT_EQ(red_at(100, 80), 0);
+    EXPECT_EQ(SDL_ShowCursor(SDL_QUERY), SDL_ENABLE);
 }
 
 namespace
