@@ -5,8 +5,9 @@
 #include "app/Group.h"
 #include "app/Scene.h"
 #include "app/entities/BoxEntity.h"
-#include "physics/Box.h"
 #include "gui/GUI.h"
+#include "logging/Log.h"
+#include "physics/Box.h"
 #include "physics/Contact.h"
 #include "physics/Particle.h"
 #include "physics/Simulation.h"
@@ -16,7 +17,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -30,6 +34,13 @@ protected:
     void SetUp() override
     {
         QLEX_OPEN_GL_WINDOW(s_window, WIDTH, HEIGHT);
+        // From the first test on, so that messages of every frame of the run are counted.
+        if (!s_warnings)
+        {
+            s_warnings = QLEX_NEW new logging::FunctionLogger(logging::Warning, [](const std::string& text)
+                                                              { s_warningTexts.push_back(text); });
+            logging::Logger::GetInstancePtr()->AddLogger(s_warnings);
+        }
         physics::Simulation::GetInstancePtr()->EraseWater();
         physics::Simulation::GetInstancePtr()->m_running = false;
         // In the interface's tree, as in the program: it fills the window.
@@ -103,6 +114,8 @@ protected:
     }
 
     static GLTestWindow s_window;
+    inline static util::SharedPtr<logging::ILogger> s_warnings;
+    inline static std::vector<std::string> s_warningTexts;
     app::App& m_app = *app::App::GetInstancePtr();
 };
 GLTestWindow WorldDrawing::s_window;
@@ -304,4 +317,23 @@ TEST_F(WorldDrawing, TheSelectionsBoxIsOutlinedInHalfBlueWhenAskedFor)
     EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {128, 0, 128, 255}, 4));
     EXPECT_TRUE(box->m_selectedLook);
     EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0.6f}), SKY));
+}
+
+TEST_F(WorldDrawing, WaterThatCannotBeBlendedByAConstantIsOpaqueAndSaysSoOnceARun)
+{
+    FillWater(math::Vec2(-0.3f, -0.3f), math::Vec2(0.3f, 0.3f));
+    DrawFrame();
+    DrawFrame();
+    logging::Logger::GetInstancePtr()->Update();
+    const std::string message = "Water transparency not supported by your computer. Try switching on shaders "
+                                "(anti-aliasing in the options menu), or upgrade your graphics drivers.";
+    const size_t count = size_t(std::count_if(s_warningTexts.begin(), s_warningTexts.end(),
+                                               [&](const std::string& text)
+                                               { return text.find(message) != std::string::npos; }));
+    EXPECT_EQ(count, rendering::HasBlendColor() ? 0u : 1u);
+
+    // Opaque water needs no constant: no message, whatever the computer.
+    m_app.m_waterColor = math::Vec4(0.1f, 0.1f, 1.0f, 1.0f);
+    DrawFrame();
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {26, 26, 255, 255}, 4));
 }
