@@ -203,10 +203,17 @@ void App::ServeMirrorRequests()
     for (const auto& request : requests)
     {
         util::ScopeProfiler serving("Serving?");
-        // Entities that share the key turn about one axis together, as one thing.
-        const GroupPtr group = QLEX_NEW new Group(request.second);
+        // Entities that share the key turn about one axis together, as one thing. One that left the scene
+        // in this frame (its destroy key, say) is not brought back by being mirrored.
+        Scene& scene = *Scene::GetInstancePtr();
+        const GroupPtr group = QLEX_NEW new Group();
+        for (const EntityPtr& entity : request.second)
+        {
+            if (scene.HasEntity(entity))
+                group->Add(entity);
+        }
         if (!group->IsEmpty())
-            Scene::GetInstancePtr()->MirrorLongestAxis(group);
+            scene.MirrorLongestAxis(group);
     }
 }
 

@@ -230,6 +230,14 @@ TEST(App, EntitiesSharingAMirrorKeyTurnAsOneGroupInThatFramesUpdate)
     app.Update(0);
     EXPECT_NEAR(centreOf(true), smallX, 1e-5f);
     EXPECT_NEAR(centreOf(false), largeX, 1e-5f);
+    // One that has left the scene stays out of it.
+    util::SharedPtr<app::BoxEntity> gone = addSquare(0.2f, 3.0f);
+    scene.RemoveEntity(gone);
+    app.MirrorMe(key, gone);
+    app.Update(0);
+    EXPECT_EQ(scene.GetEntities().size(), 2u);
+    EXPECT_FALSE(scene.HasEntity(gone));
+
     scene.ClearScene();
     physics::testing::ResetWorld();
 }
