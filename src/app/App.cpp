@@ -257,7 +257,7 @@ math::Vec2 App::GetMousePos() const
 
 float App::GetPixelSize() const
 {
-    return GetCamera().GUIToWorld()(0, 0) / gui::GUI::GetInstancePtr()->m_scale;
+    return GetCamera().GUIToWorld()(0, 0) / gui::GUI::GetInstancePtr()->GetScale();
 }
 
 float App::GetScreenCM() const

@@ -10,6 +10,8 @@
 
 #include <GL/gl.h>
 
+#include <cmath>
+
 namespace gui
 {
 
@@ -99,7 +101,7 @@ math::Vec2 GUI::GetSize() const
 
 math::Vec2 GUI::PosFromPixel(int x, int y) const
 {
-    const float scale = m_scale;
+    const float scale = GetScale();
     return math::Vec2(static_cast<float>(x) / scale, static_cast<float>(y) / scale);
 }
 
@@ -110,8 +112,18 @@ void GUI::OnNewWindowSize(int width, int height)
     m_rootComponent->SetOuterSize(GetSize());
 }
 
+float GUI::GetScale() const
+{
+    const float scale = m_scale;
+    return std::isfinite(scale) && scale > 0.0f ? scale : 1.0f;
+}
+
 void GUI::OnScaleChange()
 {
+    const float scale = m_scale;
+    // Dividing by such a scale would put the whole interface and the mouse at infinity.
+    if (!(std::isfinite(scale) && scale > 0.0f))
+        Log(logging::Warning, "GUI.scale must be a number above 0; the interface keeps to a scale of 1 until it is");
     OnNewWindowSize(m_windowWidth, m_windowHeight);
 }
 

@@ -55,6 +55,8 @@ public:
     script::AttribWrapper<float> m_opaqueness;
 
     void SetScale(float scale) { m_scale = scale; }
+    // Pixels per GUI unit in effect: the attribute, or 1 while the attribute is no positive number.
+    float GetScale() const;
     void SetFont(const util::String& font) { m_font = font; }
     // The fonts live with the resources, which know the GUI and not the other way round: they reload
     // through a callback here when "font" changes.
