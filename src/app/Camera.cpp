@@ -1,5 +1,7 @@
 #include "app/Camera.h"
 
+#include "logging/Log.h"
+
 #include "util/Profiler.h"
 
 #include <algorithm>
@@ -32,6 +34,12 @@ void Camera::OnChange()
     if (math::IsNaN(m_zoom))
         m_zoom = DEFAULT_ZOOM;
     m_zoom = std::clamp(m_zoom, MIN_ZOOM, MAX_ZOOM);
+    // A pan at infinity would put the mouse there too, and every tool with it.
+    if (!math::IsFinite(m_pan))
+    {
+        Log(logging::Warning, "Camera.pan must be finite; the view goes back to the middle of the world");
+        m_pan = math::Vec2(0, 0);
+    }
 }
 
 math::TMatrix3<float> Camera::WorldToGUI() const

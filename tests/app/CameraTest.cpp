@@ -74,6 +74,21 @@ TEST(Camera, ZoomIsClampedToItsLimits)
     EXPECT_EQ(camera.GetZoom(), Camera::DEFAULT_ZOOM);
 }
 
+TEST(Camera, APanThatIsNotFiniteReturnsTheViewToTheMiddle)
+{
+    Camera camera;
+    camera.SetPan({std::nanf(""), 2});
+    ExpectNear(camera.GetPan(), {0, 0}, 0);
+    camera.SetPan({3, INFINITY});
+    ExpectNear(camera.GetPan(), {0, 0}, 0);
+    // A matrix that maps everything to one point has no pan to give.
+    camera.SetPan({3, 4});
+    camera.SetWorldToGUI(math::TMatrix3<float>::Scale2D(math::Vec2(0, 0)));
+    EXPECT_EQ(camera.GetZoom(), 1.5f);
+    EXPECT_TRUE(math::IsFinite(camera.GetPan()));
+    EXPECT_TRUE(math::IsFinite(camera.GUIToWorld(math::Vec2(10, 10))));
+}
+
 TEST(Camera, SettingItsOwnMatrixChangesNothingAndAForeignOneIsReadBack)
 {
     Camera camera;
