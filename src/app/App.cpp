@@ -34,6 +34,11 @@ namespace app
 namespace
 {
 
+float PositiveOrOne(float value)
+{
+    return std::isfinite(value) && value > 0 ? value : 1.0f;
+}
+
 // Inside the entity's scale preview, when a scale drag is under way.
 void DrawWithScaleTransform(const Entity& entity)
 {
@@ -403,8 +408,10 @@ void App::DrawComp() const
 
     glDepthMask(GL_TRUE);
     math::Mat4FromMat2D(camera.WorldToGUI()).MultToGL();
-    glLineWidth(m_lineWidth);
-    glPointSize(m_pointSize);
+    // GL refuses widths that are not above 0 with an error that would end the program: a script's 0 is
+    // taken as the thinnest line GL draws.
+    glLineWidth(PositiveOrOne(m_lineWidth));
+    glPointSize(PositiveOrOne(m_pointSize));
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     DrawEntities();

@@ -337,3 +337,14 @@ TEST_F(WorldDrawing, WaterThatCannotBeBlendedByAConstantIsOpaqueAndSaysSoOnceARu
     DrawFrame();
     EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {26, 26, 255, 255}, 4));
 }
+
+TEST_F(WorldDrawing, LineAndPointSizesThatGLRefusesDrawThinInsteadOfFailingTheFrame)
+{
+    AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(0, 0), math::Vec4(1, 0, 0, 1));
+    m_app.m_lineWidth = 0.0f;
+    m_app.m_pointSize = -3.0f;
+    EXPECT_NO_THROW(DrawFrame());
+    m_app.m_lineWidth = 4.0f;
+    m_app.m_pointSize = 4.0f;
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {255, 0, 0, 255}));
+}
