@@ -62,7 +62,8 @@ GUI::GUI()
     input->AddListener(this);
     input::Input::SetSettings(this);
     m_defaultCursor = rendering::TextureManager::GetInstancePtr()->Load(
-        util::FileSystem::GetInstancePtr()->CursorDir() + "mouse", rendering::TextureManager::DefaultImageType());
+        util::FileSystem::GetInstancePtr()->CursorDir() + "mouse",
+        rendering::TextureManager::DefaultImageType());
     m_cursor = m_defaultCursor;
 
     m_mainComponent = QLEX_NEW new Component();
@@ -123,7 +124,8 @@ void GUI::OnScaleChange()
     const float scale = m_scale;
     // Dividing by such a scale would put the whole interface and the mouse at infinity.
     if (!(std::isfinite(scale) && scale > 0.0f))
-        Log(logging::Warning, "GUI.scale must be a number above 0; the interface keeps to a scale of 1 until it is");
+        Log(logging::Warning,
+            "GUI.scale must be a number above 0; the interface keeps to a scale of 1 until it is");
     OnNewWindowSize(m_windowWidth, m_windowHeight);
 }
 

@@ -62,7 +62,8 @@ protected:
     // A still box of the given colour in the scene.
     static util::SharedPtr<app::BoxEntity> AddBox(math::Vec2 size, math::Vec2 pos, math::Vec4 color)
     {
-        util::SharedPtr<app::BoxEntity> box = QLEX_NEW new app::BoxEntity(QLEX_NEW new physics::Box(size, pos));
+        util::SharedPtr<app::BoxEntity> box =
+            QLEX_NEW new app::BoxEntity(QLEX_NEW new physics::Box(size, pos));
         box->SetColor(color);
         app::Scene::GetInstancePtr()->AddEntity(box);
         return box;
@@ -278,7 +279,8 @@ TEST_F(WorldDrawing, EntitiesInViewAreDrawnOverTheSkyInSceneOrderAndTheListEmpti
 
 TEST_F(WorldDrawing, AClonePreviewIsDrawnAtItsOffsetAsWellAsAtTheOriginal)
 {
-    util::SharedPtr<app::BoxEntity> box = AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(0, 0), math::Vec4(1, 0, 0, 1));
+    util::SharedPtr<app::BoxEntity> box =
+        AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(0, 0), math::Vec4(1, 0, 0, 1));
     box->m_cloneOffset = math::Vec2(-0.8f, 0);
     DrawFrame();
     EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {255, 0, 0, 255}));
@@ -295,20 +297,20 @@ TEST_F(WorldDrawing, WaterBehindASeeThroughBodyIsErasedOnlyIfTheBodyKeepsWaterOu
 {
     FillWater(math::Vec2(-0.6f, -0.6f), math::Vec2(0.6f, 0.6f));
     // Fully transparent fills: only the water (or the lack of it) shows inside them.
-    util::SharedPtr<app::BoxEntity> dry =
-        AddBox(math::Vec2(0.5f, 0.5f), math::Vec2(-0.3f, 0), math::Vec4(1, 0, 0, 0));
-    util::SharedPtr<app::BoxEntity> wet = AddBox(math::Vec2(0.5f, 0.5f), math::Vec2(0.3f, 0), math::Vec4(1, 0, 0, 0));
+    AddBox(math::Vec2(0.5f, 0.5f), math::Vec2(-0.3f, 0), math::Vec4(1, 0, 0, 0));
+    util::SharedPtr<app::BoxEntity> wet =
+        AddBox(math::Vec2(0.5f, 0.5f), math::Vec2(0.3f, 0), math::Vec4(1, 0, 0, 0));
     wet->GetGeom()->SetWaterCollide(false);
     DrawFrame();
     EXPECT_TRUE(ColorNear(PixelAtWorld({-0.3f, 0}), SKY, 4));
     EXPECT_TRUE(ColorNear(PixelAtWorld({0.3f, 0}), WaterOverSky(), 4));
     EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0.5f}), WaterOverSky(), 4));
-    (void)dry;
 }
 
 TEST_F(WorldDrawing, TheSelectionsBoxIsOutlinedInHalfBlueWhenAskedFor)
 {
-    util::SharedPtr<app::BoxEntity> box = AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(0, 0), math::Vec4(1, 0, 0, 1));
+    util::SharedPtr<app::BoxEntity> box =
+        AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(0, 0), math::Vec4(1, 0, 0, 1));
     app::Scene::GetInstancePtr()->SetSelection(QLEX_NEW new app::Group(app::EntityPtr(box)));
     m_app.m_drawSelectionOBB = true;
     DrawFrame();
@@ -328,8 +330,8 @@ TEST_F(WorldDrawing, WaterThatCannotBeBlendedByAConstantIsOpaqueAndSaysSoOnceARu
     const std::string message = "Water transparency not supported by your computer. Try switching on shaders "
                                 "(anti-aliasing in the options menu), or upgrade your graphics drivers.";
     const size_t count = size_t(std::count_if(s_warningTexts.begin(), s_warningTexts.end(),
-                                               [&](const std::string& text)
-                                               { return text.find(message) != std::string::npos; }));
+                                              [&](const std::string& text)
+                                              { return text.find(message) != std::string::npos; }));
     EXPECT_EQ(count, rendering::HasBlendColor() ? 0u : 1u);
 
     // Opaque water needs no constant: no message, whatever the computer.

@@ -206,7 +206,8 @@ TEST_F(XWindowTest, ACursorOfOurOwnIsDrawnCentredOnTheMouseAndANullOneGivesTheSy
     for (unsigned y = 0; y < 32; ++y)
         for (unsigned x = 0; x < 32; ++x)
             (*red)(x, y) = rendering::PixelRGBA(255, 0, 0, 255);
-    gui->SetCursor(rendering::TextureManager::GetInstancePtr()->Load(red, rendering::TextureManager::DefaultImageType()));
+    gui->SetCursor(rendering::TextureManager::GetInstancePtr()->Load(
+        red, rendering::TextureManager::DefaultImageType()));
 
     SDL_Event motion{};
     motion.type = SDL_MOUSEMOTION;
