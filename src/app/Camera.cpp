@@ -1,11 +1,15 @@
 #include "app/Camera.h"
 
+#include "app/Group.h"
+#include "app/entities/FiniteGeomEntity.h"
 #include "logging/Log.h"
+#include "physics/Geom.h"
 
 #include "util/Profiler.h"
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace app
 {
@@ -106,6 +110,23 @@ void Camera::Reset()
     m_pan = math::Vec2(0, 0);
     m_trackedSource = nullptr;
     OnChange();
+}
+
+math::Vec2 Camera::GetGroupCenter(const util::SharedPtr<Group>& group)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const math::Vec2 none(nan, nan);
+    if (!group)
+        return none;
+    if (group->Size() == 1)
+    {
+        if (const auto* shape = dynamic_cast<const FiniteGeomEntity*>(group->GetFirst().get()))
+            return shape->GetGeom()->GetPosition();
+    }
+    const math::BoundingBox2 box = group->CalcFiniteAABB();
+    if (box.IsEmpty() || !box.IsFinite())
+        return none;
+    return box.GetCenter();
 }
 
 void Camera::SetTracked(CenterSource source)

@@ -347,7 +347,7 @@ void Scene::SetTrackedGroup(const GroupPtr& group)
             util::SharedPtr<Group> tracked = weak.lock();
             if (!tracked || tracked->IsEmpty())
                 return math::Vec2(math::INF, math::INF);
-            return tracked->CalcCenterByWeight();
+            return Camera::GetGroupCenter(tracked);
         });
 }
 
