@@ -53,6 +53,13 @@ protected:
         m_app.GetCamera().SetZoom(100);
         m_app.m_waterColor = math::Vec4(0.1f, 0.1f, 1.0f, 0.7f);
     }
+    // The sink writes into this suite's own list, which must not outlive it.
+    static void TearDownTestSuite()
+    {
+        if (s_warnings)
+            logging::Logger::GetInstancePtr()->RemoveLogger(s_warnings);
+        s_warnings = nullptr;
+    }
     void TearDown() override
     {
         physics::Simulation::GetInstancePtr()->EraseWater();
