@@ -3,7 +3,9 @@
 
 #include "app/AppGUI.h"
 #include "app/Camera.h"
+#include "app/Group.h"
 #include "app/Scene.h"
+#include "app/entities/GeomEntity.h"
 #include "core/ProgramFiles.h"
 #include "gui/GUI.h"
 #include "input/Input.h"
@@ -31,6 +33,25 @@ namespace app
 {
 namespace
 {
+
+float PositiveOrOne(float value)
+{
+    return std::isfinite(value) && value > 0 ? value : 1.0f;
+}
+
+// Inside the entity's scale preview, when a scale drag is under way.
+void DrawWithScaleTransform(const Entity& entity)
+{
+    if (!entity.HasScaleTransform())
+    {
+        entity.Draw();
+        return;
+    }
+    glPushMatrix();
+    math::Mat4FromMat2D(entity.m_scaleTransform).MultToGL();
+    entity.Draw();
+    glPopMatrix();
+}
 // Keyboard panning, in GUI units per second.
 constexpr float KEY_PAN_SPEED = 400.0f;
 constexpr float CM_PER_INCH = 2.54f;
@@ -168,6 +189,37 @@ void App::Update(float dt)
         m_contacts = physics::Simulation::GetInstancePtr()->GetContacts();
     }
     QLEX_ASSERT(math::IsFinite(GetMousePos()));
+    ServeMirrorRequests();
+}
+
+void App::MirrorMe(input::ButtonInput button, EntityPtr entity)
+{
+    if (!entity)
+        return;
+    m_mirrorRequests[button].insert(entity);
+}
+
+void App::ServeMirrorRequests()
+{
+    util::ScopeProfiler profile("Mirror requests");
+    // Taken out first: mirroring may run callbacks that ask again, for the next frame.
+    util::HashMap<input::ButtonInput, EntitySet, input::ButtonInput::Hasher> requests;
+    requests.swap(m_mirrorRequests);
+    for (const auto& request : requests)
+    {
+        util::ScopeProfiler serving("Serving?");
+        // Entities that share the key turn about one axis together, as one thing. One that left the scene
+        // in this frame (its destroy key, say) is not brought back by being mirrored.
+        Scene& scene = *Scene::GetInstancePtr();
+        const GroupPtr group = QLEX_NEW new Group();
+        for (const EntityPtr& entity : request.second)
+        {
+            if (scene.HasEntity(entity))
+                group->Add(entity);
+        }
+        if (!group->IsEmpty())
+            scene.MirrorLongestAxis(group);
+    }
 }
 
 void App::PanWithArrowKeys(float dt)
@@ -210,7 +262,7 @@ math::Vec2 App::GetMousePos() const
 
 float App::GetPixelSize() const
 {
-    return GetCamera().GUIToWorld()(0, 0) / gui::GUI::GetInstancePtr()->m_scale;
+    return GetCamera().GUIToWorld()(0, 0) / gui::GUI::GetInstancePtr()->GetScale();
 }
 
 float App::GetScreenCM() const
@@ -261,6 +313,17 @@ math::Vec4 App::RandomEntityColor4()
     return math::Vec4(color.x, color.y, color.z, 1.0f);
 }
 
+math::Vec4 App::GetBorderColor(const Entity* entity) const
+{
+    QLEX_ASSERT(entity);
+    const math::Vec4& c = entity->m_color;
+    if (entity->m_selectedLook)
+        return entity->m_markedLook ? math::Vec4(0.8f, 0.8f, 0.8f, 1) : math::Vec4(1, 1, 1, 1);
+    if (entity->m_markedLook)
+        return math::Vec4(0.2f, 0.2f, 0.2f, 1);
+    return math::Vec4(c.x / 2, c.y / 2, c.z / 2, c.w);
+}
+
 WorldBox App::CalcViewBox() const
 {
     return app::CalcViewBox(GetCamera(), GetInnerSize());
@@ -293,14 +356,9 @@ void App::DrawComp() const
     gui::Component::DrawComp();
     const_cast<App*>(this)->SyncViewSize();
     rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
-    // The interface around this component sets GL's colour without the renderer.
-    renderer.InvalidateColor();
     const Camera& camera = GetCamera();
 
-    {
-        // No entities exist yet; the view box is what their culling will test.
-        util::ScopeProfiler culling("Culling");
-    }
+    FillDrawList();
     const std::vector<WaterParticle> water = GatherWater();
     if (!water.empty() && !m_simpleWater)
         DrawMetaTex(water);
@@ -350,14 +408,13 @@ void App::DrawComp() const
 
     glDepthMask(GL_TRUE);
     math::Mat4FromMat2D(camera.WorldToGUI()).MultToGL();
-    glLineWidth(m_lineWidth);
-    glPointSize(m_pointSize);
+    // GL refuses widths that are not above 0 with an error that would end the program: a script's 0 is
+    // taken as the thinnest line GL draws.
+    glLineWidth(PositiveOrOne(m_lineWidth));
+    glPointSize(PositiveOrOne(m_pointSize));
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    {
-        util::ScopeProfiler entities("Entities");
-        rendering::ColorPusher color;
-    }
+    DrawEntities();
     DrawDebugOverlays(water);
 
     renderer.SetColor4(1, 1, 1, 1);
@@ -366,7 +423,82 @@ void App::DrawComp() const
         const math::TVector2<int> viewport = renderer.GetViewportSize();
         m_frameTexture->Copy(std::min(viewport.x, BIG_TEXTURE_SIZE), std::min(viewport.y, BIG_TEXTURE_SIZE));
     }
+    m_drawList.clear();
     glPopMatrix();
+}
+
+void App::FillDrawList() const
+{
+    util::ScopeProfiler culling("Culling");
+    const WorldBox view = CalcViewBox();
+    m_drawList.clear();
+    // A shape under a scale drag or with a clone preview may be drawn where its own box isn't.
+    for (const EntityPtr& entity : Scene::GetInstancePtr()->GetEntities())
+    {
+        if (entity->IsInView(view) || entity->HasScaleTransform() || entity->m_cloneOffset)
+            m_drawList.push_back(entity);
+    }
+}
+
+void App::DrawEntities() const
+{
+    util::ScopeProfiler profile("Entities");
+    const Scene& scene = *Scene::GetInstancePtr();
+    if (IsMouseOverInner())
+    {
+        util::ScopeProfiler mouseOver("Mouse-over");
+        const GroupPtr marked = scene.GetSelectionAt(GetMousePos());
+        for (const EntityPtr& entity : m_drawList)
+            entity->m_markedLook = marked && marked->Contains(entity);
+    }
+
+    rendering::ColorPusher color;
+    glPushMatrix();
+    // Every entity, and every clone preview, one step nearer than the last: later ones lie on top, and
+    // all of them stay inside the depth range.
+    const float zStep = 1.0f / (2.0f * static_cast<float>(m_drawList.size()) + 3.0f);
+    glDisable(GL_DEPTH_TEST);
+    glDepthFunc(GL_LESS);
+    const GroupPtr& selection = scene.GetSelection();
+    const bool ctrl = input::Input::GetInstancePtr()->CheckModifier(input::Ctrl);
+    for (const EntityPtr& entity : m_drawList)
+    {
+        util::ScopeProfiler draw("Entity::Draw");
+        glTranslatef(0, 0, zStep);
+        const bool selected = selection && selection->Contains(entity);
+        // While a clone is dragged, the original looks selected only if Ctrl keeps it in the selection.
+        entity->m_selectedLook = entity->m_cloneOffset ? selected && ctrl : selected;
+        DrawWithScaleTransform(*entity);
+        if (entity->m_cloneOffset)
+        {
+            glTranslatef(0, 0, zStep);
+            entity->m_selectedLook = true;
+            glPushMatrix();
+            glTranslatef(entity->m_cloneOffset->x, entity->m_cloneOffset->y, 0);
+            DrawWithScaleTransform(*entity);
+            glPopMatrix();
+        }
+    }
+    glPopMatrix();
+}
+
+void App::DrawSelectionOBB() const
+{
+    const GroupPtr& selection = Scene::GetInstancePtr()->GetSelection();
+    if (!selection)
+        return;
+    const math::OBB2D box = selection->CalcFiniteOBB();
+    const float area = box.Area();
+    if (!(math::IsFinite(area) && area > 0))
+        return;
+    math::Vec2 corners[4];
+    box.CalcCorners(corners);
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    renderer.SetColor4(0, 0, 1, 0.5f);
+    glBegin(GL_QUADS);
+    for (const math::Vec2& corner : corners)
+        renderer.Vertex(corner);
+    glEnd();
 }
 
 void App::DrawWater(const std::vector<WaterParticle>& particles) const
@@ -454,10 +586,18 @@ void App::DrawMetaTex(const std::vector<WaterParticle>& particles) const
             glBindTexture(GL_TEXTURE_2D, 0);
         }
         {
-            // Half-transparent bodies that water can't enter are drawn black here once entities exist.
+            // Water behind a see-through body that it can't enter would show through it: its field is
+            // erased there. An opaque body covers the water by itself later.
             util::ScopeProfiler black("Drawing black bodies");
             renderer.SetColor4(0, 0, 0, 0);
             glDisable(GL_BLEND);
+            for (const EntityPtr& entity : m_drawList)
+            {
+                const GeomEntity* geomEntity = dynamic_cast<const GeomEntity*>(entity.get());
+                if (geomEntity && geomEntity->m_color.w < 1.0f && geomEntity->GetGeom() &&
+                    geomEntity->GetGeom()->GetWaterCollide())
+                    geomEntity->DrawBlack();
+            }
         }
         const math::TVector2<int> viewport = renderer.GetViewportSize();
         m_waterTexture->Copy(std::min(viewport.x, BIG_TEXTURE_SIZE), std::min(viewport.y, BIG_TEXTURE_SIZE));
@@ -469,6 +609,8 @@ void App::DrawMetaTex(const std::vector<WaterParticle>& particles) const
 void App::DrawDebugOverlays(const std::vector<WaterParticle>& particles) const
 {
     glDisable(GL_TEXTURE_2D);
+    if (m_drawSelectionOBB)
+        DrawSelectionOBB();
     if (m_drawBodyCenters)
         DrawBodyCenters();
     if (m_drawParticleCenters)

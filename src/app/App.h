@@ -2,6 +2,7 @@
 
 #include "app/Background.h"
 #include "app/WaterDrawer.h"
+#include "app/entities/Entity.h"
 #include "gui/components/Component.h"
 #include "math/Math.h"
 #include "rendering/Texture.h"
@@ -58,6 +59,13 @@ public:
     math::Vec3 RandomColor3();
     // A random colour that stands out from the sky: never too dark, never close to the sky colour.
     math::Vec4 RandomEntityColor4();
+    // The colour of an entity's outline, from its colour and its selected and marked looks.
+    math::Vec4 GetBorderColor(const Entity* entity) const;
+    // Asks for the entity to be mirrored in this frame's update, together with every other entity whose
+    // mirror key is the same button, about one axis.
+    void MirrorMe(input::ButtonInput button, EntityPtr entity);
+    // The entities of the frame being drawn: empty outside DrawComp.
+    const std::vector<EntityPtr>& GetDrawList() const { return m_drawList; }
 
     Background& GetBackground() const { return *m_background; }
     AppGUI& GetAppGUI() const { return *m_appGUI; }
@@ -128,8 +136,14 @@ private:
     void DrawParticleCenters(const std::vector<WaterParticle>& particles) const;
     void DrawParticleNeighbors() const;
     void DrawCollisions() const;
+    void FillDrawList() const;
+    void DrawEntities() const;
+    void DrawSelectionOBB() const;
+    void ServeMirrorRequests();
     math::Vec2 BigTextureCoords() const;
 
+    // Rebuilt in each DrawComp from the entities in view, and emptied at its end.
+    mutable std::vector<EntityPtr> m_drawList;
     std::vector<util::SharedPtr<physics::Contact>> m_contacts;
     util::SharedPtr<Background> m_background;
     util::SharedPtr<AppGUI> m_appGUI;
@@ -142,6 +156,7 @@ private:
     rendering::TextureProxy m_simpleWaterTexture;
     util::Random m_random;
     bool m_firstTime = false;
+    util::HashMap<input::ButtonInput, EntitySet, input::ButtonInput::Hasher> m_mirrorRequests;
 };
 
 } // namespace app

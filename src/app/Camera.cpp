@@ -1,9 +1,15 @@
 #include "app/Camera.h"
 
+#include "app/Group.h"
+#include "app/entities/FiniteGeomEntity.h"
+#include "logging/Log.h"
+#include "physics/Geom.h"
+
 #include "util/Profiler.h"
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace app
 {
@@ -32,6 +38,12 @@ void Camera::OnChange()
     if (math::IsNaN(m_zoom))
         m_zoom = DEFAULT_ZOOM;
     m_zoom = std::clamp(m_zoom, MIN_ZOOM, MAX_ZOOM);
+    // A pan at infinity would put the mouse there too, and every tool with it.
+    if (!math::IsFinite(m_pan))
+    {
+        Log(logging::Warning, "Camera.pan must be finite; the view goes back to the middle of the world");
+        m_pan = math::Vec2(0, 0);
+    }
 }
 
 math::TMatrix3<float> Camera::WorldToGUI() const
@@ -98,6 +110,24 @@ void Camera::Reset()
     m_pan = math::Vec2(0, 0);
     m_trackedSource = nullptr;
     OnChange();
+}
+
+math::Vec2 Camera::GetGroupCenter(const util::SharedPtr<Group>& group)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const math::Vec2 none(nan, nan);
+    if (!group)
+        return none;
+    if (group->Size() == 1)
+    {
+        const auto* shape = dynamic_cast<const FiniteGeomEntity*>(group->GetFirst().get());
+        if (shape && shape->GetGeom())
+            return shape->GetGeom()->GetPosition();
+    }
+    const math::BoundingBox2 box = group->CalcFiniteAABB();
+    if (box.IsEmpty() || !box.IsFinite())
+        return none;
+    return box.GetCenter();
 }
 
 void Camera::SetTracked(CenterSource source)

@@ -3,11 +3,13 @@
 #include "math/Math.h"
 #include "script/AttribWrapper.h"
 #include "script/Reflected.h"
+#include "util/SharedPtr.h"
 
 #include <functional>
 
 namespace app
 {
+class Group;
 
 // The view: one pan and one zoom, no rotation, and the map between world and GUI coordinates that every
 // tool uses. World y points up, GUI y down. It can follow a moving target.
@@ -58,6 +60,9 @@ public:
     using CenterSource = std::function<math::Vec2()>;
     void SetTracked(CenterSource source);
     bool IsTracking() const { return bool(m_trackedSource); }
+    // The point of a group that following keeps in view: a lone finite shape's own position, else the
+    // middle of the group's finite box; NaN for a group with nothing finite to follow.
+    static math::Vec2 GetGroupCenter(const util::SharedPtr<Group>& group);
     // While the pan tool is in use the target doesn't move the view.
     void SetPanToolActive(bool active) { m_panToolActive = active; }
 

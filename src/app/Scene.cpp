@@ -353,32 +353,15 @@ void Scene::SetTrackedGroup(const GroupPtr& requested)
         [weak]() -> math::Vec2
         {
             util::SharedPtr<Group> tracked = weak.lock();
-            return tracked ? GetGroupCenter(tracked) : math::Vec2(math::INF, math::INF);
+            if (!tracked || tracked->IsEmpty())
+                return math::Vec2(math::INF, math::INF);
+            return Camera::GetGroupCenter(tracked);
         });
     // A group without a finite centre can't be followed, and is dropped.
     if (!m_camera->IsTracking())
         return;
     m_trackedGroup = group;
     m_groups.insert(group);
-}
-
-math::Vec2 Scene::GetGroupCenter(const GroupPtr& group)
-{
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    if (!group || group->IsEmpty())
-        return math::Vec2(nan, nan);
-    if (group->Size() == 1)
-    {
-        if (FiniteGeomEntity* shape = dynamic_cast<FiniteGeomEntity*>(group->GetFirst().get()))
-        {
-            if (shape->GetGeom())
-                return shape->GetGeom()->GetPosition();
-        }
-    }
-    const math::BoundingBox2 box = group->CalcFiniteAABB();
-    if (IsFiniteBox(box) && !box.IsEmpty())
-        return box.GetCenter();
-    return math::Vec2(nan, nan);
 }
 
 GroupPtr Scene::GetSelectionAt(math::Vec2 p) const

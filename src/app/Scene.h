@@ -88,9 +88,6 @@ public:
     // What the camera follows: null for nothing.
     const GroupPtr& GetTrackedGroup() const { return m_trackedGroup; }
     void SetTrackedGroup(const GroupPtr& group);
-    // The point the camera keeps in place while following a group: a lone shape's position, otherwise the
-    // middle of the finite boxes; NaN when there is none.
-    static math::Vec2 GetGroupCenter(const GroupPtr& group);
 
     // Geometry operations.
     GroupPtr Widen(const GroupPtr& group) const;

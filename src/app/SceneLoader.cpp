@@ -1,6 +1,7 @@
 #include "app/SceneLoader.h"
 
 #include "app/FileInfo.h"
+#include "app/Camera.h"
 #include "app/Scene.h"
 #include "app/SceneFiles.h"
 #include "app/Serializer.h"
@@ -93,7 +94,7 @@ void SceneLoader::Load()
         if (scene->GetCamera()->GetPan() == PAN_SENTINEL)
         {
             scene->ZoomToScene();
-            const math::Vec2 center = Scene::GetGroupCenter(scene->GetTrackedGroup());
+            const math::Vec2 center = Camera::GetGroupCenter(scene->GetTrackedGroup());
             if (scene->GetCamera()->IsTracking() && math::IsFinite(center))
                 scene->GetCamera()->SetPan(center);
         }

@@ -1,17 +1,26 @@
 #include "gui/GUI.h"
 
-#include "gui/GuiRenderer.h"
 #include "gui/LookAndFeel.h"
 #include "input/Input.h"
+#include "rendering/AttribPusher.h"
+#include "rendering/Renderer.h"
+#include "rendering/TextureManager.h"
+#include "util/FileSystem.h"
 #include "util/Profiler.h"
 
 #include <GL/gl.h>
+
+#include <cmath>
 
 namespace gui
 {
 
 namespace
 {
+// Every attribute group GL has: the interface leaves GL as it found it.
+const GLbitfield ALL_ATTRIB_BITS = 0xFFFFF;
+// The side of the cursor's picture in GUI units; its centre is the hot spot.
+const float CURSOR_SIZE = 32.0f;
 
 // Hands unhandled key presses to the profiler, which walks its table with the numeric pad.
 class ProfilerKeyRelay : public input::InputListener
@@ -52,6 +61,10 @@ GUI::GUI()
     SetPriority(PRIORITY);
     input->AddListener(this);
     input::Input::SetSettings(this);
+    m_defaultCursor = rendering::TextureManager::GetInstancePtr()->Load(
+        util::FileSystem::GetInstancePtr()->CursorDir() + "mouse",
+        rendering::TextureManager::DefaultImageType());
+    m_cursor = m_defaultCursor;
 
     m_mainComponent = QLEX_NEW new Component();
     m_tooltipLayer = QLEX_NEW new Component();
@@ -89,7 +102,7 @@ math::Vec2 GUI::GetSize() const
 
 math::Vec2 GUI::PosFromPixel(int x, int y) const
 {
-    const float scale = m_scale;
+    const float scale = GetScale();
     return math::Vec2(static_cast<float>(x) / scale, static_cast<float>(y) / scale);
 }
 
@@ -100,8 +113,19 @@ void GUI::OnNewWindowSize(int width, int height)
     m_rootComponent->SetOuterSize(GetSize());
 }
 
+float GUI::GetScale() const
+{
+    const float scale = m_scale;
+    return std::isfinite(scale) && scale > 0.0f ? scale : 1.0f;
+}
+
 void GUI::OnScaleChange()
 {
+    const float scale = m_scale;
+    // Dividing by such a scale would put the whole interface and the mouse at infinity.
+    if (!(std::isfinite(scale) && scale > 0.0f))
+        Log(logging::Warning,
+            "GUI.scale must be a number above 0; the interface keeps to a scale of 1 until it is");
     OnNewWindowSize(m_windowWidth, m_windowHeight);
 }
 
@@ -125,10 +149,15 @@ void GUI::UpdateMouseOverComp()
     UpdateMouseOver(*m_rootComponent, true, m_rootComponent->GUIToLocal(mouse));
 }
 
+void GUI::SetCursor(rendering::TextureProxy cursor)
+{
+    m_cursor = cursor.GetMentor() ? cursor : m_defaultCursor;
+}
+
 void GUI::Begin()
 {
     const math::Vec2 size = GetSize();
-    glPushAttrib(0xFFFFF);
+    glPushAttrib(ALL_ATTRIB_BITS);
     glMatrixMode(GL_PROJECTION);
     glPushMatrix();
     glLoadIdentity();
@@ -140,7 +169,10 @@ void GUI::Begin()
     glEnable(GL_TEXTURE_2D);
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    GuiRenderer::SetColor4(math::Vec4(1.0f, 1.0f, 1.0f, m_opaqueness));
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    // Whatever was drawn before set GL's colour without telling the renderer.
+    renderer.InvalidateColor();
+    renderer.SetColor4(math::Vec4(1.0f, 1.0f, 1.0f, m_opaqueness));
 }
 
 void GUI::End()
@@ -151,6 +183,8 @@ void GUI::End()
     glPopMatrix();
     glMatrixMode(GL_MODELVIEW);
     glPopAttrib();
+    // The pop brought back GL's colour of before, behind the renderer's shadow.
+    rendering::Renderer::GetInstancePtr()->InvalidateColor();
 }
 
 void GUI::Draw()
@@ -159,16 +193,30 @@ void GUI::Draw()
     Begin();
     {
         util::ScopeProfiler tree("GUI");
-        glPushAttrib(0xFFFFF);
+        rendering::AttribPusher attribs(ALL_ATTRIB_BITS);
         glPushMatrix();
-        // Untextured until textures land: borders are flat colour.
+        // Borders are flat colour; a component that shows a picture binds and enables its texture.
         glDisable(GL_TEXTURE_2D);
         m_rootComponent->DrawCompAndChildren();
         glPopMatrix();
-        glPopAttrib();
     }
-    // No cursor textures yet: the operating system draws the mouse.
-    SDL_ShowCursor(SDL_ENABLE);
+    if (m_cursor == m_defaultCursor)
+        SDL_ShowCursor(SDL_ENABLE);
+    else
+    {
+        // In full screen the system's cursor is hidden anyway, and hiding it again can move it.
+        const SDL_Surface* screen = SDL_GetVideoSurface();
+        if (!screen || !(screen->flags & SDL_FULLSCREEN))
+            SDL_ShowCursor(SDL_DISABLE);
+        util::ScopeProfiler cursor("Drawing cursor");
+        rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+        renderer.SetColor4(1, 1, 1, 1);
+        glEnable(GL_TEXTURE_2D);
+        glBindTexture(GL_TEXTURE_2D, m_cursor->GetName());
+        const math::Vec2 size(CURSOR_SIZE, CURSOR_SIZE);
+        renderer.DrawRectGUI(input::Input::GetInstancePtr()->GetMousePos() - size * 0.5f, size);
+        glBindTexture(GL_TEXTURE_2D, 0);
+    }
     End();
 }
 

@@ -3,6 +3,7 @@
 #include "gui/components/Component.h"
 #include "input/InputListener.h"
 #include "input/InputSettings.h"
+#include "rendering/Texture.h"
 #include "script/AttribWrapper.h"
 #include "script/Reflected.h"
 #include "util/Callback.h"
@@ -55,6 +56,8 @@ public:
     script::AttribWrapper<float> m_opaqueness;
 
     void SetScale(float scale) { m_scale = scale; }
+    // Pixels per GUI unit in effect: the attribute, or 1 while the attribute is no positive number.
+    float GetScale() const;
     void SetFont(const util::String& font) { m_font = font; }
     // The fonts live with the resources, which know the GUI and not the other way round: they reload
     // through a callback here when "font" changes.
@@ -80,6 +83,12 @@ public:
     void End();
     void Draw();
 
+    // The picture drawn at the mouse. A null proxy, or the default cursor, leaves the mouse to the
+    // operating system.
+    void SetCursor(rendering::TextureProxy cursor);
+    const rendering::TextureProxy& GetCursor() const { return m_cursor; }
+    const rendering::TextureProxy& GetDefaultCursor() const { return m_defaultCursor; }
+
     const util::SharedPtr<Component>& GetRootComponent() const { return m_rootComponent; }
     const util::SharedPtr<Component>& GetMainComponent() const { return m_mainComponent; }
     const util::SharedPtr<Component>& GetTooltipLayer() const { return m_tooltipLayer; }
@@ -90,6 +99,8 @@ private:
     util::SharedPtr<Component> m_mainComponent;
     util::SharedPtr<Component> m_tooltipLayer;
     util::SharedPtr<input::InputListener> m_profilerKeys;
+    rendering::TextureProxy m_cursor;
+    rendering::TextureProxy m_defaultCursor;
     int m_windowWidth = 0;
     int m_windowHeight = 0;
 };

@@ -190,3 +190,69 @@ TEST(App, NewColoursStandOutFromTheSky)
     EXPECT_TRUE(dark);
     app.GetBackground().ResetToDefaults();
 }
+
+TEST(App, EntitiesSharingAMirrorKeyTurnAsOneGroupInThatFramesUpdate)
+{
+    app::App& app = TheApp();
+    physics::testing::ResetWorld();
+    app::Scene& scene = *app::Scene::GetInstancePtr();
+    auto addSquare = [&](float size, float x)
+    {
+        util::SharedPtr<app::BoxEntity> square =
+            QLEX_NEW new app::BoxEntity(QLEX_NEW new physics::Box(math::Vec2(size, size), math::Vec2(x, 0)));
+        scene.AddEntity(square);
+        return square;
+    };
+    // Each square alone would mirror onto itself; together they change sides along their long axis.
+    util::SharedPtr<app::BoxEntity> small = addSquare(0.2f, -1.0f);
+    util::SharedPtr<app::BoxEntity> large = addSquare(0.6f, 1.0f);
+    input::ButtonInput key;
+    key.AddKey(SDLK_m);
+    app.MirrorMe(key, small);
+    app.MirrorMe(key, large);
+    app.MirrorMe(key, large);
+    // Mirroring puts new entities in the place of the old: they are told apart by their size.
+    auto centreOf = [&](bool wantSmall)
+    {
+        for (const app::EntityPtr& entity : scene.GetEntities())
+            if ((entity->GetAABB().GetSize().x < 0.4f) == wantSmall)
+                return entity->GetAABB().GetCenter().x;
+        return math::INF;
+    };
+    app.Update(0);
+    ASSERT_EQ(scene.GetEntities().size(), 2u);
+    const float smallX = centreOf(true);
+    const float largeX = centreOf(false);
+    EXPECT_GT(smallX, 0.5f);
+    EXPECT_LT(largeX, -0.5f);
+
+    // Served once: the next frame has no request left.
+    app.Update(0);
+    EXPECT_NEAR(centreOf(true), smallX, 1e-5f);
+    EXPECT_NEAR(centreOf(false), largeX, 1e-5f);
+    // One that has left the scene stays out of it.
+    util::SharedPtr<app::BoxEntity> gone = addSquare(0.2f, 3.0f);
+    scene.RemoveEntity(gone);
+    app.MirrorMe(key, gone);
+    app.Update(0);
+    EXPECT_EQ(scene.GetEntities().size(), 2u);
+    EXPECT_FALSE(scene.HasEntity(gone));
+
+    scene.ClearScene();
+    physics::testing::ResetWorld();
+}
+
+TEST(App, OutlinesShowTheSelectedAndMarkedLooks)
+{
+    app::App& app = TheApp();
+    util::SharedPtr<app::BoxEntity> box =
+        QLEX_NEW new app::BoxEntity(QLEX_NEW new physics::Box(math::Vec2(1, 1), math::Vec2(0, 0)));
+    box->SetColor(math::Vec4(0.6f, 0.4f, 0.2f, 0.5f));
+    EXPECT_EQ(app.GetBorderColor(box.get()), math::Vec4(0.3f, 0.2f, 0.1f, 0.5f));
+    box->m_markedLook = true;
+    EXPECT_EQ(app.GetBorderColor(box.get()), math::Vec4(0.2f, 0.2f, 0.2f, 1));
+    box->m_selectedLook = true;
+    EXPECT_EQ(app.GetBorderColor(box.get()), math::Vec4(0.8f, 0.8f, 0.8f, 1));
+    box->m_markedLook = false;
+    EXPECT_EQ(app.GetBorderColor(box.get()), math::Vec4(1, 1, 1, 1));
+}

@@ -1,4 +1,8 @@
 #include "app/Camera.h"
+#include "app/Group.h"
+#include "app/Scene.h"
+#include "app/entities/BoxEntity.h"
+#include "physics/Box.h"
 
 #include <gtest/gtest.h>
 
@@ -74,6 +78,21 @@ TEST(Camera, ZoomIsClampedToItsLimits)
     EXPECT_EQ(camera.GetZoom(), Camera::DEFAULT_ZOOM);
 }
 
+TEST(Camera, APanThatIsNotFiniteReturnsTheViewToTheMiddle)
+{
+    Camera camera;
+    camera.SetPan({std::nanf(""), 2});
+    ExpectNear(camera.GetPan(), {0, 0}, 0);
+    camera.SetPan({3, INFINITY});
+    ExpectNear(camera.GetPan(), {0, 0}, 0);
+    // A matrix that maps everything to one point has no pan to give.
+    camera.SetPan({3, 4});
+    camera.SetWorldToGUI(math::TMatrix3<float>::Scale2D(math::Vec2(0, 0)));
+    EXPECT_EQ(camera.GetZoom(), 1.5f);
+    EXPECT_TRUE(math::IsFinite(camera.GetPan()));
+    EXPECT_TRUE(math::IsFinite(camera.GUIToWorld(math::Vec2(10, 10))));
+}
+
 TEST(Camera, SettingItsOwnMatrixChangesNothingAndAForeignOneIsReadBack)
 {
     Camera camera;
@@ -144,4 +163,22 @@ TEST(Camera, FollowingKeepsTheOffsetAndEndsWhenTheTargetIsGone)
 
     camera.SetTracked([] { return math::Vec2(std::nanf(""), 0); });
     EXPECT_FALSE(camera.IsTracking());
+}
+
+TEST(Camera, AGroupIsFollowedByItsLoneShapesPositionOrTheMiddleOfItsBox)
+{
+    auto box = [](math::Vec2 size, math::Vec2 pos) -> app::EntityPtr
+    { return QLEX_NEW new app::BoxEntity(QLEX_NEW new physics::Box(size, pos)); };
+    const app::EntityPtr small = box({0.2f, 0.2f}, {-1, 0});
+    const app::EntityPtr large = box({2.0f, 2.0f}, {3, 0});
+    ExpectNear(Camera::GetGroupCenter(QLEX_NEW new app::Group(small)), {-1, 0}, 1e-6f);
+
+    // The middle of the box around both, not their centre of mass, which the large one would pull over.
+    app::GroupPtr both = QLEX_NEW new app::Group(small);
+    both->Add(large);
+    ExpectNear(Camera::GetGroupCenter(both), {(-1.1f + 4.0f) / 2, 0}, 1e-5f);
+
+    const math::Vec2 none = Camera::GetGroupCenter(QLEX_NEW new app::Group());
+    EXPECT_TRUE(std::isnan(none.x) && std::isnan(none.y));
+    EXPECT_TRUE(std::isnan(Camera::GetGroupCenter(nullptr).x));
 }

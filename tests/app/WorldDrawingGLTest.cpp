@@ -2,7 +2,12 @@
 
 #include "app/App.h"
 #include "app/Camera.h"
+#include "app/Group.h"
+#include "app/Scene.h"
+#include "app/entities/BoxEntity.h"
 #include "gui/GUI.h"
+#include "logging/Log.h"
+#include "physics/Box.h"
 #include "physics/Contact.h"
 #include "physics/Particle.h"
 #include "physics/Simulation.h"
@@ -12,7 +17,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -26,6 +34,13 @@ protected:
     void SetUp() override
     {
         QLEX_OPEN_GL_WINDOW(s_window, WIDTH, HEIGHT);
+        // From the first test on, so that messages of every frame of the run are counted.
+        if (!s_warnings)
+        {
+            s_warnings = QLEX_NEW new logging::FunctionLogger(logging::Warning, [](const std::string& text)
+                                                              { s_warningTexts.push_back(text); });
+            logging::Logger::GetInstancePtr()->AddLogger(s_warnings);
+        }
         physics::Simulation::GetInstancePtr()->EraseWater();
         physics::Simulation::GetInstancePtr()->m_running = false;
         // In the interface's tree, as in the program: it fills the window.
@@ -38,7 +53,33 @@ protected:
         m_app.GetCamera().SetZoom(100);
         m_app.m_waterColor = math::Vec4(0.1f, 0.1f, 1.0f, 0.7f);
     }
-    void TearDown() override { physics::Simulation::GetInstancePtr()->EraseWater(); }
+    // The sink writes into this suite's own list, which must not outlive it.
+    static void TearDownTestSuite()
+    {
+        if (s_warnings)
+            logging::Logger::GetInstancePtr()->RemoveLogger(s_warnings);
+        s_warnings = nullptr;
+    }
+    void TearDown() override
+    {
+        physics::Simulation::GetInstancePtr()->EraseWater();
+        app::Scene::GetInstancePtr()->ClearScene();
+    }
+
+    // A still box of the given colour in the scene.
+    static util::SharedPtr<app::BoxEntity> AddBox(math::Vec2 size, math::Vec2 pos, math::Vec4 color)
+    {
+        util::SharedPtr<app::BoxEntity> box =
+            QLEX_NEW new app::BoxEntity(QLEX_NEW new physics::Box(size, pos));
+        box->SetColor(color);
+        app::Scene::GetInstancePtr()->AddEntity(box);
+        return box;
+    }
+    math::TVector4<int> PixelAtWorld(math::Vec2 world) const
+    {
+        const math::TVector2<int> p = PixelOf(world);
+        return s_window.ReadPixelFromTop(p.x, p.y);
+    }
 
     // One frame as the program makes it: the interface's update, then its drawing.
     void DrawFrame()
@@ -81,6 +122,8 @@ protected:
     }
 
     static GLTestWindow s_window;
+    inline static util::SharedPtr<logging::ILogger> s_warnings;
+    inline static std::vector<std::string> s_warningTexts;
     app::App& m_app = *app::App::GetInstancePtr();
 };
 GLTestWindow WorldDrawing::s_window;
@@ -221,4 +264,96 @@ TEST_F(WorldDrawing, CollisionsShowTheirContactPointsWhenAskedFor)
     EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(pixel.x, pixel.y), {255, 255, 255, 255}));
     m_app.m_drawCollisions = false;
     physics::testing::ResetWorld();
+}
+
+TEST_F(WorldDrawing, EntitiesInViewAreDrawnOverTheSkyInSceneOrderAndTheListEmptiesAfterTheFrame)
+{
+    AddBox(math::Vec2(1.0f, 0.6f), math::Vec2(-0.3f, 0), math::Vec4(1, 0, 0, 1));
+    // Added later, so on top where the two overlap.
+    AddBox(math::Vec2(1.0f, 0.6f), math::Vec2(0.3f, 0), math::Vec4(0, 1, 0, 1));
+    DrawFrame();
+    EXPECT_TRUE(ColorNear(PixelAtWorld({-0.6f, 0}), {255, 0, 0, 255}));
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0.6f, 0}), {0, 255, 0, 255}));
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {0, 255, 0, 255}));
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0.6f}), SKY));
+    EXPECT_TRUE(m_app.GetDrawList().empty());
+
+    // The same boxes seen from far away are out of view: only sky.
+    m_app.GetCamera().SetPan(math::Vec2(50, 0));
+    DrawFrame();
+    EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(WIDTH / 2, HEIGHT / 2), SKY));
+}
+
+TEST_F(WorldDrawing, AClonePreviewIsDrawnAtItsOffsetAsWellAsAtTheOriginal)
+{
+    util::SharedPtr<app::BoxEntity> box =
+        AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(0, 0), math::Vec4(1, 0, 0, 1));
+    box->m_cloneOffset = math::Vec2(-0.8f, 0);
+    DrawFrame();
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {255, 0, 0, 255}));
+    EXPECT_TRUE(ColorNear(PixelAtWorld({-0.8f, 0}), {255, 0, 0, 255}));
+    EXPECT_TRUE(ColorNear(PixelAtWorld({-0.4f, 0}), SKY));
+    // The preview always looks selected, with a white outline; the original, as nothing is selected,
+    // keeps the outline of half its colour.
+    const float inBorder = 0.015f;
+    EXPECT_TRUE(ColorNear(PixelAtWorld({-1.0f + inBorder, 0}), {255, 255, 255, 255}));
+    EXPECT_TRUE(ColorNear(PixelAtWorld({-0.2f + inBorder, 0}), {128, 0, 0, 255}));
+}
+
+TEST_F(WorldDrawing, WaterBehindASeeThroughBodyIsErasedOnlyIfTheBodyKeepsWaterOut)
+{
+    FillWater(math::Vec2(-0.6f, -0.6f), math::Vec2(0.6f, 0.6f));
+    // Fully transparent fills: only the water (or the lack of it) shows inside them.
+    AddBox(math::Vec2(0.5f, 0.5f), math::Vec2(-0.3f, 0), math::Vec4(1, 0, 0, 0));
+    util::SharedPtr<app::BoxEntity> wet =
+        AddBox(math::Vec2(0.5f, 0.5f), math::Vec2(0.3f, 0), math::Vec4(1, 0, 0, 0));
+    wet->GetGeom()->SetWaterCollide(false);
+    DrawFrame();
+    EXPECT_TRUE(ColorNear(PixelAtWorld({-0.3f, 0}), SKY, 4));
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0.3f, 0}), WaterOverSky(), 4));
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0.5f}), WaterOverSky(), 4));
+}
+
+TEST_F(WorldDrawing, TheSelectionsBoxIsOutlinedInHalfBlueWhenAskedFor)
+{
+    util::SharedPtr<app::BoxEntity> box =
+        AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(0, 0), math::Vec4(1, 0, 0, 1));
+    app::Scene::GetInstancePtr()->SetSelection(QLEX_NEW new app::Group(app::EntityPtr(box)));
+    m_app.m_drawSelectionOBB = true;
+    DrawFrame();
+    m_app.m_drawSelectionOBB = false;
+    // Half blue over the red fill, drawn after the entities.
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {128, 0, 128, 255}, 4));
+    EXPECT_TRUE(box->m_selectedLook);
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0.6f}), SKY));
+}
+
+TEST_F(WorldDrawing, WaterThatCannotBeBlendedByAConstantIsOpaqueAndSaysSoOnceARun)
+{
+    FillWater(math::Vec2(-0.3f, -0.3f), math::Vec2(0.3f, 0.3f));
+    DrawFrame();
+    DrawFrame();
+    logging::Logger::GetInstancePtr()->Update();
+    const std::string message = "Water transparency not supported by your computer. Try switching on shaders "
+                                "(anti-aliasing in the options menu), or upgrade your graphics drivers.";
+    const size_t count = size_t(std::count_if(s_warningTexts.begin(), s_warningTexts.end(),
+                                              [&](const std::string& text)
+                                              { return text.find(message) != std::string::npos; }));
+    EXPECT_EQ(count, rendering::HasBlendColor() ? 0u : 1u);
+
+    // Opaque water needs no constant: no message, whatever the computer.
+    m_app.m_waterColor = math::Vec4(0.1f, 0.1f, 1.0f, 1.0f);
+    DrawFrame();
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {26, 26, 255, 255}, 4));
+}
+
+TEST_F(WorldDrawing, LineAndPointSizesThatGLRefusesDrawThinInsteadOfFailingTheFrame)
+{
+    AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(0, 0), math::Vec4(1, 0, 0, 1));
+    m_app.m_lineWidth = 0.0f;
+    m_app.m_pointSize = -3.0f;
+    EXPECT_NO_THROW(DrawFrame());
+    m_app.m_lineWidth = 4.0f;
+    m_app.m_pointSize = 4.0f;
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {255, 0, 0, 255}));
 }

@@ -348,6 +348,21 @@ TEST(WobbleComponent, SwingsOpenFromItsTopEdgeAsTheIntegrationGives)
     ExpectVec(panel->GetOuterBB().GetMin(), 30, 20);
 }
 
+TEST(WobbleComponent, APanelWithoutExtentStaysUnsheared)
+{
+    for (bool horizontal : {false, true})
+    {
+        util::SharedPtr<WobbleComponent> panel = QLEX_NEW new WobbleComponent();
+        panel->SetHorizontal(horizontal);
+        panel->SetOuterPos(math::Vec2(10, 20));
+        panel->SetOuterPos(math::Vec2(40, 20));
+        panel->Update(0.05f);
+        for (int row = 0; row < 4; ++row)
+            for (int column = 0; column < 4; ++column)
+                EXPECT_EQ(panel->GetMatrix()(row, column), row == column ? 1.0f : 0.0f) << horizontal;
+    }
+}
+
 TEST(WobbleComponent, OffFollowsAtOnce)
 {
     util::SharedPtr<WobbleComponent> panel = QLEX_NEW new WobbleComponent();

@@ -93,6 +93,27 @@ TEST_F(GuiScript, ScaleSetByScriptResizesTheTreeAtOnce)
     ExpectVec(m_gui->GetRootComponent()->GetInnerSize(), 800, 600);
 }
 
+TEST_F(GuiScript, AScaleThatIsNoPositiveNumberIsWarnedOfAndTheInterfaceStaysFinite)
+{
+    std::vector<std::string> warnings;
+    util::SharedPtr<logging::ILogger> sink = QLEX_NEW new logging::FunctionLogger(
+        logging::Warning, [&warnings](const std::string& text) { warnings.push_back(text); });
+    logging::Logger::GetInstancePtr()->AddLogger(sink);
+    for (const char* bad : {"0", "-2"})
+    {
+        warnings.clear();
+        Run(std::string("GUI.scale = ") + bad);
+        logging::Logger::GetInstancePtr()->Update();
+        ASSERT_EQ(warnings.size(), 1u) << bad;
+        EXPECT_NE(warnings.front().find("GUI.scale must be a number above 0"), std::string::npos);
+        ExpectVec(m_gui->GetRootComponent()->GetInnerSize(), 400, 300);
+        ExpectVec(m_gui->PosFromPixel(100, 50), 100, 50);
+    }
+    logging::Logger::GetInstancePtr()->RemoveLogger(sink);
+    Run("GUI.scale = 2");
+    ExpectVec(m_gui->GetRootComponent()->GetInnerSize(), 200, 150);
+}
+
 TEST_F(GuiScript, ClickToleranceSetByScriptDecidesBetweenClickAndDrag)
 {
     ManualClock clock;

@@ -3,6 +3,10 @@
 
 #include "gui/GUI.h"
 #include "gui/components/SimpleBorder.h"
+#include "rendering/GLContext.h"
+#include "rendering/Image.h"
+#include "rendering/Renderer.h"
+#include "rendering/TextureManager.h"
 
 #include <gtest/gtest.h>
 
@@ -159,6 +163,83 @@ TEST_F(XWindowTest, DrawShowsABorderInTheGUIsOpaqueness)
     EXPECT_EQ(outside, (std::array<int, 3>{0, 0, 0}));
 
     gui->GetMainComponent()->RemoveAllComponents();
+}
+
+namespace
+{
+// Notes the renderer's colour at the moment it is drawn: what a picture drawn there would be tinted with.
+class ColorProbe : public Component
+{
+public:
+    void DrawComp() const override { m_seen = rendering::Renderer::GetInstancePtr()->GetColor4(); }
+    mutable math::Vec4 m_seen{-1, -1, -1, -1};
+};
+} // namespace
+
+TEST_F(XWindowTest, ComponentColoursReachTheRendererThatChildrenDrawWith)
+{
+    GUI* gui = GUI::GetInstancePtr();
+    util::SharedPtr<Component> panel = Box(60, 40);
+    panel->SetColor(math::Vec4(1, 0.5f, 0.25f, 1));
+    util::SharedPtr<ColorProbe> probe = QLEX_NEW new ColorProbe();
+    probe->SetColor(math::Vec4(0.5f, 1, 1, 0.5f));
+    panel->AddComponent(probe);
+    gui->GetMainComponent()->AddComponent(panel);
+
+    glViewport(0, 0, WINDOW_WIDTH, WINDOW_HEIGHT);
+    gui->Draw();
+    // The GUI's opaqueness of 0.9, the panel's colour and the probe's own, multiplied.
+    EXPECT_FLOAT_EQ(probe->m_seen.x, 0.5f);
+    EXPECT_FLOAT_EQ(probe->m_seen.y, 0.5f);
+    EXPECT_FLOAT_EQ(probe->m_seen.z, 0.25f);
+    EXPECT_FLOAT_EQ(probe->m_seen.w, 0.45f);
+
+    gui->GetMainComponent()->RemoveAllComponents();
+}
+
+TEST_F(XWindowTest, ACursorOfOurOwnIsDrawnCentredOnTheMouseAndANullOneGivesTheSystemsBack)
+{
+    GUI* gui = GUI::GetInstancePtr();
+    EXPECT_EQ(gui->GetCursor(), gui->GetDefaultCursor());
+    GLHasLoaded();
+    rendering::ImageRGBA32Ptr red = QLEX_NEW new rendering::ImageRGBA32(32, 32, true);
+    for (unsigned y = 0; y < 32; ++y)
+        for (unsigned x = 0; x < 32; ++x)
+            (*red)(x, y) = rendering::PixelRGBA(255, 0, 0, 255);
+    gui->SetCursor(rendering::TextureManager::GetInstancePtr()->Load(
+        red, rendering::TextureManager::DefaultImageType()));
+
+    SDL_Event motion{};
+    motion.type = SDL_MOUSEMOTION;
+    motion.motion.x = 100;
+    motion.motion.y = 80;
+    input::Input::GetInstancePtr()->HandleEvent(motion);
+    glViewport(0, 0, WINDOW_WIDTH, WINDOW_HEIGHT);
+    glClearColor(0, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    gui->Draw();
+    glFinish();
+    auto red_at = [](int x, int y)
+    {
+        unsigned char rgba[4] = {};
+        glReadPixels(x, WINDOW_HEIGHT - 1 - y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+        return rgba[0];
+    };
+    // 32 units wide about the mouse, in full colour whatever the GUI's opaqueness.
+    EXPECT_EQ(red_at(100, 80), 255);
+    EXPECT_EQ(red_at(85, 65), 255);
+    EXPECT_EQ(red_at(114, 95), 255);
+    EXPECT_EQ(red_at(82, 80), 0);
+    EXPECT_EQ(red_at(100, 98), 0);
+    EXPECT_EQ(SDL_ShowCursor(SDL_QUERY), SDL_DISABLE);
+
+    gui->SetCursor(rendering::TextureProxy());
+    EXPECT_EQ(gui->GetCursor(), gui->GetDefaultCursor());
+    glClear(GL_COLOR_BUFFER_BIT);
+    gui->Draw();
+    glFinish();
+    EXPECT_EQ(red_at(100, 80), 0);
+    EXPECT_EQ(SDL_ShowCursor(SDL_QUERY), SDL_ENABLE);
 }
 
 namespace

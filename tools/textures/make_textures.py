@@ -3,7 +3,8 @@
 
 Usage: make_textures.py OUTPUT_TEXTURE_DIR
 
-Writes background/cloud0.png .. cloud{N-1}.png and simpleWater.png below the given folder. Everything is
+Writes background/cloud0.png .. cloud{N-1}.png, simpleWater.png and cursors/mouse.png below the given
+folder. Everything is
 computed from a fixed seed, so that every build makes the same pictures.
 """
 
@@ -17,6 +18,7 @@ import zlib
 CLOUD_COUNT = 4
 CLOUD_SIZE = 128
 WATER_SPRITE_SIZE = 64
+CURSOR_SIZE = 32
 
 
 def write_png(path, width, height, rows):
@@ -124,6 +126,30 @@ def water_sprite(size):
     return rows
 
 
+def cursor(size):
+    """A white cross with a black rim, its centre at the middle of the picture: the interface draws a
+    cursor centred on the mouse, so the hot spot is the middle."""
+    centre = (size - 1) / 2.0
+    arm = size / 2.0 - 2.0
+    rows = []
+    for j in range(size):
+        row = []
+        for i in range(size):
+            dx, dy = abs(i - centre), abs(j - centre)
+            # Distance outside the cross of two bars 3 pixels thick, rounded at their ends, in pixels.
+            bar_x = max(dx - 1.5, 0.0) if dy <= arm else math.hypot(max(dx - 1.5, 0.0), dy - arm)
+            bar_y = max(dy - 1.5, 0.0) if dx <= arm else math.hypot(max(dy - 1.5, 0.0), dx - arm)
+            outside = min(bar_x, bar_y)
+            if outside <= 0.0:
+                row.append((255, 255, 255, 255))
+            elif outside <= 1.5:
+                row.append((0, 0, 0, 255))
+            else:
+                row.append((0, 0, 0, 0))
+        rows.append(row)
+    return rows
+
+
 def main(argv):
     if len(argv) != 2:
         sys.stderr.write(__doc__)
@@ -134,6 +160,7 @@ def main(argv):
                   cloud(1000 + index, CLOUD_SIZE))
     write_png(os.path.join(out, "simpleWater.png"), WATER_SPRITE_SIZE, WATER_SPRITE_SIZE,
               water_sprite(WATER_SPRITE_SIZE))
+    write_png(os.path.join(out, "cursors", "mouse.png"), CURSOR_SIZE, CURSOR_SIZE, cursor(CURSOR_SIZE))
     return 0
 
 

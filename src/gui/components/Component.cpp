@@ -1,12 +1,13 @@
 #include "gui/components/Component.h"
 
 #include "gui/GUI.h"
-#include "gui/GuiRenderer.h"
 #include "gui/LookAndFeel.h"
 #include "gui/components/ListLayout.h"
 #include "gui/components/TextBox.h"
 #include "input/Clock.h"
 #include "input/Input.h"
+#include "rendering/ColorPusher.h"
+#include "rendering/Renderer.h"
 
 #include <GL/gl.h>
 
@@ -294,8 +295,8 @@ void Component::SetTooltipText(const std::string& text)
 
 void Component::DrawCompAndChildren() const
 {
-    ColorPusher restore;
-    GuiRenderer::MulColor4(m_color);
+    rendering::ColorPusher restore;
+    rendering::Renderer::GetInstancePtr()->MulColor4(m_color);
     DrawComp();
     DrawChildren();
 }

@@ -1,6 +1,7 @@
 #include "gui/components/SimpleBorder.h"
 
-#include "gui/GuiRenderer.h"
+#include "rendering/ColorPusher.h"
+#include "rendering/Renderer.h"
 #include "util/Profiler.h"
 
 namespace gui
@@ -11,15 +12,16 @@ void SimpleBorder::Draw(math::Vec2 innerSize) const
     util::ScopeProfiler profiler("SimpleBorder::Draw");
     const math::Vec2 pos(-m_width, -m_width);
     const math::Vec2 size = innerSize + math::Vec2(2.0f * m_width, 2.0f * m_width);
-    ColorPusher restore;
-    const math::Vec4 start = GuiRenderer::GetColor4();
-    GuiRenderer::MulColor4(m_fillColor);
-    GuiRenderer::DrawRect(pos, size);
+    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
+    rendering::ColorPusher restore;
+    const math::Vec4 start = renderer.GetColor4();
+    renderer.MulColor4(m_fillColor);
+    renderer.DrawRect(pos, size);
     if (m_width != 0.0f)
     {
-        GuiRenderer::SetColor4(start);
-        GuiRenderer::MulColor4(m_frameColor);
-        GuiRenderer::DrawFrame(pos, size, m_width);
+        renderer.SetColor4(start);
+        renderer.MulColor4(m_frameColor);
+        renderer.DrawFrame(pos, size, m_width);
     }
 }
 

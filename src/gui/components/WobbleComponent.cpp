@@ -59,12 +59,14 @@ void WobbleComponent::Update(float dt)
     const math::Vec2 lag = target - m_wobblePoint;
     const math::Vec2 size = GetOuterSize();
     m_matrix = math::TMatrix4<float>();
-    if (!m_horizontal)
+    // A panel of no extent along its free axis has nothing to shear; dividing by it would poison the
+    // matrix, and with it every child drawn through it.
+    if (!m_horizontal && size.y != 0.0f)
     {
         m_matrix(0, 1) = -lag.x / size.y;
         m_matrix(1, 1) = 1.0f - lag.y / size.y;
     }
-    else
+    else if (m_horizontal && size.x != 0.0f)
     {
         m_matrix(0, 0) = 1.0f - lag.x / size.x;
         m_matrix(1, 0) = -lag.y / size.x;

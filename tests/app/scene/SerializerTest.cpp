@@ -1,5 +1,6 @@
 #include "SceneTestSupport.h"
 
+#include "app/Camera.h"
 #include "app/entities/BoxEntity.h"
 #include "app/entities/CircleEntity.h"
 #include "app/entities/HingeEntity.h"
@@ -154,7 +155,7 @@ TEST_F(SceneTest, Tracking_OneGroupAtATimeAndItFollowsALoneShapesPosition)
     ASSERT_TRUE(scene->GetTrackedGroup());
     ASSERT_EQ(scene->GetTrackedGroup()->Size(), 1u);
     EXPECT_TRUE(util::dynamic_pointer_cast<app::CircleEntity>(scene->GetTrackedGroup()->GetFirst()));
-    EXPECT_EQ(app::Scene::GetGroupCenter(scene->GetTrackedGroup()), math::Vec2(-6, 1));
+    EXPECT_EQ(app::Camera::GetGroupCenter(scene->GetTrackedGroup()), math::Vec2(-6, 1));
 
     // A saved scene names one tracked group, and reads back to one.
     Load(Save());
