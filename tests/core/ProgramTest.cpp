@@ -338,15 +338,18 @@ TEST_F(WindowedProgramTest, Run_DrawsTheSkyThatTheConfigurationAsksFor)
     ASSERT_TRUE(
         WaitWhileRunning([&] { return (window = FindWindow(util::FileSystem::NameAndVersion())) != None; }));
 
+    std::string seen;
     const auto showsSky = [&](int x, int y)
     {
         int rgb[3] = {};
-        return ReadWindowPixel(m_display, window, x, y, rgb) && std::abs(rgb[0] - 255) <= 3 &&
-               std::abs(rgb[1] - 128) <= 3 && std::abs(rgb[2]) <= 3;
+        const bool read = ReadWindowPixel(m_display, window, x, y, rgb);
+        seen = "(" + std::to_string(x) + ", " + std::to_string(y) + ") shows " + std::to_string(rgb[0]) + " " +
+               std::to_string(rgb[1]) + " " + std::to_string(rgb[2]);
+        return read && std::abs(rgb[0] - 255) <= 3 && std::abs(rgb[1] - 128) <= 3 && std::abs(rgb[2]) <= 3;
     };
     // The first frame may come a little after the window.
-    EXPECT_TRUE(WaitWhileRunning([&] { return showsSky(512, 384); }));
-    EXPECT_TRUE(showsSky(5, 5));
-    EXPECT_TRUE(showsSky(1000, 700));
+    EXPECT_TRUE(WaitWhileRunning([&] { return showsSky(512, 384); })) << seen;
+    EXPECT_TRUE(showsSky(5, 5)) << seen;
+    EXPECT_TRUE(showsSky(1000, 700)) << seen;
     EXPECT_EQ(Signal(SIGTERM), 0);
 }

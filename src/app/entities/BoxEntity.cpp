@@ -2,7 +2,6 @@
 
 #include "app/App.h"
 #include "app/EntitySerializer.h"
-#include "app/entities/AppLinks.h"
 #include "app/entities/DrawColor.h"
 #include "app/entities/PolyEntity.h"
 #include "app/entities/ShapeGeometry.h"
@@ -57,7 +56,7 @@ void BoxEntity::Draw() const
             SetDrawColor(m_color);
             DrawBox(inside);
         }
-        SetDrawColor(links::BorderColor(this));
+        SetDrawColor(App::GetInstancePtr()->GetBorderColor(this));
         DrawBox(half);
         glDisable(GL_DEPTH_TEST);
     }

@@ -3,7 +3,6 @@
 #include "app/App.h"
 #include "app/EntitySerializer.h"
 #include "app/Scene.h"
-#include "app/entities/AppLinks.h"
 #include "app/entities/DrawColor.h"
 #include "app/entities/JointEntity.h"
 #include "app/entities/PolyEntity.h"
@@ -91,7 +90,7 @@ void CircleEntity::Draw() const
     const float r = GetRadius();
     const float bw = app.GetObjectBorderWidth();
     const float inside = showBorder ? r - bw : r;
-    const math::Vec4 border = links::BorderColor(this);
+    const math::Vec4 border = App::GetInstancePtr()->GetBorderColor(this);
     glPushMatrix();
     m_geom->GetPose().MultToGL();
     if (m_color.w < 1.0f || IsTooBigForTexture(r, app.GetPixelSize()))

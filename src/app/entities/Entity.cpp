@@ -8,7 +8,6 @@
 #include "app/Scene.h"
 #include "app/Snapshot.h"
 #include "app/Undoer.h"
-#include "app/entities/AppLinks.h"
 #include "logging/Log.h"
 
 #include <algorithm>
@@ -28,7 +27,7 @@ float LimitPrecision(float c)
 
 Entity::Entity() : m_id(s_idCounter++)
 {
-    SetColor(links::RandomEntityColor4());
+    SetColor(App::GetInstancePtr()->RandomEntityColor4());
     const util::WeakPtr<Entity> self(this);
     input::ButtonInput* destroy = &m_buttonDestroy;
     input::ButtonInput* mirror = &m_buttonMirror;
@@ -183,7 +182,7 @@ void MirrorByButton(input::ButtonInput* button, util::WeakPtr<Entity> entity)
     const EntityPtr self = entity.lock();
     if (!self || !button->IsBound() || !Scene::GetInstancePtr()->HasEntity(self))
         return;
-    links::MirrorMe(*button, self);
+    App::GetInstancePtr()->MirrorMe(*button, self);
 }
 
 } // namespace app

@@ -2,7 +2,6 @@
 
 #include "app/App.h"
 #include "app/Scene.h"
-#include "app/entities/AppLinks.h"
 #include "app/entities/DrawColor.h"
 #include "logging/Log.h"
 #include "physics/Plane.h"
@@ -43,7 +42,7 @@ void FixJointEntity::Draw() const
 {
     const math::Vec2 c = GetMidpoint();
     const float h = m_size / 2.0f;
-    const math::Vec4 border = links::BorderColor(this);
+    const math::Vec4 border = App::GetInstancePtr()->GetBorderColor(this);
     SetDrawColor(border);
     // Two crossing strokes: the gesture that makes a fixate.
     glBegin(GL_LINES);

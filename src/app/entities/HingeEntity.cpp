@@ -2,7 +2,6 @@
 
 #include "app/App.h"
 #include "app/EntitySerializer.h"
-#include "app/entities/AppLinks.h"
 #include "app/entities/DrawColor.h"
 #include "physics/Simulation.h"
 #include "rendering/GLContext.h"
@@ -89,7 +88,7 @@ void HingeEntity::Update(float dt)
 void HingeEntity::Draw() const
 {
     const App& app = *App::GetInstancePtr();
-    SetDrawColor(links::BorderColor(this));
+    SetDrawColor(App::GetInstancePtr()->GetBorderColor(this));
     DrawDisc(GetMidpoint(), m_size / 2.0f);
     SetDrawColor(m_color);
     DrawDisc(GetMidpoint(), m_size / 2.0f - app.GetObjectBorderWidth());

@@ -3,7 +3,6 @@
 #include "app/App.h"
 #include "app/EntitySerializer.h"
 #include "app/Scene.h"
-#include "app/entities/AppLinks.h"
 #include "app/entities/DrawColor.h"
 #include "app/entities/ShapeGeometry.h"
 #include "logging/Log.h"
@@ -297,7 +296,7 @@ void PenEntity::Draw() const
     DrawSprite(*s_penTex->GetPtr(), GetPos(), m_size);
     if (m_selectedLook || m_markedLook)
     {
-        SetDrawColor(links::BorderColor(this));
+        SetDrawColor(App::GetInstancePtr()->GetBorderColor(this));
         DrawSprite(*s_ringTex->GetPtr(), GetPos(), RING_SCALE * m_size);
     }
 }

@@ -3,7 +3,6 @@
 #include "app/App.h"
 #include "app/Camera.h"
 #include "app/Scene.h"
-#include "app/entities/AppLinks.h"
 #include "app/entities/DrawColor.h"
 #include "app/entities/ShapeGeometry.h"
 #include "physics/Linesegment.h"
@@ -52,7 +51,7 @@ void PlaneEntity::Draw() const
         glEnable(GL_DEPTH_TEST);
         SetDrawColor(m_color);
         DrawPlaneSegment(corners, dists, -math::INF, -bw);
-        SetDrawColor(links::BorderColor(this));
+        SetDrawColor(App::GetInstancePtr()->GetBorderColor(this));
         DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
         glDisable(GL_DEPTH_TEST);
     }

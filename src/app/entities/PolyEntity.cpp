@@ -2,7 +2,6 @@
 
 #include "app/App.h"
 #include "app/EntitySerializer.h"
-#include "app/entities/AppLinks.h"
 #include "app/entities/DrawColor.h"
 #include "app/entities/ShapeGeometry.h"
 #include "logging/Log.h"
@@ -173,7 +172,7 @@ void PolyEntity::Draw() const
     {
         glEnable(GL_DEPTH_TEST);
         DrawFixedFunction(corners, m_color, PolygonInsideThreshold(bw, maxDist));
-        DrawFixedFunction(corners, links::BorderColor(this), 0.5f);
+        DrawFixedFunction(corners, App::GetInstancePtr()->GetBorderColor(this), 0.5f);
         glDisable(GL_DEPTH_TEST);
     }
     else
