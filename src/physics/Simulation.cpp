@@ -136,7 +136,8 @@ void Simulation::Update(double dt)
 {
     const util::ScopeProfiler profile("Simulation::Update");
     m_statistics.clear();
-    if (m_timeFactor < 0.0f)
+    // Written as a negated test, so that a NaN goes to 0 too: it would make the debt NaN for good.
+    if (!(m_timeFactor >= 0.0f))
         m_timeFactor = 0.0f;
     const float timeFactor = m_timeFactor;
 
@@ -166,7 +167,9 @@ void Simulation::Update(double dt)
         if (m_timeDebt > 0.0)
         {
             // Falling behind: the lost time is dropped and never made up, so that the frame rate holds.
-            m_realtimeRatio = static_cast<float>((wanted - m_timeDebt) / wanted);
+            // An infinite time factor wants infinitely much and gets a vanishing share of it.
+            m_realtimeRatio =
+                std::isfinite(wanted) ? static_cast<float>((wanted - m_timeDebt) / wanted) : 0.0f;
             m_timeDebt = 0.0;
             char line[32];
             std::snprintf(line, sizeof line, "%3d%% realtime\n", static_cast<int>(m_realtimeRatio * 100.0f));

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <sstream>
 
 namespace physics
@@ -259,6 +260,18 @@ TEST_F(SimulationScriptTest, StepLengthOfZeroOrLessFreezesTheWorldAndKeepsIt)
     EXPECT_TRUE(Sim().HasBody(ball));
     EXPECT_EQ(Sim().GetParticles().size(), 60u);
     EXPECT_FALSE(Logged("Removing bad object"));
+
+    // A time factor that is no number counts as 0 and is written back; an infinite one gets the steps the
+    // frame budget allows and a realtime share of 0.
+    Sim().m_timeFactor = std::numeric_limits<float>::quiet_NaN();
+    Sim().Update(0.02);
+    EXPECT_EQ(Sim().m_timeFactor, 0.0f);
+    EXPECT_EQ(Sim().GetStatistics().rfind("Frozen\n", 0), 0u);
+    Sim().m_timeFactor = math::INF;
+    // A frame longer than the budget: one step, whatever the clock.
+    Sim().Update(2.0 * Sim().GetUpdateBudget());
+    EXPECT_EQ(Sim().GetStatistics().rfind("  0% realtime\n", 0), 0u);
+    EXPECT_EQ(Sim().GetRealtimeRatio(), 0.0f);
 }
 
 TEST_F(SimulationScriptTest, WaterWithoutRadiusOrDensityHasNoPressureAndStaysWater)
