@@ -3,10 +3,10 @@
 #include "script/Objects.h"
 #include "util/Callback.h"
 #include "util/Profiler.h"
+#include "util/Random.h"
 
 #include <algorithm>
 #include <cmath>
-#include <random>
 
 namespace physics
 {
@@ -20,8 +20,6 @@ namespace
 // Stands in for the distance of two particles at one point, as a fraction of the radius, so that they
 // still push apart along some direction.
 const float COINCIDENT_DISTANCE_FACTOR = 0.01f;
-
-unsigned int s_jitterSeed = 0;
 
 const char* const AVG_NEIGH_COUNT = "AVG_neighCount";
 const char* const AVG_PRESSURE = "AVG_pressure";
@@ -129,13 +127,9 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
     if (jitter != 0.0f && m_kernelsUsable)
     {
         const util::ScopeProfiler stage("Jitter");
-        std::mt19937 random(s_jitterSeed++);
-        std::normal_distribution<float> normal(0.0f, 1.0f);
+        util::Random random;
         for (Particle* p : m_workingList)
-        {
-            const math::Vec2 dir(normal(random), normal(random));
-            p->AddForce(dir * (s_mass * jitter));
-        }
+            p->AddForce(random.GetNormalVec2() * (s_mass * jitter));
     }
     ReportStatistics();
     m_workingList.clear();
