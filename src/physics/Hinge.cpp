@@ -105,6 +105,11 @@ bool Hinge::SolveInit()
     const float k01 = -iA * r0.x * r0.y - iB * r1.x * r1.y;
     const float k11 = mA + mB + iA * r0.x * r0.x + iB * r1.x * r1.x + reg;
     m_invMassMatrix = math::Inverted(math::TMatrix2<float>(k00, k01, k01, k11));
+    // A stiffness of 0 makes the regularisation infinite: an infinitely soft hinge that takes no impulse,
+    // where the inverse itself would be NaN.
+    if (!math::IsFiniteFloat(m_invMassMatrix(0, 0)) || !math::IsFiniteFloat(m_invMassMatrix(0, 1)) ||
+        !math::IsFiniteFloat(m_invMassMatrix(1, 0)) || !math::IsFiniteFloat(m_invMassMatrix(1, 1)))
+        m_invMassMatrix = math::TMatrix2<float>(0.0f, 0.0f, 0.0f, 0.0f);
 
     const math::Vec2 accA = AccelerationAt(a, r0);
     const math::Vec2 accB = AccelerationAt(b, r1);

@@ -72,11 +72,19 @@ Particle::~Particle()
 
 void Particle::SetAttribs(float radius, float density, float friction, float restitution)
 {
-    m_area = math::PIf * radius * radius;
-    m_mass = m_area * density;
-    // A particle turns only if contacts spin it; a radius of gyration of one metre keeps that spin slow.
-    m_inertia = m_mass;
-    m_massInv = m_inertiaInv = 1.0f / m_mass;
+    const float area = math::PIf * radius * radius;
+    const float mass = area * density;
+    // Settings without mass (a radius or density of 0) keep the mass the particle had, or, for a new one,
+    // the infinite mass of a body without any: its inverse would be infinite, and its motion NaN.
+    if (mass > 0.0f && math::IsFiniteFloat(mass))
+    {
+        m_area = area;
+        m_mass = mass;
+        // A particle turns only if contacts spin it; a radius of gyration of one metre keeps that spin
+        // slow.
+        m_inertia = m_mass;
+        m_massInv = m_inertiaInv = 1.0f / m_mass;
+    }
     m_geom->SetFriction(friction);
     m_geom->SetRestitution(restitution);
 }

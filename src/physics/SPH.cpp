@@ -3,10 +3,10 @@
 #include "script/Objects.h"
 #include "util/Callback.h"
 #include "util/Profiler.h"
+#include "util/Random.h"
 
 #include <algorithm>
 #include <cmath>
-#include <random>
 
 namespace physics
 {
@@ -20,8 +20,6 @@ namespace
 // Stands in for the distance of two particles at one point, as a fraction of the radius, so that they
 // still push apart along some direction.
 const float COINCIDENT_DISTANCE_FACTOR = 0.01f;
-
-unsigned int s_jitterSeed = 0;
 
 const char* const AVG_NEIGH_COUNT = "AVG_neighCount";
 const char* const AVG_PRESSURE = "AVG_pressure";
@@ -91,6 +89,10 @@ void SPH::SetupKernels()
     s_kernelPiH6Inv = static_cast<float>(1.0 / (math::PI * h3 * h3));
     const float radius = m_radius;
     s_mass = math::PIf * radius * radius * m_density;
+    // A radius, influence or density of 0 (or a value so small or large that the kernels overflow) leaves
+    // nothing to weigh the neighbours with: such water has no pressure, viscosity or cohesion.
+    m_kernelsUsable = h > 0.0f && math::IsFiniteFloat(h) && s_mass > 0.0f && math::IsFiniteFloat(s_mass) &&
+                      math::IsFiniteFloat(s_kernel64PiH9Inv) && math::IsFiniteFloat(s_kernelPiH6Inv);
 }
 
 void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float dt)
@@ -122,16 +124,12 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
     // simulation's business.
     CalcForces(&dt);
     const float jitter = m_jitter;
-    if (jitter != 0.0f)
+    if (jitter != 0.0f && m_kernelsUsable)
     {
         const util::ScopeProfiler stage("Jitter");
-        std::mt19937 random(s_jitterSeed++);
-        std::normal_distribution<float> normal(0.0f, 1.0f);
+        util::Random random;
         for (Particle* p : m_workingList)
-        {
-            const math::Vec2 dir(normal(random), normal(random));
-            p->AddForce(dir * (s_mass * jitter));
-        }
+            p->AddForce(random.GetNormalVec2() * (s_mass * jitter));
     }
     ReportStatistics();
     m_workingList.clear();
@@ -142,6 +140,12 @@ void SPH::FindNeighbors()
     const util::ScopeProfiler profile("FindNeighbors");
     const float h = InfluenceDistance();
     const float limit = h * h;
+    // Without a positive influence distance no two particles are neighbours; all of them then share one
+    // cell, so that the records of the search still name every particle.
+    m_searchable = h > 0.0f && math::IsFiniteFloat(h);
+    float cellSize = h * m_bucketSize.Get();
+    if (!(cellSize > 0.0f) || !math::IsFiniteFloat(cellSize))
+        cellSize = h;
     // Zero stands for "no search" in the particles' records.
     if (++m_generation == 0)
         m_generation = 1;
@@ -152,7 +156,7 @@ void SPH::FindNeighbors()
     m_occupiedCells.clear();
     {
         const util::ScopeProfiler stage("Hashing particles");
-        HashParticles(1.0f / (h * m_bucketSize.Get()));
+        HashParticles(m_searchable ? 1.0f / cellSize : 0.0f);
     }
     {
         const util::ScopeProfiler stage("Building neighbor lists");
@@ -162,11 +166,12 @@ void SPH::FindNeighbors()
         for (size_t s = 0; s < n; ++s)
             m_neighborCount[s] = 1;
         m_pairs.clear();
+        const size_t cellsToMatch = m_searchable ? m_occupiedCells.size() : 0;
         // The slots of the cells at (x + 1, y - 1), (x + 1, y) and (x + 1, y + 1) of the last cell. Cells
         // tend to come up or down a column, and then two of the three are the last cell's.
         unsigned int right[3] = {NO_SLOT, NO_SLOT, NO_SLOT};
         math::TVector2<int> last(0, 0);
-        for (size_t c = 0; c < m_occupiedCells.size(); ++c)
+        for (size_t c = 0; c < cellsToMatch; ++c)
         {
             const math::TVector2<int> cell = m_occupiedCells[c];
             const int x = cell.x;
@@ -310,6 +315,25 @@ void SPH::CalcForces(const float* agingStep)
     const util::ScopeProfiler profile("CalcSPHForces");
     SetupKernels();
     const size_t n = m_sorted.size();
+    // Particles that were never searched for neighbours are not alone, only unexamined: they don't age.
+    if (!m_searchable)
+        agingStep = nullptr;
+    if (!m_kernelsUsable)
+    {
+        m_particleDensity.resize(n);
+        m_pressure.resize(n);
+        m_pressureSum.resize(n);
+        m_gradientSum.resize(n);
+        m_viscositySum.resize(n);
+        for (size_t s = 0; s < n; ++s)
+        {
+            m_particleDensity[s] = 0.0f;
+            m_pressure[s] = 0.0f;
+            m_pressureSum[s] = m_gradientSum[s] = m_viscositySum[s] = math::Vec2(0.0f, 0.0f);
+        }
+        WriteResults(agingStep);
+        return;
+    }
     const float restDensity = m_density;
     const float stiffness = m_soundSpeed * m_soundSpeed;
     m_particleDensity.resize(n);
@@ -365,9 +389,11 @@ void SPH::CalcForces(const float* agingStep)
 
 void SPH::WriteResults(const float* agingStep)
 {
+    // Water without usable kernels gets no force at all: its scales may not be finite.
+    const bool forces = m_kernelsUsable;
     const float viscosityScale = m_viscosity * s_mass * m_viscMultiplier;
     const float pressureScale = s_mass * m_pressMultiplier;
-    const float cohesionScale = m_surfaceTension * s_mass;
+    const float cohesionScale = forces ? m_surfaceTension * s_mass : 0.0f;
     for (size_t s = 0; s < m_sorted.size(); ++s)
     {
         Particle& p = *m_sorted[s];
@@ -381,13 +407,14 @@ void SPH::WriteResults(const float* agingStep)
         const math::Vec2 force =
             (p.m_cohesionForce + m_viscositySum[s] * viscosityScale - m_pressureSum[s] * pressureScale) *
             s_mass;
-        p.AddForce(force);
+        if (forces)
+            p.AddForce(force);
     }
 }
 
 void SPH::VelocitySmoothing()
 {
-    if (!m_velocitySmoothing || m_workingList.empty())
+    if (!m_velocitySmoothing || m_workingList.empty() || !m_kernelsUsable)
         return;
     const util::ScopeProfiler profile("SPH vel-smoothing");
     // The velocities as integration left them; the sums reuse the force pass's storage.

@@ -135,6 +135,10 @@ private:
     // Set when radius, density, friction or restitution changes; the next update gives all particles the
     // new values.
     bool m_particleSettingsChanged = true;
+    // Whether the last search could look for neighbours (a positive influence distance), and whether the
+    // last kernels and particle mass were positive and finite.
+    bool m_searchable = true;
+    bool m_kernelsUsable = true;
 
     // Everything below keeps its storage from step to step, so that a steady state allocates nothing.
     // The spatial hash: cell to a slot of the occupied cells, in the order the cells were first met.

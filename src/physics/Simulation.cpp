@@ -10,11 +10,11 @@
 #include "physics/SPH.h"
 #include "physics/WorldGeom.h"
 #include "util/Profiler.h"
+#include "util/StringUtil.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <iomanip>
 #include <set>
 #include <sstream>
 
@@ -22,14 +22,6 @@ namespace physics
 {
 namespace
 {
-// Numbers in the statistics text are written as script text writes floats: nine significant digits.
-util::String FloatText(float x)
-{
-    std::ostringstream out;
-    out << std::setprecision(9) << x;
-    return out.str();
-}
-
 float Sign(float x)
 {
     return x > 0.0f ? 1.0f : (x < 0.0f ? -1.0f : 0.0f);
@@ -144,11 +136,13 @@ void Simulation::Update(double dt)
 {
     const util::ScopeProfiler profile("Simulation::Update");
     m_statistics.clear();
-    if (m_timeFactor < 0.0f)
+    // Written as a negated test, so that a NaN goes to 0 too: it would make the debt NaN for good.
+    if (!(m_timeFactor >= 0.0f))
         m_timeFactor = 0.0f;
     const float timeFactor = m_timeFactor;
 
-    if (!m_running || math::IsZero(timeFactor))
+    // Without a usable step length the world stands still as if frozen, and so keeps its bodies.
+    if (!m_running || math::IsZero(timeFactor) || !HasUsableStep())
     {
         m_statistics += "Frozen\n";
         Step(false);
@@ -173,7 +167,9 @@ void Simulation::Update(double dt)
         if (m_timeDebt > 0.0)
         {
             // Falling behind: the lost time is dropped and never made up, so that the frame rate holds.
-            m_realtimeRatio = static_cast<float>((wanted - m_timeDebt) / wanted);
+            // An infinite time factor wants infinitely much and gets a vanishing share of it.
+            m_realtimeRatio =
+                std::isfinite(wanted) ? static_cast<float>((wanted - m_timeDebt) / wanted) : 0.0f;
             m_timeDebt = 0.0;
             char line[32];
             std::snprintf(line, sizeof line, "%3d%% realtime\n", static_cast<int>(m_realtimeRatio * 100.0f));
@@ -205,13 +201,20 @@ void Simulation::AppendStatistics()
         << m_contacts.size() << " contacts\n"
         << m_joints.size() << " springs\n"
         << m_constraints.size() << " hinges\n"
-        << "Running at " << FloatText(1.0f / m_timeDelta) << " Hz\n";
+        << "Running at " << util::ToString(1.0f / m_timeDelta.Get()) << " Hz\n";
     m_statistics += out.str();
+}
+
+bool Simulation::HasUsableStep() const
+{
+    const float h = m_timeDelta;
+    return h > 0.0f && math::IsFiniteFloat(h);
 }
 
 void Simulation::Step(bool run)
 {
     const util::ScopeProfiler profile("Simu::Step");
+    run = run && HasUsableStep();
     if (run)
         FlushBadBodies();
     RebuildStepList();
@@ -251,7 +254,7 @@ void Simulation::Step(bool run)
 
 void Simulation::AdvanceOneStep()
 {
-    const bool run = m_running;
+    const bool run = m_running && HasUsableStep();
     const double h = m_timeDelta;
     Step(run);
     if (run)
@@ -346,11 +349,13 @@ void Simulation::CalcForces()
         const float r = sph.m_radius;
         const float area = math::PIf * r * r;
         const float mass = area * sph.m_density;
+        // Settings that give water no mass leave each particle the mass it last had.
+        const bool settingsMass = mass > 0.0f && math::IsFiniteFloat(mass);
         const math::Vec2 noArm(0.0f, 0.0f);
         for (const util::SharedPtr<Particle>& particlePtr : m_particles)
         {
             Particle& particle = *particlePtr;
-            particle.AddForce(g * mass);
+            particle.AddForce(g * (settingsMass ? mass : particle.GetMass()));
             if (hasFriction)
             {
                 const math::Vec2 velocity = particle.GetVelocity();

@@ -150,6 +150,9 @@ public:
 private:
     void RebuildStepList();
     void AppendStatistics();
+    // A step of zero, negative or non-finite length can't advance the world: every formula of a step
+    // divides by it.
+    bool HasUsableStep() const;
     double Now() const;
 
     util::SharedPtr<WorldGeom> m_worldGeom;

@@ -257,4 +257,22 @@ TEST_F(JointTest, Joints_GoWhenTheirBodiesGo)
     EXPECT_FALSE(Sim().HasJoint(spring));
 }
 
+// No stiffness makes the hinge infinitely soft: it gives way, and nothing goes NaN.
+TEST_F(JointTest, StiffnessOfZero_LetsTheChainFallApartWithoutNaN)
+{
+    Sim().m_solveConstant = 0.0f;
+    const std::vector<util::SharedPtr<Body>> links =
+        testing::BuildHingeChain(4, math::Vec2(0.0f, 5.0f), 0.5f);
+    const float top = links.front()->GetPosition().y;
+    RunSteps(100);
+    EXPECT_EQ(Hinges().size(), 4u);
+    for (const util::SharedPtr<Body>& link : links)
+    {
+        EXPECT_TRUE(Sim().HasBody(link));
+        EXPECT_FALSE(link->IsBad());
+    }
+    // Nothing holds the links: they fall freely, about 4.9 m in a second.
+    EXPECT_LT(links.front()->GetPosition().y, top - 4.0f);
+    EXPECT_FALSE(Logged("Removing bad object"));
+}
 } // namespace physics

@@ -355,4 +355,30 @@ TEST_F(WaterTest, Water_IgnoresCollideSetsButNotCollideWater)
     EXPECT_LT(p->GetPosition().y, -0.5f);
 }
 
+TEST_F(WaterTest, Jitter_PushesEachParticleByANormalForcePerUnitOfMass)
+{
+    // Lone particles, so that only the jitter acts on them.
+    const int count = 400;
+    for (int i = 0; i < count; ++i)
+        AddParticle(math::Vec2(static_cast<float>(i), 0.0f));
+    UpdateWater();
+    for (const util::SharedPtr<Particle>& p : Sim().GetParticles())
+        ASSERT_EQ(p->GetForce(), math::Vec2(0.0f, 0.0f));
+
+    Water().m_jitter = 2.0f;
+    UpdateWater();
+    const float mass = Sim().GetParticles().front()->GetMass();
+    double size = 0.0;
+    math::Vec2 sum(0.0f, 0.0f);
+    for (const util::SharedPtr<Particle>& p : Sim().GetParticles())
+    {
+        const math::Vec2 f = p->GetForce() / (2.0f * mass);
+        size += f.Length();
+        sum += f;
+    }
+    // Two standard normal components: the mean length is sqrt(pi / 2); the directions cancel.
+    EXPECT_NEAR(size / count, std::sqrt(math::PI / 2.0), 0.2);
+    EXPECT_LT(sum.Length() / count, 0.3f);
+}
+
 } // namespace physics

@@ -7,12 +7,19 @@
 
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <sstream>
 
 namespace physics
 {
 namespace
 {
+struct StepLengths : public util::Pointee
+{
+    void OnStep(float h) { lengths.push_back(h); }
+    std::vector<float> lengths;
+};
+
 // The simulation and its water as scripts see them: "Sim" and "SPH" in the script root.
 class SimulationScriptTest : public WorldTest
 {
@@ -210,6 +217,106 @@ TEST_F(SimulationScriptTest, WaterReportsAreReadByScriptsAfterEachUpdate)
     RunSteps(1);
     const float mass = Sim().GetParticles().front()->GetMass();
     EXPECT_NEAR(mass, math::PIf * 0.1f * 0.1f, 1e-5f);
+}
+
+// Settings of zero that a user may type: the world must come through them with every body and particle,
+// and run on once the setting is sensible again.
+TEST_F(SimulationScriptTest, StepLengthOfZeroOrLessFreezesTheWorldAndKeepsIt)
+{
+    testing::AddGround();
+    const std::vector<util::SharedPtr<Body>> column = testing::BuildColumn(3, testing::Shape::Box);
+    util::SharedPtr<Body> ball = AddBall(math::Vec2(5.0f, 10.0f));
+    testing::BuildWaterTank(60, 6);
+    RunSteps(20);
+    const util::SharedPtr<StepLengths> recorder = QLEX_NEW new StepLengths();
+    Sim().AddStepCallback(util::MakeCallbackArg<float>(&StepLengths::OnStep, recorder.get()));
+    std::vector<float>& lengths = recorder->lengths;
+
+    for (const char* length : {"0", "-0.01"})
+    {
+        Run(std::string("Sim.timeDelta = ") + length);
+        const math::Vec2 resting = ball->GetPosition();
+        lengths.clear();
+        for (int i = 0; i < 5; ++i)
+        {
+            Sim().Update(0.02);
+            Sim().AdvanceOneStep();
+            util::PointeeHandle::Flush();
+        }
+        EXPECT_EQ(Sim().GetStatistics().rfind("Frozen\n", 0), 0u) << length;
+        EXPECT_EQ(lengths, std::vector<float>(10, 0.0f)) << length;
+        EXPECT_EQ(ball->GetPosition(), resting) << length;
+        EXPECT_TRUE(Sim().HasBody(ball)) << length;
+        for (const util::SharedPtr<Body>& box : column)
+            EXPECT_TRUE(Sim().HasBody(box)) << length;
+        EXPECT_EQ(Sim().GetParticles().size(), 60u) << length;
+    }
+    EXPECT_FALSE(Logged("Removing bad object"));
+
+    Run("Sim.timeDelta = 0.01");
+    const float height = ball->GetPosition().y;
+    RunSteps(20);
+    EXPECT_LT(ball->GetPosition().y, height - 0.1f);
+    EXPECT_TRUE(Sim().HasBody(ball));
+    EXPECT_EQ(Sim().GetParticles().size(), 60u);
+    EXPECT_FALSE(Logged("Removing bad object"));
+
+    // A time factor that is no number counts as 0 and is written back; an infinite one gets the steps the
+    // frame budget allows and a realtime share of 0.
+    Sim().m_timeFactor = std::numeric_limits<float>::quiet_NaN();
+    Sim().Update(0.02);
+    EXPECT_EQ(Sim().m_timeFactor, 0.0f);
+    EXPECT_EQ(Sim().GetStatistics().rfind("Frozen\n", 0), 0u);
+    Sim().m_timeFactor = math::INF;
+    // A frame longer than the budget: one step, whatever the clock.
+    Sim().Update(2.0 * Sim().GetUpdateBudget());
+    EXPECT_EQ(Sim().GetStatistics().rfind("  0% realtime\n", 0), 0u);
+    EXPECT_EQ(Sim().GetRealtimeRatio(), 0.0f);
+}
+
+TEST_F(SimulationScriptTest, WaterWithoutRadiusOrDensityHasNoPressureAndStaysWater)
+{
+    testing::AddGround();
+    const std::vector<util::SharedPtr<Particle>> water = testing::BuildWaterTank(120, 6);
+    util::SharedPtr<Body> ball = AddBall(math::Vec2(0.0f, 3.0f));
+    RunSteps(100);
+    const float mass = water.front()->GetMass();
+    const auto meanHeight = [&water]
+    {
+        double sum = 0.0;
+        for (const util::SharedPtr<Particle>& p : water)
+            sum += p->GetPosition().y;
+        return sum / static_cast<double>(water.size());
+    };
+
+    size_t count = water.size();
+    for (const std::string setting : {"SPH.radius", "SPH.influence", "SPH.density"})
+    {
+        const double standing = meanHeight();
+        Run(setting + " = 0");
+        // A particle made now has no mass to take from the settings.
+        Sim().AddParticle(QLEX_NEW new Particle(math::Vec2(0.0f, 1.0f), math::Vec2(0.0f, 0.0f)));
+        ++count;
+        RunSteps(50);
+        EXPECT_EQ(Sim().GetParticles().size(), count) << setting;
+        for (const util::SharedPtr<Particle>& p : Sim().GetParticles())
+            ASSERT_FALSE(p->IsBad()) << setting;
+        EXPECT_EQ(water.front()->GetMass(), mass) << setting;
+        EXPECT_EQ(SPH::GetInstancePtr()->GetReportedValue("AVG_pressure"), 0.0f) << setting;
+        // Gravity still acts, and no pressure holds the water up: it slumps.
+        EXPECT_LT(meanHeight(), standing - 0.01) << setting;
+
+        Run(setting + (setting == "SPH.influence" ? " = 2.0"
+                       : setting == "SPH.radius"  ? " = 0.05"
+                                                  : " = 1.0"));
+        RunSteps(50);
+        EXPECT_GT(SPH::GetInstancePtr()->GetReportedValue("AVG_pressure"), 0.0f) << setting;
+        EXPECT_GT(SPH::GetInstancePtr()->GetReportedValue("AVG_neighCount"), 2.0f) << setting;
+        EXPECT_NEAR(Sim().GetParticles().back()->GetMass(), mass, 1e-6f) << setting;
+    }
+    EXPECT_TRUE(Sim().HasBody(ball));
+    EXPECT_EQ(Sim().GetParticles().size(), count);
+    EXPECT_FALSE(Logged("Removing bad object"));
 }
 
 } // namespace
