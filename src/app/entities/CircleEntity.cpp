@@ -28,6 +28,9 @@ const float MAX_TEXTURE_PIXELS = 1024.0f;
 
 void DrawCircle(float r, bool cake)
 {
+    // A border wider than the circle leaves no inside; a fan of negative radius would be a mirrored disc.
+    if (r <= 0.0f)
+        return;
     int first, last;
     CircleFanRange(cake, first, last);
     const std::vector<math::Vec2>& vecs = CircleVecs();

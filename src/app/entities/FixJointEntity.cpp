@@ -42,8 +42,8 @@ void FixJointEntity::Draw() const
 {
     const math::Vec2 c = GetMidpoint();
     const float h = m_size / 2.0f;
-    const math::Vec4 border = App::GetInstancePtr()->GetBorderColor(this);
-    SetDrawColor(border);
+    // Lines have no room for a border: a selected or marked fixate takes the border colour as a whole.
+    SetDrawColor(m_selectedLook || m_markedLook ? App::GetInstancePtr()->GetBorderColor(this) : m_color);
     // Two crossing strokes: the gesture that makes a fixate.
     glBegin(GL_LINES);
     glVertex2f(c.x - h, c.y - h);

@@ -88,10 +88,18 @@ void HingeEntity::Update(float dt)
 void HingeEntity::Draw() const
 {
     const App& app = *App::GetInstancePtr();
-    SetDrawColor(App::GetInstancePtr()->GetBorderColor(this));
+    const float inside = m_size / 2.0f - app.GetObjectBorderWidth();
+    // The look of the shapes: the inside in front, the whole disc in the border colour behind it, so that a
+    // see-through hinge doesn't show its rim through its inside.
+    glEnable(GL_DEPTH_TEST);
+    if (inside > 0.0f)
+    {
+        SetDrawColor(m_color);
+        DrawDisc(GetMidpoint(), inside);
+    }
+    SetDrawColor(app.GetBorderColor(this));
     DrawDisc(GetMidpoint(), m_size / 2.0f);
-    SetDrawColor(m_color);
-    DrawDisc(GetMidpoint(), m_size / 2.0f - app.GetObjectBorderWidth());
+    glDisable(GL_DEPTH_TEST);
 }
 
 bool HingeEntity::IsOnEntity(math::Vec2 worldPoint) const

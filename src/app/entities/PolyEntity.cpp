@@ -89,6 +89,9 @@ void DrawFixedFunction(const math::Vec2 corners[4], const math::Vec4& color, flo
     glDisable(GL_ALPHA_TEST);
     if (color.w < 1.0f && rendering::HasBlendColor())
     {
+        // Blending off again: an opaque layer after this one (a selected border) would otherwise be
+        // blended by the texture's alpha, which is the distance, not a transparency.
+        glDisable(GL_BLEND);
         glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
         glBlendColor(1, 1, 1, 1);
     }

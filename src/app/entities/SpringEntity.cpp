@@ -81,7 +81,8 @@ void SpringEntity::Draw() const
     const math::Vec2 d = m_worldPos[1] - a;
     const float length = d.Length();
     const math::Vec2 across = length > 0.0f ? math::Rot90CCW(d / length) * (m_size / 2.0f) : math::Vec2(0, 0);
-    SetDrawColor(m_color);
+    // A line has no room for a border: a selected or marked spring takes the border colour as a whole.
+    SetDrawColor(m_selectedLook || m_markedLook ? App::GetInstancePtr()->GetBorderColor(this) : m_color);
     glBegin(GL_LINE_STRIP);
     glVertex2f(a.x, a.y);
     for (int i = 1; i < 2 * ZIGZAG_TEETH; ++i)

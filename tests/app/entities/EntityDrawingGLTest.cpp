@@ -4,8 +4,12 @@
 #include "GLTestWindow.h"
 #include "app/App.h"
 #include "app/Camera.h"
+#include "app/entities/FixJointEntity.h"
+#include "app/entities/HingeEntity.h"
 #include "app/entities/PenEntity.h"
+#include "app/entities/SpringEntity.h"
 #include "math/MatrixGL.h"
+#include "rendering/GLContext.h"
 
 #include <GL/gl.h>
 
@@ -58,7 +62,20 @@ protected:
         math::Mat4FromMat2D(camera.WorldToGUI()).MultToGL();
         glClearColor(0, 0, 0, 1);
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-        glDisable(GL_BLEND);
+        // The world is drawn with blending on, as the application leaves it for the entities.
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+        glLineWidth(1);
+        app::App& application = *app::App::GetInstancePtr();
+        application.m_borders = true;
+        application.m_borderWidth = 0.1f;
+    }
+    void TearDown() override
+    {
+        app::App& application = *app::App::GetInstancePtr();
+        application.m_borders = true;
+        application.m_borderWidth = 0.1f;
+        World::TearDown();
     }
 
     // The colour where the camera puts a world point.
@@ -200,5 +217,237 @@ TEST_F(EntityDrawingGLTest, PenShowsItsHeadAndAFadingTail)
     DrawAlone(*pen);
     EXPECT_TRUE(Near(PixelAt(head), Rgb(255, 0, 255, 255)));
     EXPECT_TRUE(Near(PixelAt(math::Vec2(head.x - 0.5f, head.y)), BLACK));
+}
+
+TEST_F(EntityDrawingGLTest, ThinBoxIsAllBorderAndASelectedBoxKeepsItsBorderWithBordersOff)
+{
+    const float border = app::App::GetInstancePtr()->GetObjectBorderWidth();
+    // Thinner than two borders: no room for an inside.
+    util::SharedPtr<app::BoxEntity> thin = AddBox(math::Vec2(0.6f, 1.5f * border), math::Vec2(0.2f, 0.4f));
+    thin->SetColor(math::Vec4(0, 1, 1, 1));
+    DrawAlone(*thin);
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.2f, 0.4f)), Rgb(0, 128, 128, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.0f, 0.4f)), Rgb(0, 128, 128, 255)));
+
+    util::SharedPtr<app::BoxEntity> box = AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(-0.4f, -0.3f));
+    box->SetColor(math::Vec4(1, 0, 0, 1));
+    app::App::GetInstancePtr()->m_borders = false;
+    box->m_selectedLook = true;
+    DrawAlone(*box);
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.6f + Px(1.5f), -0.3f)), Rgb(255, 255, 255, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.4f, -0.3f)), Rgb(255, 0, 0, 255)));
+    // Marked only, the border is dark grey.
+    box->m_selectedLook = false;
+    box->m_markedLook = true;
+    DrawAlone(*box);
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.6f + Px(1.5f), -0.3f)), Rgb(51, 51, 51, 255)));
+}
+
+TEST_F(EntityDrawingGLTest, TransparentOrHugeCircleIsDrawnAsGeometryWithItsCake)
+{
+    // Half transparent: the inside is blended over the black behind it, the slice and the rim in the border
+    // colour, which has the same alpha. Neither layer shows through the other.
+    util::SharedPtr<app::CircleEntity> circle = AddCircle(0.3f, math::Vec2(-0.4f, 0.1f));
+    circle->SetColor(math::Vec4(0, 1, 0, 0.5f));
+    DrawAlone(*circle);
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.4f - 0.15f, 0.1f)), Rgb(0, 128, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.4f + 0.2f, 0.1f)), Rgb(0, 64, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.4f, 0.1f - 0.3f + Px(1.5f))), Rgb(0, 64, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.4f, 0.1f - 0.3f - Px(2))), BLACK));
+
+    // Wider than 1024 pixels the texture would blur: the same picture comes from geometry, crisp at the rim.
+    glClear(GL_COLOR_BUFFER_BIT);
+    const float radius = 3.6f;
+    ASSERT_TRUE(app::CircleEntity::IsTooBigForTexture(radius, Px(1)));
+    util::SharedPtr<app::CircleEntity> huge = AddCircle(radius, math::Vec2(0.6f - radius, 0.0f));
+    huge->SetColor(math::Vec4(0, 0, 1, 1));
+    DrawAlone(*huge);
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.0f, 0.75f)), Rgb(0, 0, 255, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.3f, 0.0f)), Rgb(0, 0, 128, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.6f - Px(1.5f), 0.0f)), Rgb(0, 0, 128, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.6f + Px(1.5f), 0.0f)), BLACK));
+}
+
+TEST_F(EntityDrawingGLTest, CircleSmallerThanItsBorderShowsNothingBeyondItsRim)
+{
+    // A border of a screen centimetre is wider than the circle: all of it is border.
+    app::App::GetInstancePtr()->m_borderWidth = 1.0f;
+    const float border = app::App::GetInstancePtr()->GetObjectBorderWidth();
+    const float radius = 0.06f;
+    ASSERT_GT(border, 2.5f * radius);
+    util::SharedPtr<app::CircleEntity> circle = AddCircle(radius, math::Vec2(0.1f, 0.1f));
+    for (float alpha : {1.0f, 0.5f})
+    {
+        glClear(GL_COLOR_BUFFER_BIT);
+        circle->SetColor(math::Vec4(1, 1, 0, alpha));
+        DrawAlone(*circle);
+        const int level = int(std::lround(127.5f * alpha));
+        EXPECT_TRUE(Near(PixelAt(math::Vec2(0.1f - radius / 2, 0.1f)), Rgb(level, level, 0, 255))) << alpha;
+        EXPECT_TRUE(Near(PixelAt(math::Vec2(0.1f - radius - Px(4), 0.1f)), BLACK)) << alpha;
+        EXPECT_TRUE(Near(PixelAt(math::Vec2(0.1f, 0.1f + radius + Px(4))), BLACK)) << alpha;
+    }
+}
+
+TEST_F(EntityDrawingGLTest, PolygonTextureKeepsTheShapesOrientation)
+{
+    // An L: the distance texture would show a mirrored or turned L in the notch if its corners and
+    // texture coordinates disagreed.
+    const std::vector<math::Vec2> points = {math::Vec2(-0.6f, -0.6f), math::Vec2(0.6f, -0.6f),
+                                            math::Vec2(0.6f, -0.2f),  math::Vec2(-0.2f, -0.2f),
+                                            math::Vec2(-0.2f, 0.6f),  math::Vec2(-0.6f, 0.6f)};
+    util::SharedPtr<app::PolyEntity> poly =
+        QLEX_NEW new app::PolyEntity(QLEX_NEW new physics::Polygon(points));
+    TheScene().AddEntity(poly);
+    poly->SetColor(math::Vec4(1, 0.5f, 0, 1));
+    const Rgb inside(255, 128, 0, 255);
+    // Upright, then turned a quarter about the origin: (x, y) goes to (-y, x).
+    for (int turn = 0; turn < 2; ++turn)
+    {
+        glClear(GL_COLOR_BUFFER_BIT);
+        DrawAlone(*poly);
+        auto at = [turn](float x, float y) { return PixelAt(turn ? math::Vec2(-y, x) : math::Vec2(x, y)); };
+        EXPECT_TRUE(Near(at(0.4f, -0.4f), inside)) << turn;
+        EXPECT_TRUE(Near(at(-0.4f, 0.4f), inside)) << turn;
+        EXPECT_TRUE(Near(at(-0.4f, -0.4f), inside)) << turn;
+        EXPECT_TRUE(Near(at(0.3f, 0.3f), BLACK)) << turn;
+        EXPECT_TRUE(Near(at(0.0f, 0.0f), BLACK)) << turn;
+        poly->Transform(math::Mat2D::Rotation(math::PIf / 2));
+    }
+}
+
+TEST_F(EntityDrawingGLTest, TransparentPolygonBlendsItsInsideAndKeepsASelectedBorderOpaque)
+{
+    const math::Vec2 centre(0.1f, 0.0f);
+    const float radius = 0.5f;
+    util::SharedPtr<app::PolyEntity> poly = QLEX_NEW new app::PolyEntity(
+        QLEX_NEW new physics::Polygon(physics::testing::RegularPolygonPoints(centre, radius, 16)));
+    TheScene().AddEntity(poly);
+    poly->SetColor(math::Vec4(0, 0, 1, 0.5f));
+    poly->m_selectedLook = true;
+    DrawAlone(*poly);
+    // Without the constant blend colour the polygon can only be opaque.
+    const int blue = rendering::HasBlendColor() ? 128 : 255;
+    EXPECT_TRUE(Near(PixelAt(centre), Rgb(0, 0, blue, 255)));
+    EXPECT_TRUE(Near(PixelAt(centre + math::Vec2(-radius + Px(1.5f), 0)), Rgb(255, 255, 255, 255)));
+    EXPECT_TRUE(Near(PixelAt(centre + math::Vec2(0, radius - Px(1.5f))), Rgb(255, 255, 255, 255)));
+    EXPECT_TRUE(Near(PixelAt(centre + math::Vec2(radius + Px(3), 0)), BLACK));
+}
+
+TEST_F(EntityDrawingGLTest, HingeIsADiscWithARimInTheBorderColour)
+{
+    util::SharedPtr<app::HingeEntity> hinge = QLEX_NEW new app::HingeEntity(0.3f);
+    hinge->m_worldPos[0] = hinge->m_worldPos[1] = math::Vec2(0.2f, -0.1f);
+    hinge->SetColor(math::Vec4(1, 0, 0, 1));
+    DrawAlone(*hinge);
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.2f, -0.1f)), Rgb(255, 0, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.2f - 0.15f + Px(1.5f), -0.1f)), Rgb(128, 0, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.2f, -0.1f + 0.15f + Px(2))), BLACK));
+    hinge->m_selectedLook = true;
+    DrawAlone(*hinge);
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.2f - 0.15f + Px(1.5f), -0.1f)), Rgb(255, 255, 255, 255)));
+    hinge->m_selectedLook = false;
+
+    // See-through, the inside doesn't mix with the rim behind it.
+    glClear(GL_COLOR_BUFFER_BIT);
+    hinge->SetColor(math::Vec4(1, 0, 0, 0.5f));
+    DrawAlone(*hinge);
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.2f, -0.1f)), Rgb(128, 0, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.2f - 0.15f + Px(1.5f), -0.1f)), Rgb(64, 0, 0, 255)));
+
+    // Zoomed out so far that the rim is wider than the hinge's radius: all rim.
+    glClear(GL_COLOR_BUFFER_BIT);
+    hinge->SetColor(math::Vec4(1, 0, 0, 1));
+    app::App::GetInstancePtr()->m_borderWidth = 1.0f;
+    ASSERT_GT(app::App::GetInstancePtr()->GetObjectBorderWidth(), 0.15f + Px(8));
+    DrawAlone(*hinge);
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.2f, -0.1f)), Rgb(128, 0, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.2f + 0.15f + Px(2), -0.1f)), BLACK));
+}
+
+TEST_F(EntityDrawingGLTest, SpringAndFixateShowWhenTheyAreSelectedOrMarked)
+{
+    glLineWidth(5);
+    util::SharedPtr<app::SpringEntity> spring = QLEX_NEW new app::SpringEntity(0.2f);
+    spring->m_worldPos[0] = math::Vec2(-0.7f, 0.3f);
+    spring->m_worldPos[1] = math::Vec2(0.1f, 0.3f);
+    spring->SetColor(math::Vec4(0, 1, 0, 1));
+    util::SharedPtr<app::FixJointEntity> fix = QLEX_NEW new app::FixJointEntity(0.2f);
+    fix->m_worldPos[0] = fix->m_worldPos[1] = math::Vec2(0.5f, -0.3f);
+    fix->SetColor(math::Vec4(0, 1, 0, 1));
+    // Half way along the first stroke of the zigzag, which rises a tooth's height over 1/24 of the length.
+    const math::Vec2 onSpring = spring->m_worldPos[0] + math::Vec2(0.8f / 48, 0.05f);
+    const math::Vec2 onFix = fix->m_worldPos[0];
+
+    DrawAlone(*spring);
+    DrawAlone(*fix);
+    const Rgb plainSpring = PixelAt(onSpring);
+    const Rgb plainFix = PixelAt(onFix);
+    EXPECT_TRUE(Near(plainSpring, Rgb(0, 255, 0, 255)));
+    EXPECT_TRUE(Near(plainFix, Rgb(0, 255, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.3f, 0.3f + 0.2f)), BLACK));
+
+    spring->m_selectedLook = fix->m_selectedLook = true;
+    DrawAlone(*spring);
+    DrawAlone(*fix);
+    EXPECT_TRUE(Near(PixelAt(onSpring), Rgb(255, 255, 255, 255)));
+    EXPECT_TRUE(Near(PixelAt(onFix), Rgb(255, 255, 255, 255)));
+
+    // Marked (under the pointer) looks different again from the plain picture.
+    spring->m_selectedLook = fix->m_selectedLook = false;
+    spring->m_markedLook = fix->m_markedLook = true;
+    DrawAlone(*spring);
+    DrawAlone(*fix);
+    EXPECT_TRUE(Near(PixelAt(onSpring), Rgb(51, 51, 51, 255)));
+    EXPECT_TRUE(Near(PixelAt(onFix), Rgb(51, 51, 51, 255)));
+    EXPECT_FALSE(Near(plainFix, Rgb(51, 51, 51, 255)));
+}
+
+TEST_F(EntityDrawingGLTest, SelectedPenWearsARingInTheBorderColour)
+{
+    util::SharedPtr<app::BoxEntity> box = AddBox(math::Vec2(0.5f, 0.5f), math::Vec2(0, 0));
+    util::SharedPtr<app::PenEntity> pen = QLEX_NEW new app::PenEntity(0.3f);
+    pen->AttachTo(box->GetGeom(), math::Vec2(0.1f, 0.1f));
+    pen->SetColor(math::Vec4(1, 0, 0, 1));
+    TheScene().AddEntity(pen);
+    // Between the head's rim at half the size and the ring's outer edge at 0.65 of it.
+    const math::Vec2 onRing = pen->GetPos() + math::Vec2(0.3f * 0.58f, 0);
+    DrawAlone(*pen);
+    EXPECT_TRUE(Near(PixelAt(pen->GetPos()), Rgb(255, 0, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(onRing), BLACK));
+    pen->m_selectedLook = true;
+    DrawAlone(*pen);
+    EXPECT_TRUE(Near(PixelAt(pen->GetPos()), Rgb(255, 0, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(onRing), Rgb(255, 255, 255, 255)));
+}
+
+TEST_F(EntityDrawingGLTest, BlackSilhouettesClearColourAndAlphaOfTheWholeShape)
+{
+    // The water field lives in alpha; the silhouettes are drawn as the water pass draws them, unblended.
+    glDisable(GL_BLEND);
+    glClearColor(1, 1, 1, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glClearColor(0, 0, 0, 1);
+    util::SharedPtr<app::BoxEntity> box = AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(-0.6f, 0.4f));
+    util::SharedPtr<app::CircleEntity> circle = AddCircle(0.2f, math::Vec2(0.0f, 0.4f));
+    util::SharedPtr<app::PolyEntity> poly = QLEX_NEW new app::PolyEntity(QLEX_NEW new physics::Polygon(
+        physics::testing::RegularPolygonPoints(math::Vec2(0.6f, 0.3f), 0.3f, 12)));
+    TheScene().AddEntity(poly);
+    util::SharedPtr<app::PlaneEntity> floor = AddFloor(-0.4f);
+    for (const app::GeomEntity* e :
+         std::initializer_list<const app::GeomEntity*>{box.get(), circle.get(), poly.get(), floor.get()})
+        e->DrawBlack();
+    glFinish();
+    const Rgb none(0, 0, 0, 0);
+    const Rgb white(255, 255, 255, 255);
+    EXPECT_TRUE(ColorNear(PixelAt(math::Vec2(-0.6f, 0.4f)), none, 3, true));
+    EXPECT_TRUE(ColorNear(PixelAt(math::Vec2(-0.8f + Px(1.5f), 0.4f)), none, 3, true));
+    // The circle's silhouette has no slice.
+    EXPECT_TRUE(ColorNear(PixelAt(math::Vec2(0.15f, 0.4f)), none, 3, true));
+    EXPECT_TRUE(ColorNear(PixelAt(math::Vec2(0.6f, 0.3f)), none, 3, true));
+    EXPECT_TRUE(ColorNear(PixelAt(math::Vec2(0.3f + Px(2), 0.3f)), Rgb(0, 0, 0, 255), 3, false));
+    EXPECT_TRUE(ColorNear(PixelAt(math::Vec2(0.0f, -0.6f)), none, 3, true));
+    EXPECT_TRUE(ColorNear(PixelAt(math::Vec2(0.0f, 0.0f)), white, 3, true));
+    EXPECT_TRUE(ColorNear(PixelAt(math::Vec2(0.0f, 0.4f + 0.2f + Px(2))), white, 3, true));
+    EXPECT_TRUE(ColorNear(PixelAt(math::Vec2(0.6f + 0.3f + Px(3), 0.3f)), white, 3, true));
 }
 } // namespace
