@@ -51,11 +51,11 @@ void DrawOutline(const math::OBB2D& box)
 
 void DrawMap(const math::Vec2 corners[4])
 {
-    const float texCoords[4][2] = {{1, 1}, {1, 0}, {0, 0}, {0, 1}};
     glBegin(GL_QUADS);
     for (int i = 0; i < 4; ++i)
     {
-        glTexCoord2f(texCoords[i][0], texCoords[i][1]);
+        const math::Vec2 texCoord = PolygonMapTexCoord(i);
+        glTexCoord2f(texCoord.x, texCoord.y);
         glVertex2f(corners[i].x, corners[i].y);
     }
     glEnd();

@@ -154,6 +154,14 @@ void PolygonMapCorners(const physics::Polygon& polygon, math::Vec2 corners[4])
     polygon.GetMapBox().CalcCorners(corners);
 }
 
+math::Vec2 PolygonMapTexCoord(int corner)
+{
+    // The map box's corners run +a0+a1, +a0-a1, -a0-a1, -a0+a1; texel columns follow a0 and rows a1.
+    static const math::Vec2 texCoords[4] = {math::Vec2(1, 1), math::Vec2(1, 0), math::Vec2(0, 0),
+                                            math::Vec2(0, 1)};
+    return texCoords[corner & 3];
+}
+
 float PolygonInsideThreshold(float borderWidth, float maxDist)
 {
     return 0.5f - 0.5f * borderWidth / maxDist;

@@ -59,6 +59,8 @@ float PolygonMaxDist(const physics::Polygon& polygon);
 // The corners of the map box in the polygon's frame, in the order of the texture coordinates
 // (1, 1), (1, 0), (0, 0), (0, 1).
 void PolygonMapCorners(const physics::Polygon& polygon, math::Vec2 corners[4]);
+// The texture coordinate of the distance texture at each of those corners.
+math::Vec2 PolygonMapTexCoord(int corner);
 // The alpha threshold below which the fixed-function picture of a polygon keeps a texel.
 float PolygonInsideThreshold(float borderWidth, float maxDist);
 

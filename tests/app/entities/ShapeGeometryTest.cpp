@@ -154,3 +154,49 @@ TEST(ShapeGeometry, PenHeadIsADiscAndItsRingHasAHole)
     EXPECT_FLOAT_EQ(at(ring, 0, 0), 0.0f);
 }
 } // namespace
+
+namespace
+{
+TEST(ShapeGeometry, PolygonMapCornersCarryTheTextureCoordinatesOfTheirTexels)
+{
+    // An L turned and moved off the origin, so that no symmetry hides a mirrored or turned texture.
+    std::vector<math::Vec2> points = {math::Vec2(0, 0), math::Vec2(3, 0), math::Vec2(3, 1),
+                                      math::Vec2(1, 1), math::Vec2(1, 2), math::Vec2(0, 2)};
+    const math::Mat2D pose = math::Mat2D::TranslationRotation(math::Vec2(0.7f, -0.3f), 0.4f);
+    for (math::Vec2& p : points)
+        p = math::TransformCoordinate(pose, p);
+    const physics::Polygon polygon(points);
+    const util::Array2D<float>& map = polygon.GetDistanceMap();
+    const float w = float(map.GetWidth());
+    const float h = float(map.GetHeight());
+    // Texel (i, j) has its centre at texture coordinate ((i + 0.5) / w, (j + 0.5) / h) and at
+    // MapToWorld(i, j) in the polygon's frame; the map is affine in (i, j).
+    const math::Vec2 origin = polygon.MapToWorld(0, 0);
+    const math::Vec2 di = polygon.MapToWorld(1, 0) - origin;
+    const math::Vec2 dj = polygon.MapToWorld(0, 1) - origin;
+    math::Vec2 corners[4];
+    app::PolygonMapCorners(polygon, corners);
+    for (int k = 0; k < 4; ++k)
+    {
+        const math::Vec2 st = app::PolygonMapTexCoord(k);
+        const math::Vec2 local = origin + di * (st.x * w - 0.5f) + dj * (st.y * h - 0.5f);
+        EXPECT_NEAR(local.x, corners[k].x, 1e-3f) << k;
+        EXPECT_NEAR(local.y, corners[k].y, 1e-3f) << k;
+    }
+    // The texture is the map itself: a texel of the notch is outside, one of the foot inside.
+    const std::vector<float> texels = app::PolygonDistanceTexture(polygon, app::PolygonMaxDist(polygon));
+    auto texelAt = [&](math::Vec2 world)
+    {
+        const math::Vec2 local = math::TransformCoordinate(polygon.GetWorldToGeom(), world);
+        // Solve local = origin + di * i + dj * j for the nearest texel.
+        const math::Vec2 d = local - origin;
+        const float det = math::Cross(di, dj);
+        const int i = int(std::lround(math::Cross(d, dj) / det));
+        const int j = int(std::lround(math::Cross(di, d) / det));
+        return texels[size_t(j) * map.GetWidth() + i];
+    };
+    EXPECT_LT(texelAt(math::TransformCoordinate(pose, math::Vec2(2.5f, 0.5f))), 0.5f);
+    EXPECT_LT(texelAt(math::TransformCoordinate(pose, math::Vec2(0.5f, 1.5f))), 0.5f);
+    EXPECT_GT(texelAt(math::TransformCoordinate(pose, math::Vec2(2.0f, 1.6f))), 0.5f);
+}
+} // namespace
