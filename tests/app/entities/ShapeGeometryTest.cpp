@@ -200,3 +200,31 @@ TEST(ShapeGeometry, PolygonMapCornersCarryTheTextureCoordinatesOfTheirTexels)
     EXPECT_GT(texelAt(math::TransformCoordinate(pose, math::Vec2(2.0f, 1.6f))), 0.5f);
 }
 } // namespace
+
+namespace
+{
+TEST(ShapeGeometry, PlaneSegmentOfANarrowBandIsAConvexFan)
+{
+    // A steep line across a square: the top and bottom edges each cross both sides of the band, in
+    // opposite directions; out of order, the fan would cross itself.
+    const math::Vec2 corners[4] = {math::Vec2(0, 0), math::Vec2(0, 4), math::Vec2(4, 4), math::Vec2(4, 0)};
+    const math::Vec2 n = math::Vec2(1.0f, 0.2f) / math::Vec2(1.0f, 0.2f).Length();
+    float dists[4];
+    for (int i = 0; i < 4; ++i)
+        dists[i] = math::Dot(n, corners[i]) - 2.0f;
+    const std::vector<math::Vec2> fan = app::PlaneSegment(corners, dists, -0.3f, 0.3f);
+    ASSERT_EQ(fan.size(), 4u);
+    float area = 0;
+    for (size_t i = 0; i < fan.size(); ++i)
+    {
+        const math::Vec2& a = fan[i];
+        const math::Vec2& b = fan[(i + 1) % fan.size()];
+        const math::Vec2& c = fan[(i + 2) % fan.size()];
+        EXPECT_LT(math::Cross(b - a, c - b), 0.0f) << i;
+        EXPECT_NEAR(math::Dot(n, a) - 2.0f, std::copysign(0.3f, math::Dot(n, a) - 2.0f), 1e-5f);
+        area += math::Cross(a, b);
+    }
+    // A band 0.6 wide across the square, measured along the normal: its length along the line is 4 / n.x.
+    EXPECT_NEAR(std::fabs(area) / 2, 0.6f * 4.0f / n.x, 1e-3f);
+}
+} // namespace
