@@ -41,7 +41,7 @@ void DrawCircle(float r, bool cake)
     glEnd();
 }
 
-rendering::Texture* MakeCircleTexture(bool cake)
+rendering::Texture* CreateTexture(bool cake)
 {
     const std::vector<float> texels = CircleTexture(CIRCLE_TEXTURE_SIZE, cake);
     rendering::ImageFloatPtr image =
@@ -71,9 +71,9 @@ void CircleEntity::LoadResources()
 {
     if (s_circleTex)
         return;
-    s_circleTex = QLEX_NEW new util::Mentor<rendering::Texture>([] { return MakeCircleTexture(true); });
+    s_circleTex = QLEX_NEW new util::Mentor<rendering::Texture>([] { return CreateTexture(true); });
     s_circleTexNoCake =
-        QLEX_NEW new util::Mentor<rendering::Texture>([] { return MakeCircleTexture(false); });
+        QLEX_NEW new util::Mentor<rendering::Texture>([] { return CreateTexture(false); });
 }
 
 CircleEntity::CircleEntity(util::SharedPtr<physics::Circle> circle)

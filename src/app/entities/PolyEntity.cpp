@@ -17,12 +17,12 @@ namespace app
 // The distance texture of one polygon, in the texture manager, which makes it again after a window change.
 struct PolyEntity::RenderingResources
 {
-    float maxDist = 0;
-    rendering::TextureProxy texture;
+    float m_maxDist = 0;
+    rendering::TextureProxy m_texture;
 
     void Bind() const
     {
-        glBindTexture(GL_TEXTURE_2D, texture->GetName());
+        glBindTexture(GL_TEXTURE_2D, m_texture->GetName());
         glEnable(GL_TEXTURE_2D);
     }
     void Unbind() const
@@ -107,7 +107,7 @@ PolyEntity::~PolyEntity() = default;
 
 float PolyEntity::GetMaxDist() const
 {
-    return m_resources ? m_resources->maxDist : PolygonMaxDist(*m_polygon);
+    return m_resources ? m_resources->m_maxDist : PolygonMaxDist(*m_polygon);
 }
 
 void PolyEntity::LoadRenderingResources() const
@@ -115,8 +115,8 @@ void PolyEntity::LoadRenderingResources() const
     if (m_resources)
         return;
     auto resources = std::make_shared<RenderingResources>();
-    resources->maxDist = PolygonMaxDist(*m_polygon);
-    const std::vector<float> texels = PolygonDistanceTexture(*m_polygon, resources->maxDist);
+    resources->m_maxDist = PolygonMaxDist(*m_polygon);
+    const std::vector<float> texels = PolygonDistanceTexture(*m_polygon, resources->m_maxDist);
     const unsigned w = m_polygon->GetDistanceMap().GetWidth();
     const unsigned h = m_polygon->GetDistanceMap().GetHeight();
     rendering::ImageFloatPtr image = QLEX_NEW new rendering::ImageFloat(w, h);
@@ -124,7 +124,7 @@ void PolyEntity::LoadRenderingResources() const
         for (unsigned i = 0; i < w; ++i)
             (*image)(i, j) = texels[size_t(j) * w + i];
     // Not mipmapped: the alpha test cuts at exact distances, which averaged levels would move.
-    resources->texture = rendering::TextureManager::GetInstancePtr()->Load(
+    resources->m_texture = rendering::TextureManager::GetInstancePtr()->Load(
         image, rendering::Texture::ImageType(GL_ALPHA, false, rendering::Texture::Quality(1, 1, 1, 1, 0)));
     const_cast<PolyEntity*>(this)->m_resources = resources;
 }
@@ -159,7 +159,7 @@ void PolyEntity::Draw() const
     LoadRenderingResources();
     const App& app = *App::GetInstancePtr();
     const bool showBorder = app.m_borders || m_selectedLook || m_markedLook;
-    const float maxDist = m_resources->maxDist;
+    const float maxDist = m_resources->m_maxDist;
     // A wider border than the texture holds would cut the inside off.
     const float bw = std::min(app.GetObjectBorderWidth(), maxDist * 127.0f / 256.0f);
     math::Vec2 corners[4];
