@@ -1,4 +1,5 @@
 #include "app/entities/ShapeGeometry.h"
+#include "app/entities/CircleEntity.h"
 #include "physics/Polygon.h"
 #include "physics/testing/Scenes.h"
 
@@ -226,5 +227,18 @@ TEST(ShapeGeometry, PlaneSegmentOfANarrowBandIsAConvexFan)
     }
     // A band 0.6 wide across the square, measured along the normal: its length along the line is 4 / n.x.
     EXPECT_NEAR(std::fabs(area) / 2, 0.6f * 4.0f / n.x, 1e-3f);
+}
+} // namespace
+
+namespace
+{
+TEST(ShapeGeometry, CircleWiderThanItsTextureIsTooBigForIt)
+{
+    // 1024 texels across: a circle of more than 1024 pixels would magnify them.
+    const float pixel = 0.01f;
+    EXPECT_FALSE(app::CircleEntity::IsTooBigForTexture(5.11f, pixel));
+    EXPECT_FALSE(app::CircleEntity::IsTooBigForTexture(5.12f, pixel));
+    EXPECT_TRUE(app::CircleEntity::IsTooBigForTexture(5.13f, pixel));
+    EXPECT_TRUE(app::CircleEntity::IsTooBigForTexture(0.1f, 0.0001f));
 }
 } // namespace
