@@ -450,4 +450,39 @@ TEST_F(EntityDrawingGLTest, BlackSilhouettesClearColourAndAlphaOfTheWholeShape)
     EXPECT_TRUE(ColorNear(PixelAt(math::Vec2(0.0f, 0.4f + 0.2f + Px(2))), white, 3, true));
     EXPECT_TRUE(ColorNear(PixelAt(math::Vec2(0.6f + 0.3f + Px(3), 0.3f)), white, 3, true));
 }
+
+TEST_F(EntityDrawingGLTest, PenTailStaysPutAndWidensUnderAScalePreview)
+{
+    Sim().m_gravitySwitch = false;
+    Sim().m_airSwitch = false;
+    util::SharedPtr<app::CircleEntity> ball = AddCircle(0.05f, math::Vec2(-0.3f, -0.2f));
+    ball->GetBody()->SetVelocity(math::Vec2(1, 0));
+    util::SharedPtr<app::PenEntity> pen = QLEX_NEW new app::PenEntity(0.12f);
+    pen->AttachTo(ball->GetGeom(), math::Vec2(0, 0));
+    pen->SetColor(math::Vec4(1, 1, 0, 1));
+    TheScene().AddEntity(pen);
+    for (int i = 0; i < 50; ++i)
+        Sim().Update(0.01);
+    pen->m_fadeTime = 100.0f;
+    const math::Vec2 head = pen->GetPos();
+    // On the path, a quarter metre back; and beside it, outside the tail's half width of 0.042.
+    const math::Vec2 onPath(head.x - 0.25f, head.y);
+    const math::Vec2 beside(head.x - 0.25f, head.y + 0.06f);
+    DrawAlone(*pen);
+    EXPECT_TRUE(Near(PixelAt(onPath), Rgb(255, 255, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(beside), BLACK));
+
+    // A scale drag of 2 about the origin, as the world drawing applies it: the head goes along, the tail
+    // keeps its place and grows as wide as the preview scales.
+    glClear(GL_COLOR_BUFFER_BIT);
+    pen->m_scaleTransform = math::Mat3::Scale2D(math::Vec2(2, 2));
+    glPushMatrix();
+    math::Mat4FromMat2D(pen->m_scaleTransform).MultToGL();
+    DrawAlone(*pen);
+    glPopMatrix();
+    pen->ClearScaleTransform();
+    EXPECT_TRUE(Near(PixelAt(onPath), Rgb(255, 255, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(beside), Rgb(255, 255, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(head * 2.0f), Rgb(255, 255, 0, 255)));
+}
 } // namespace
