@@ -62,7 +62,10 @@ protected:
         math::Mat4FromMat2D(camera.WorldToGUI()).MultToGL();
         glClearColor(0, 0, 0, 1);
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-        // The world is drawn with blending on, as the application leaves it for the entities.
+        // The world is drawn with blending and 2D textures on, as the application leaves them for the
+        // entities: a shape that left its texture bound would paint the next one with it.
+        glEnable(GL_TEXTURE_2D);
+        glBindTexture(GL_TEXTURE_2D, 0);
         glEnable(GL_BLEND);
         glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
         glLineWidth(1);
