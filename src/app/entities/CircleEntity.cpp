@@ -72,8 +72,7 @@ void CircleEntity::LoadResources()
     if (s_circleTex)
         return;
     s_circleTex = QLEX_NEW new util::Mentor<rendering::Texture>([] { return CreateTexture(true); });
-    s_circleTexNoCake =
-        QLEX_NEW new util::Mentor<rendering::Texture>([] { return CreateTexture(false); });
+    s_circleTexNoCake = QLEX_NEW new util::Mentor<rendering::Texture>([] { return CreateTexture(false); });
 }
 
 CircleEntity::CircleEntity(util::SharedPtr<physics::Circle> circle)
