@@ -45,13 +45,16 @@ rendering::Texture* MakeTexture(const std::vector<float>& texels)
 }
 
 // A textured square of side `size` about c.
-void DrawSprite(const rendering::Texture& texture, math::Vec2 c, float size)
+void DrawSprite(util::Mentor<rendering::Texture>& mentor, math::Vec2 c, float size)
 {
     glPushAttrib(GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT | GL_TEXTURE_BIT);
+    // Made, if it must be, inside the saved state: making a texture leaves it bound, and the next picture
+    // without a texture of its own would be painted with it.
+    const util::SharedPtr<rendering::Texture> texture = mentor.GetPtr();
     glEnable(GL_TEXTURE_2D);
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    glBindTexture(GL_TEXTURE_2D, texture.GetName());
+    glBindTexture(GL_TEXTURE_2D, texture->GetName());
     rendering::Renderer::GetInstancePtr()->DrawRect(c, size);
     glBindTexture(GL_TEXTURE_2D, 0);
     glPopAttrib();
@@ -293,11 +296,11 @@ void PenEntity::Draw() const
     }
     LoadResources();
     SetDrawColor(m_color);
-    DrawSprite(*s_penTex->GetPtr(), GetPos(), m_size);
+    DrawSprite(*s_penTex, GetPos(), m_size);
     if (m_selectedLook || m_markedLook)
     {
         SetDrawColor(App::GetInstancePtr()->GetBorderColor(this));
-        DrawSprite(*s_ringTex->GetPtr(), GetPos(), RING_SCALE * m_size);
+        DrawSprite(*s_ringTex, GetPos(), RING_SCALE * m_size);
     }
 }
 

@@ -10,6 +10,7 @@
 #include "app/entities/SpringEntity.h"
 #include "math/MatrixGL.h"
 #include "rendering/GLContext.h"
+#include "util/Mentor.h"
 
 #include <GL/gl.h>
 
@@ -42,6 +43,9 @@ protected:
     }
     static void TearDownTestSuite()
     {
+        // The textures die with the window, as they do when the application's window changes.
+        for (util::AbstractMentor* mentor : util::AbstractMentor::GetAllClassInstances())
+            mentor->Unload();
         s_window->Close();
         delete s_window;
         s_window = nullptr;
@@ -200,7 +204,7 @@ TEST_F(EntityDrawingGLTest, PenShowsItsHeadAndAFadingTail)
     TheScene().AddEntity(pen);
     // A second of simulated time: the head moves a metre to the right, the tail follows the path.
     for (int i = 0; i < 100; ++i)
-        Sim().Update(0.01);
+        Sim().AdvanceOneStep();
     ASSERT_GT(pen->GetTail().size(), 10u);
     pen->m_fadeTime = 1.0f;
     DrawAlone(*pen);
@@ -465,7 +469,7 @@ TEST_F(EntityDrawingGLTest, PenTailStaysPutAndWidensUnderAScalePreview)
     pen->SetColor(math::Vec4(1, 1, 0, 1));
     TheScene().AddEntity(pen);
     for (int i = 0; i < 50; ++i)
-        Sim().Update(0.01);
+        Sim().AdvanceOneStep();
     pen->m_fadeTime = 100.0f;
     const math::Vec2 head = pen->GetPos();
     // On the path, a quarter metre back; and beside it, outside the tail's half width of 0.042.
@@ -487,5 +491,43 @@ TEST_F(EntityDrawingGLTest, PenTailStaysPutAndWidensUnderAScalePreview)
     EXPECT_TRUE(Near(PixelAt(onPath), Rgb(255, 255, 0, 255)));
     EXPECT_TRUE(Near(PixelAt(beside), Rgb(255, 255, 0, 255)));
     EXPECT_TRUE(Near(PixelAt(head * 2.0f), Rgb(255, 255, 0, 255)));
+}
+
+TEST_F(EntityDrawingGLTest, PicturesThatMakeTheirTexturesLeaveNoneBound)
+{
+    // Each texture is made at its first use, which binds it; the world draws everything else with 2D
+    // textures on, so a texture left bound would paint the next shape.
+    for (util::AbstractMentor* mentor : util::AbstractMentor::GetAllClassInstances())
+        mentor->Unload();
+    util::SharedPtr<app::CircleEntity> circle = AddCircle(0.2f, math::Vec2(-0.5f, 0.3f));
+    util::SharedPtr<app::PolyEntity> poly = QLEX_NEW new app::PolyEntity(QLEX_NEW new physics::Polygon(
+        physics::testing::RegularPolygonPoints(math::Vec2(0.5f, 0.3f), 0.2f, 8)));
+    TheScene().AddEntity(poly);
+    util::SharedPtr<app::PenEntity> pen = QLEX_NEW new app::PenEntity(0.2f);
+    pen->AttachTo(circle->GetGeom(), math::Vec2(0, 0));
+    pen->m_selectedLook = true;
+    TheScene().AddEntity(pen);
+    for (const app::Entity* e :
+         std::initializer_list<const app::Entity*>{circle.get(), poly.get(), pen.get()})
+    {
+        DrawAlone(*e);
+        GLint bound = -1;
+        glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
+        EXPECT_EQ(bound, 0) << typeid(*e).name();
+        glBindTexture(GL_TEXTURE_2D, 0);
+    }
+    poly->DrawBlack();
+    GLint bound = -1;
+    glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
+    EXPECT_EQ(bound, 0);
+
+    // A box drawn after them is plain.
+    util::SharedPtr<app::BoxEntity> box = AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(0, -0.4f));
+    box->SetColor(math::Vec4(0, 0, 1, 1));
+    for (util::AbstractMentor* mentor : util::AbstractMentor::GetAllClassInstances())
+        mentor->Unload();
+    DrawAlone(*pen);
+    DrawAlone(*box);
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.1f, -0.3f)), Rgb(0, 0, 255, 255)));
 }
 } // namespace
