@@ -259,7 +259,10 @@ size_t PenEntity::FindBegin() const
 void PenEntity::Draw() const
 {
     const util::ScopeProfiler profile("Pen::Draw");
-    if (m_tail.size() >= 2 && m_fadeTime > 0.0f)
+    // A preview that flattens the pen to a line can't be undone for the tail: the tail waits for a
+    // preview it can see through.
+    const bool tailVisible = !HasScaleTransform() || m_scaleTransform.Determinant() != 0.0f;
+    if (m_tail.size() >= 2 && m_fadeTime > 0.0f && tailVisible)
     {
         const util::ScopeProfiler tail("Pen::DrawTail");
         float w = TAIL_WIDTH * m_size;

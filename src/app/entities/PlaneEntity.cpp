@@ -29,7 +29,17 @@ void PlaneEntity::CalcVecsAndDist(math::Vec2 corners[4], float dists[4]) const
     const Camera& camera = *Scene::GetInstancePtr()->GetCamera();
     const math::Vec2 size = camera.GetViewSize();
     const math::Vec2 guiCorners[4] = {math::Vec2(0, 0), math::Vec2(0, size.y), size, math::Vec2(size.x, 0)};
-    // While a scale drag previews the plane elsewhere, the view is seen from the plane's own place.
+    // While a scale drag previews the plane elsewhere, the view is seen from the plane's own place. A
+    // preview that flattens everything to a line shows no half plane: the distances of nothing.
+    if (m_scaleTransform.Determinant() == 0.0f)
+    {
+        for (int i = 0; i < 4; ++i)
+        {
+            corners[i] = math::Vec2(0, 0);
+            dists[i] = math::INF;
+        }
+        return;
+    }
     const math::Mat3 unscale = math::Inverted(m_scaleTransform);
     for (int i = 0; i < 4; ++i)
     {

@@ -530,4 +530,28 @@ TEST_F(EntityDrawingGLTest, PicturesThatMakeTheirTexturesLeaveNoneBound)
     DrawAlone(*box);
     EXPECT_TRUE(Near(PixelAt(math::Vec2(0.1f, -0.3f)), Rgb(0, 0, 255, 255)));
 }
+
+TEST_F(EntityDrawingGLTest, APreviewFlattenedToALineDrawsWithoutFailing)
+{
+    util::SharedPtr<app::CircleEntity> ball = AddCircle(0.05f, math::Vec2(-0.3f, -0.2f));
+    ball->GetBody()->SetVelocity(math::Vec2(1, 0));
+    util::SharedPtr<app::PenEntity> pen = QLEX_NEW new app::PenEntity(0.12f);
+    pen->AttachTo(ball->GetGeom(), math::Vec2(0, 0));
+    TheScene().AddEntity(pen);
+    for (int i = 0; i < 20; ++i)
+        Sim().AdvanceOneStep();
+    ASSERT_GE(pen->GetTail().size(), 2u);
+    util::SharedPtr<app::PlaneEntity> floor = AddFloor(-0.5f);
+    floor->SetColor(math::Vec4(1, 1, 0, 1));
+    // A scale drag through zero: everything lies on the y axis.
+    const math::Mat3 flat = math::Mat3::Scale2D(math::Vec2(0, 1));
+    pen->m_scaleTransform = flat;
+    floor->m_scaleTransform = flat;
+    EXPECT_NO_THROW(DrawAlone(*pen));
+    EXPECT_NO_THROW(DrawAlone(*floor));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.5f, -0.7f)), BLACK));
+    floor->ClearScaleTransform();
+    DrawAlone(*floor);
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.5f, -0.7f)), Rgb(255, 255, 0, 255)));
+}
 } // namespace
