@@ -82,6 +82,10 @@ protected:
         app::App& application = *app::App::GetInstancePtr();
         application.m_borders = true;
         application.m_borderWidth = 0.1f;
+        application.m_drawOBBs = false;
+        application.m_drawMapOBBs = false;
+        application.m_drawBCs = false;
+        application.m_drawVertices = false;
         World::TearDown();
     }
 
@@ -97,6 +101,8 @@ protected:
         glClear(GL_DEPTH_BUFFER_BIT);
         entity.Draw();
         glFinish();
+        // The frame checks GL's error flag and ends the program on an error.
+        EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR)) << typeid(entity).name();
     }
     // World length of `pixels` pixels.
     static float Px(float pixels) { return pixels / ZOOM; }
@@ -553,5 +559,26 @@ TEST_F(EntityDrawingGLTest, APreviewFlattenedToALineDrawsWithoutFailing)
     floor->ClearScaleTransform();
     DrawAlone(*floor);
     EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.5f, -0.7f)), Rgb(255, 255, 0, 255)));
+}
+
+TEST_F(EntityDrawingGLTest, PolygonDebugPicturesDrawOverItsShape)
+{
+    app::App& application = *app::App::GetInstancePtr();
+    util::SharedPtr<app::PolyEntity> poly = QLEX_NEW new app::PolyEntity(
+        QLEX_NEW new physics::Polygon(physics::testing::RegularPolygonPoints(math::Vec2(0, 0), 0.5f, 6)));
+    TheScene().AddEntity(poly);
+    poly->SetColor(math::Vec4(1, 0, 0, 1));
+    glPointSize(5);
+    application.m_drawOBBs = true;
+    application.m_drawMapOBBs = true;
+    application.m_drawBCs = true;
+    application.m_drawVertices = true;
+    DrawAlone(*poly);
+    glPointSize(1);
+    // The vertices in green, the centre in light blue; the bounding circle adds its colour to the black
+    // around the shape, whatever its alpha.
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0.5f, 0)), Rgb(0, 255, 0, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0, 0)), Rgb(128, 128, 255, 255)));
+    EXPECT_TRUE(Near(PixelAt(math::Vec2(0, 0.48f)), Rgb(51, 51, 128, 255)));
 }
 } // namespace
