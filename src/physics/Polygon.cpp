@@ -20,6 +20,9 @@ const unsigned int MAP_CELLS = 64;
 // least this far outside the outline.
 const float WATER_MARGIN_FACTOR = 0.1f;
 
+// Most points that AssertMaxDist puts into one gap; far more than any sketch needs.
+const int MAX_GAP_POINTS = 100000;
+
 // A grid cell while the distance map is built.
 struct BuildCell
 {
@@ -102,7 +105,11 @@ Polygon::Polygon(const std::vector<math::Vec2>& points)
             m_vertices.push_back(p);
     while (m_vertices.size() > 1 && m_vertices.back() == m_vertices.front())
         m_vertices.pop_back();
-    if (m_vertices.size() < 3)
+    // A point that is no number (from a damaged scene file, say) has no place in an outline, and would leave
+    // the edge sort below without an order.
+    const bool finite = std::all_of(m_vertices.begin(), m_vertices.end(),
+                                    [](const math::Vec2& v) { return math::IsFinite(v); });
+    if (m_vertices.size() < 3 || !finite)
         QLEX_THROW(BadDataException("Bad polygon"));
 
     // Crossings don't depend on position or orientation, so the input loop is tested as it came: a bow-tie
@@ -208,18 +215,22 @@ util::SharedPtr<Polygon> Polygon::Scale(math::Vec2 factor) const
 math::Vec2 Polygon::CalcAttribs()
 {
     const size_t n = m_vertices.size();
+    // Sums over the vertices taken relative to the first one: the formulas don't depend on the origin, but
+    // the rounding does. Far from the world's origin the cross products of raw positions are huge next to
+    // the area and cancel to noise, which would put the centre of mass centimetres off at 100 m.
+    const math::Vec2 origin = m_vertices[0];
     float twiceArea = 0.0f;
     math::Vec2 centroidSum(0.0f, 0.0f);
     for (size_t i = 0; i < n; ++i)
     {
-        const math::Vec2& a = m_vertices[i];
-        const math::Vec2& b = m_vertices[(i + 1) % n];
+        const math::Vec2 a = m_vertices[i] - origin;
+        const math::Vec2 b = m_vertices[(i + 1) % n] - origin;
         const float cross = math::Cross(a, b);
         twiceArea += cross;
         centroidSum += (a + b) * cross;
     }
     float area = twiceArea / 2.0f;
-    const math::Vec2 centroid = centroidSum / (6.0f * area);
+    const math::Vec2 centroid = origin + centroidSum / (6.0f * area);
     if (area < 0.0f)
     {
         // Clockwise input: the interior must lie on the left of each edge.
@@ -485,6 +496,8 @@ std::vector<math::Vec2> AssertMaxDist(const std::vector<math::Vec2>& points, flo
     if (points.empty())
         return ret;
     ret.push_back(points.front());
+    // A spacing of zero or no number can't be met by any finite list: the points stay as they are.
+    const bool fill = maxDist > 0.0f;
     const size_t n = points.size();
     for (size_t i = 0; i < n; ++i)
     {
@@ -493,9 +506,11 @@ std::vector<math::Vec2> AssertMaxDist(const std::vector<math::Vec2>& points, flo
         const float d = math::Distance(a, b);
         if (d == 0.0f)
             continue;
-        if (d > maxDist)
+        if (fill && d > maxDist)
         {
-            const int extra = static_cast<int>(std::ceil(d / maxDist)) - 1;
+            // Bounded, so that a spacing far below the size of the shape can't exhaust the memory.
+            const float wanted = std::ceil(d / maxDist) - 1.0f;
+            const int extra = static_cast<int>(std::min(wanted, static_cast<float>(MAX_GAP_POINTS)));
             for (int k = 1; k <= extra; ++k)
                 ret.push_back(math::Lerp(a, b, static_cast<float>(k) / (extra + 1)));
         }
