@@ -142,6 +142,9 @@ Polygon::Polygon(const std::vector<math::Vec2>& points)
         const float pad = std::max(2.0f * e / size, minPad);
         m_mapBox.halfExtent[i] = e + 2.0f * pad;
         scale[i] = size / (2.0f * m_mapBox.halfExtent[i]);
+        // A sliver thinner than float can resolve (possible with no water margin) has no grid to bake.
+        if (!math::IsFiniteFloat(scale[i]))
+            QLEX_THROW(BadDataException("Bad polygon"));
     }
     // Cell coordinates: into the map box's frame, shifted so that the box spans 0..2e, scaled to cells,
     // and shifted by half a cell so that cell (i, j) has its centre at (i, j).
@@ -297,6 +300,10 @@ void Polygon::CalcDistMap()
             UpdateQueue(queue, cells, c.x + c.y * w, &edge, MapToWorld(c.x, c.y));
         }
     }
+
+    // Vertices lie inside the grid, so some cell is seeded; without one, no cell would learn an edge.
+    if (queue.empty())
+        QLEX_THROW(BadDataException("Bad polygon"));
 
     // Propagation: the closest edge spreads outward from the outline, nearest cells first.
     while (!queue.empty())

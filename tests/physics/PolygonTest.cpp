@@ -1,6 +1,7 @@
 #include "WorldTest.h"
 
 #include "physics/Polygon.h"
+#include "physics/SPH.h"
 
 #include <cmath>
 
@@ -90,6 +91,13 @@ TEST_F(WorldTest, Polygon_RefusesBadInput)
     EXPECT_EQ(ConstructionError({math::Vec2(0.0f, 0.0f), math::Vec2(math::INF, 0.0f), math::Vec2(1.0f, 1.0f),
                                  math::Vec2(0.0f, 1.0f)}),
               "Bad polygon");
+    // Without water there is no margin around the grid, and a sliver far thinner than float resolves leaves
+    // it no height.
+    SPH::GetInstancePtr()->m_radius = 0.0f;
+    EXPECT_EQ(ConstructionError({math::Vec2(0.0f, 0.0f), math::Vec2(1.0f, 0.0f), math::Vec2(0.5f, 1e-38f)}),
+              "Bad polygon");
+    EXPECT_EQ(ConstructionError({math::Vec2(0.0f, 0.0f), math::Vec2(1.0f, 0.0f), math::Vec2(0.5f, 1e-3f)}),
+              "");
     // A closed sketch repeats its first point: that is no extra vertex.
     std::vector<math::Vec2> closed = Square(1.0f, false);
     closed.push_back(closed.front());
@@ -246,6 +254,18 @@ TEST_F(WorldTest, Polygon_ScaleMirrorsAndKeepsCounterClockwise)
 
     util::SharedPtr<Polygon> twice = polygon->Scale(math::Vec2(2.0f, 2.0f));
     EXPECT_NEAR(twice->Area(), 4.0f * polygon->Area(), 1e-3f);
+
+    // The scale axes are the world's, whatever the polygon's turn: a 2 by 1 bar standing upright, stretched
+    // along x, becomes 2 by 2 in the world and keeps its pose.
+    util::SharedPtr<Polygon> bar = Polygon::CreateBox(math::Vec2(-1.0f, -0.5f), math::Vec2(1.0f, 0.5f));
+    bar->SetWorldPose(math::Mat2D::TranslationRotation(math::Vec2(5.0f, 0.0f), math::PIf / 2.0f));
+    util::SharedPtr<Polygon> wide = bar->Scale(math::Vec2(2.0f, 1.0f));
+    const BoundingBox2 bounds = wide->GetAABBWorld();
+    EXPECT_NEAR(bounds.min.x, 4.0f, 1e-4f);
+    EXPECT_NEAR(bounds.max.x, 6.0f, 1e-4f);
+    EXPECT_NEAR(bounds.min.y, -1.0f, 1e-4f);
+    EXPECT_NEAR(bounds.max.y, 1.0f, 1e-4f);
+    EXPECT_NEAR(wide->GetAngle(), math::PIf / 2.0f, 1e-6f);
 
     util::SharedPtr<Polygon> same = polygon->Scale(math::Vec2(1.0f, 1.0f));
     EXPECT_EQ(same->GetVertices(), polygon->GetVertices());
