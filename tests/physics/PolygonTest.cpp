@@ -234,6 +234,44 @@ TEST_F(WorldTest, Polygon_ConcaveShapeHasItsNotchOutside)
     EXPECT_NEAR(std::fabs(closest.x - 1.5f), 0.5f, 1e-5f);
 }
 
+TEST_F(WorldTest, Polygon_BoundsFollowThePose)
+{
+    // An L, turned and moved: each of its three world bounds holds every world vertex, and each is tight.
+    const std::vector<math::Vec2> l = {math::Vec2(0.0f, 0.0f), math::Vec2(3.0f, 0.0f),
+                                       math::Vec2(3.0f, 1.0f), math::Vec2(1.0f, 1.0f),
+                                       math::Vec2(1.0f, 2.0f), math::Vec2(0.0f, 2.0f)};
+    Polygon polygon(l);
+    polygon.SetWorldPose(math::Mat2D::TranslationRotation(math::Vec2(-4.0f, 7.0f), 0.7f));
+    const BoundingBox2 aabb = polygon.GetAABBWorld();
+    const BoundingCircle bc = polygon.GetBCWorld();
+    const math::OBB2D obb = polygon.GetOBBWorld();
+    const float slack = 1e-4f;
+    float farthest = 0.0f;
+    BoundingBox2 tight = BoundingBox2::Empty();
+    for (const math::Vec2& v : polygon.GetWorldVertices())
+    {
+        tight.Include(v);
+        EXPECT_GE(v.x, aabb.min.x - slack);
+        EXPECT_LE(v.x, aabb.max.x + slack);
+        EXPECT_GE(v.y, aabb.min.y - slack);
+        EXPECT_LE(v.y, aabb.max.y + slack);
+        farthest = std::max(farthest, math::Distance(v, bc.center));
+        EXPECT_LE(obb.Distance(v), slack);
+    }
+    EXPECT_NEAR(farthest, bc.radius, slack);
+    EXPECT_EQ(aabb.min, tight.min);
+    EXPECT_EQ(aabb.max, tight.max);
+    // The L's smallest box is its 3 by 2 frame; the circle spans its diagonal.
+    EXPECT_NEAR(obb.Area(), 6.0f, 0.05f);
+    EXPECT_NEAR(bc.radius, 0.5f * std::sqrt(13.0f), 0.05f);
+    // The polygon stands where the pose puts it.
+    EXPECT_NEAR(polygon.DistanceWorld(polygon.GetPosition()), polygon.DistancePolygon(math::Vec2(0.0f, 0.0f)),
+                1e-5f);
+    // Without a number there is no closest point on the outline.
+    EXPECT_EQ(polygon.GetClosestEdge(math::Vec2(std::nanf(""), 0.0f)), math::Vec2(0.0f, 0.0f));
+    EXPECT_EQ(polygon.GetClosestEdge(math::Vec2(math::INF, 0.0f)), math::Vec2(0.0f, 0.0f));
+}
+
 TEST_F(WorldTest, Polygon_ScaleMirrorsAndKeepsCounterClockwise)
 {
     const std::vector<math::Vec2> l = {math::Vec2(0.0f, 0.0f), math::Vec2(2.0f, 0.0f),
