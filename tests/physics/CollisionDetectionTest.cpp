@@ -363,6 +363,24 @@ TEST_F(WorldTest, Collision_PolygonRestsOnTheGroundAtItsHeight)
     EXPECT_LT(top->GetVelocity().Length(), 0.02f);
 }
 
+TEST_F(WorldTest, Collision_PolygonAndBoxRestOnEachOther)
+{
+    // A fixed box as a table, a polygon on it, and a box on the polygon: every pair meets through points of
+    // one shape in the other.
+    testing::AddStatic(QLEX_NEW new Box(math::Vec2(4.0f, 1.0f), math::Vec2(0.0f, -0.5f)));
+    util::SharedPtr<Body> middle =
+        testing::AddDynamic(Polygon::CreateBox(math::Vec2(-1.0f, 0.05f), math::Vec2(1.0f, 1.05f)));
+    util::SharedPtr<Body> top =
+        testing::AddDynamic(QLEX_NEW new Box(math::Vec2(0.6f, 0.6f), math::Vec2(0.2f, 1.4f)));
+    RunSeconds(3.0f);
+    EXPECT_NEAR(middle->GetPosition().y, 0.5f, 0.01f);
+    EXPECT_NEAR(middle->GetAngle(), 0.0f, 0.01f);
+    EXPECT_NEAR(top->GetPosition().y, 1.3f, 0.02f);
+    EXPECT_NEAR(top->GetPosition().x, 0.2f, 0.02f);
+    EXPECT_NEAR(top->GetAngle(), 0.0f, 0.01f);
+    EXPECT_LT(middle->GetVelocity().Length() + top->GetVelocity().Length(), 0.03f);
+}
+
 TEST_F(WorldTest, Collision_ConcavePolygonCatchesACircleInItsNotch)
 {
     // A fixed U whose notch is 1 wide between x = 1 and 2, its floor at y = 1.
