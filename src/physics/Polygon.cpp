@@ -132,7 +132,10 @@ Polygon::Polygon(const std::vector<math::Vec2>& points)
     m_localBC = BoundingCircle::BuildBest(static_cast<int>(n), m_vertices.data());
     m_mapSize = CalcMapSize(*this);
 
-    const float minPad = WATER_MARGIN_FACTOR * SPH::GetInstancePtr()->m_radius;
+    float minPad = WATER_MARGIN_FACTOR * SPH::GetInstancePtr()->m_radius;
+    // Water of no finite size can't be served by any margin; the shape still gets its grid.
+    if (!math::IsFiniteFloat(minPad))
+        minPad = 0.0f;
     m_mapBox = m_localBox;
     float scale[2];
     for (int i = 0; i < 2; ++i)

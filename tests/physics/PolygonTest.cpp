@@ -98,6 +98,11 @@ TEST_F(WorldTest, Polygon_RefusesBadInput)
               "Bad polygon");
     EXPECT_EQ(ConstructionError({math::Vec2(0.0f, 0.0f), math::Vec2(1.0f, 0.0f), math::Vec2(0.5f, 1e-3f)}),
               "");
+    // Water of endless size asks for an endless margin: the shape gets its grid all the same.
+    SPH::GetInstancePtr()->m_radius = math::INF;
+    Polygon square(Square(1.0f, false));
+    EXPECT_NEAR(square.DistanceWorld(math::Vec2(0.5f, 0.5f)), -0.5f, 0.05f);
+    EXPECT_NEAR(square.DistanceWorld(math::Vec2(0.5f, 1.01f)), 0.01f, 0.01f);
     // A closed sketch repeats its first point: that is no extra vertex.
     std::vector<math::Vec2> closed = Square(1.0f, false);
     closed.push_back(closed.front());
