@@ -58,6 +58,29 @@ void UpdateQueue(CellQueue& queue, std::vector<BuildCell>& cells, unsigned int c
     }
 }
 
+// Drops each point at no distance from its predecessor (equal, or so close that the squared distance
+// underflows), then the last points while they repeat the first.
+void DropRepeats(std::vector<math::Vec2>& points)
+{
+    size_t kept = 0;
+    for (size_t i = 0; i < points.size(); ++i)
+        if (kept == 0 || math::DistanceSq(points[i], points[kept - 1]) > 0.0f)
+            points[kept++] = points[i];
+    points.resize(kept);
+    while (points.size() > 1 && !(math::DistanceSq(points.back(), points.front()) > 0.0f))
+        points.pop_back();
+}
+
+// Edge i runs from vertex i to vertex i + 1, the last one closing the loop.
+void BuildLines(const std::vector<math::Vec2>& vertices, std::vector<Linesegment>& lines)
+{
+    const size_t n = vertices.size();
+    lines.clear();
+    lines.reserve(n);
+    for (size_t i = 0; i < n; ++i)
+        lines.push_back(Linesegment(vertices[i], vertices[(i + 1) % n]));
+}
+
 bool SegmentsMayTouch(const Linesegment& s, const Linesegment& t)
 {
     return !(std::max(s.a.y, s.b.y) < std::min(t.a.y, t.b.y) ||
@@ -100,24 +123,18 @@ math::TVector2<unsigned int> CalcMapSize(const Polygon&)
 Polygon::Polygon(const std::vector<math::Vec2>& points)
     : Geom(Kind::Polygon), m_localBC(BoundingCircle(math::Vec2(0.0f, 0.0f), -1.0f))
 {
-    for (const math::Vec2& p : points)
-        if (m_vertices.empty() || !(p == m_vertices.back()))
-            m_vertices.push_back(p);
-    while (m_vertices.size() > 1 && m_vertices.back() == m_vertices.front())
-        m_vertices.pop_back();
     // A point that is no number (from a damaged scene file, say) has no place in an outline, and would leave
     // the edge sort below without an order.
-    const bool finite = std::all_of(m_vertices.begin(), m_vertices.end(),
-                                    [](const math::Vec2& v) { return math::IsFinite(v); });
+    const bool finite =
+        std::all_of(points.begin(), points.end(), [](const math::Vec2& v) { return math::IsFinite(v); });
+    m_vertices = points;
+    DropRepeats(m_vertices);
     if (m_vertices.size() < 3 || !finite)
         QLEX_THROW(BadDataException("Bad polygon"));
 
     // Crossings don't depend on position or orientation, so the input loop is tested as it came: a bow-tie
     // has no area to speak of, and is refused for what it is.
-    const size_t n = m_vertices.size();
-    m_lines.reserve(n);
-    for (size_t i = 0; i < n; ++i)
-        m_lines.push_back(Linesegment(m_vertices[i], m_vertices[(i + 1) % n]));
+    BuildLines(m_vertices, m_lines);
     if (HasSelfIntersection(m_lines))
         QLEX_THROW(BadDataException("Self-intersecting polygon"));
 
@@ -125,8 +142,13 @@ Polygon::Polygon(const std::vector<math::Vec2>& points)
     // A shape without area (all points on one line) has no centroid and no mass.
     if (!(m_area > 0.0f) || !math::IsFinite(centroid))
         QLEX_THROW(BadDataException("Bad polygon"));
-    for (size_t i = 0; i < n; ++i)
-        m_lines[i] = Linesegment(m_vertices[i], m_vertices[(i + 1) % n]);
+    // Points closer together than float tells apart once the centroid is taken off are one point now. Left
+    // in, they would make an edge without length, which every cell would find at distance 0.
+    DropRepeats(m_vertices);
+    if (m_vertices.size() < 3)
+        QLEX_THROW(BadDataException("Bad polygon"));
+    BuildLines(m_vertices, m_lines);
+    const size_t n = m_vertices.size();
 
     m_localBox = math::OBB2D::Build(m_vertices.data(), static_cast<int>(n));
     m_localBC = BoundingCircle::BuildBest(static_cast<int>(n), m_vertices.data());

@@ -100,13 +100,22 @@ TEST_F(WorldTest, Polygon_RefusesBadInput)
               "");
     // Water of endless size asks for an endless margin: the shape gets its grid all the same.
     SPH::GetInstancePtr()->m_radius = math::INF;
-    Polygon square(Square(1.0f, false));
-    EXPECT_NEAR(square.DistanceWorld(math::Vec2(0.5f, 0.5f)), -0.5f, 0.05f);
-    EXPECT_NEAR(square.DistanceWorld(math::Vec2(0.5f, 1.01f)), 0.01f, 0.01f);
+    Polygon unpadded(Square(1.0f, false));
+    EXPECT_NEAR(unpadded.DistanceWorld(math::Vec2(0.5f, 0.5f)), -0.5f, 0.05f);
+    EXPECT_NEAR(unpadded.DistanceWorld(math::Vec2(0.5f, 1.01f)), 0.01f, 0.01f);
+    testing::ResetWorld();
     // A closed sketch repeats its first point: that is no extra vertex.
     std::vector<math::Vec2> closed = Square(1.0f, false);
     closed.push_back(closed.front());
     EXPECT_EQ(Polygon(closed).GetVertices().size(), 4u);
+    // Two points closer than float can tell apart beside the centroid are one point too: an edge of no
+    // length would have emptied the whole field, and the shape would have met nothing.
+    std::vector<math::Vec2> nearTwin = Square(1.0f, false);
+    nearTwin.insert(nearTwin.begin() + 1, math::Vec2(1e-30f, 0.0f));
+    Polygon square(nearTwin);
+    EXPECT_EQ(square.GetVertices().size(), 4u);
+    EXPECT_NEAR(square.DistanceWorld(math::Vec2(0.5f, 0.5f)), -0.5f, 0.05f);
+    EXPECT_NEAR(square.DistanceWorld(math::Vec2(0.5f, 1.01f)), 0.01f, 0.01f);
 }
 
 TEST_F(WorldTest, Polygon_MassPropertiesFarFromTheOrigin)
