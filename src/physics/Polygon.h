@@ -14,8 +14,8 @@ namespace physics
 class Polygon final : public Geom
 {
 public:
-    // Throws BadDataException "Bad polygon" (fewer than three distinct points, or no area) and
-    // "Self-intersecting polygon".
+    // Throws BadDataException "Bad polygon" (fewer than three distinct points, a point that is no number, no
+    // area, or too thin for a grid) and "Self-intersecting polygon".
     explicit Polygon(const std::vector<math::Vec2>& points);
     Polygon(const Polygon& other);
 
