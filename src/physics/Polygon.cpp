@@ -20,6 +20,9 @@ const unsigned int MAP_CELLS = 64;
 // least this far outside the outline.
 const float WATER_MARGIN_FACTOR = 0.1f;
 
+// Most points that AssertMaxDist puts into one gap; far more than any sketch needs.
+const int MAX_GAP_POINTS = 100000;
+
 // A grid cell while the distance map is built.
 struct BuildCell
 {
@@ -53,6 +56,29 @@ void UpdateQueue(CellQueue& queue, std::vector<BuildCell>& cells, unsigned int c
         c.distSq = distSq;
         queue.push(CellDistPair{distSq, cell});
     }
+}
+
+// Drops each point at no distance from its predecessor (equal, or so close that the squared distance
+// underflows), then the last points while they repeat the first.
+void DropRepeats(std::vector<math::Vec2>& points)
+{
+    size_t kept = 0;
+    for (size_t i = 0; i < points.size(); ++i)
+        if (kept == 0 || math::DistanceSq(points[i], points[kept - 1]) > 0.0f)
+            points[kept++] = points[i];
+    points.resize(kept);
+    while (points.size() > 1 && !(math::DistanceSq(points.back(), points.front()) > 0.0f))
+        points.pop_back();
+}
+
+// Edge i runs from vertex i to vertex i + 1, the last one closing the loop.
+void BuildLines(const std::vector<math::Vec2>& vertices, std::vector<Linesegment>& lines)
+{
+    const size_t n = vertices.size();
+    lines.clear();
+    lines.reserve(n);
+    for (size_t i = 0; i < n; ++i)
+        lines.push_back(Linesegment(vertices[i], vertices[(i + 1) % n]));
 }
 
 bool SegmentsMayTouch(const Linesegment& s, const Linesegment& t)
@@ -97,20 +123,18 @@ math::TVector2<unsigned int> CalcMapSize(const Polygon&)
 Polygon::Polygon(const std::vector<math::Vec2>& points)
     : Geom(Kind::Polygon), m_localBC(BoundingCircle(math::Vec2(0.0f, 0.0f), -1.0f))
 {
-    for (const math::Vec2& p : points)
-        if (m_vertices.empty() || !(p == m_vertices.back()))
-            m_vertices.push_back(p);
-    while (m_vertices.size() > 1 && m_vertices.back() == m_vertices.front())
-        m_vertices.pop_back();
-    if (m_vertices.size() < 3)
+    // A point that is no number (from a damaged scene file, say) has no place in an outline, and would leave
+    // the edge sort below without an order.
+    const bool finite =
+        std::all_of(points.begin(), points.end(), [](const math::Vec2& v) { return math::IsFinite(v); });
+    m_vertices = points;
+    DropRepeats(m_vertices);
+    if (m_vertices.size() < 3 || !finite)
         QLEX_THROW(BadDataException("Bad polygon"));
 
     // Crossings don't depend on position or orientation, so the input loop is tested as it came: a bow-tie
     // has no area to speak of, and is refused for what it is.
-    const size_t n = m_vertices.size();
-    m_lines.reserve(n);
-    for (size_t i = 0; i < n; ++i)
-        m_lines.push_back(Linesegment(m_vertices[i], m_vertices[(i + 1) % n]));
+    BuildLines(m_vertices, m_lines);
     if (HasSelfIntersection(m_lines))
         QLEX_THROW(BadDataException("Self-intersecting polygon"));
 
@@ -118,14 +142,22 @@ Polygon::Polygon(const std::vector<math::Vec2>& points)
     // A shape without area (all points on one line) has no centroid and no mass.
     if (!(m_area > 0.0f) || !math::IsFinite(centroid))
         QLEX_THROW(BadDataException("Bad polygon"));
-    for (size_t i = 0; i < n; ++i)
-        m_lines[i] = Linesegment(m_vertices[i], m_vertices[(i + 1) % n]);
+    // Points closer together than float tells apart once the centroid is taken off are one point now. Left
+    // in, they would make an edge without length, which every cell would find at distance 0.
+    DropRepeats(m_vertices);
+    if (m_vertices.size() < 3)
+        QLEX_THROW(BadDataException("Bad polygon"));
+    BuildLines(m_vertices, m_lines);
+    const size_t n = m_vertices.size();
 
     m_localBox = math::OBB2D::Build(m_vertices.data(), static_cast<int>(n));
     m_localBC = BoundingCircle::BuildBest(static_cast<int>(n), m_vertices.data());
     m_mapSize = CalcMapSize(*this);
 
-    const float minPad = WATER_MARGIN_FACTOR * SPH::GetInstancePtr()->m_radius;
+    float minPad = WATER_MARGIN_FACTOR * SPH::GetInstancePtr()->m_radius;
+    // Water of no finite size can't be served by any margin; the shape still gets its grid.
+    if (!math::IsFiniteFloat(minPad))
+        minPad = 0.0f;
     m_mapBox = m_localBox;
     float scale[2];
     for (int i = 0; i < 2; ++i)
@@ -135,6 +167,9 @@ Polygon::Polygon(const std::vector<math::Vec2>& points)
         const float pad = std::max(2.0f * e / size, minPad);
         m_mapBox.halfExtent[i] = e + 2.0f * pad;
         scale[i] = size / (2.0f * m_mapBox.halfExtent[i]);
+        // A sliver thinner than float can resolve (possible with no water margin) has no grid to bake.
+        if (!math::IsFiniteFloat(scale[i]))
+            QLEX_THROW(BadDataException("Bad polygon"));
     }
     // Cell coordinates: into the map box's frame, shifted so that the box spans 0..2e, scaled to cells,
     // and shifted by half a cell so that cell (i, j) has its centre at (i, j).
@@ -208,18 +243,22 @@ util::SharedPtr<Polygon> Polygon::Scale(math::Vec2 factor) const
 math::Vec2 Polygon::CalcAttribs()
 {
     const size_t n = m_vertices.size();
+    // Sums over the vertices taken relative to the first one: the formulas don't depend on the origin, but
+    // the rounding does. Far from the world's origin the cross products of raw positions are huge next to
+    // the area and cancel to noise, which would put the centre of mass centimetres off at 100 m.
+    const math::Vec2 origin = m_vertices[0];
     float twiceArea = 0.0f;
     math::Vec2 centroidSum(0.0f, 0.0f);
     for (size_t i = 0; i < n; ++i)
     {
-        const math::Vec2& a = m_vertices[i];
-        const math::Vec2& b = m_vertices[(i + 1) % n];
+        const math::Vec2 a = m_vertices[i] - origin;
+        const math::Vec2 b = m_vertices[(i + 1) % n] - origin;
         const float cross = math::Cross(a, b);
         twiceArea += cross;
         centroidSum += (a + b) * cross;
     }
     float area = twiceArea / 2.0f;
-    const math::Vec2 centroid = centroidSum / (6.0f * area);
+    const math::Vec2 centroid = origin + centroidSum / (6.0f * area);
     if (area < 0.0f)
     {
         // Clockwise input: the interior must lie on the left of each edge.
@@ -286,6 +325,10 @@ void Polygon::CalcDistMap()
             UpdateQueue(queue, cells, c.x + c.y * w, &edge, MapToWorld(c.x, c.y));
         }
     }
+
+    // Vertices lie inside the grid, so some cell is seeded; without one, no cell would learn an edge.
+    if (queue.empty())
+        QLEX_THROW(BadDataException("Bad polygon"));
 
     // Propagation: the closest edge spreads outward from the outline, nearest cells first.
     while (!queue.empty())
@@ -485,6 +528,8 @@ std::vector<math::Vec2> AssertMaxDist(const std::vector<math::Vec2>& points, flo
     if (points.empty())
         return ret;
     ret.push_back(points.front());
+    // A spacing of zero or no number can't be met by any finite list: the points stay as they are.
+    const bool fill = maxDist > 0.0f;
     const size_t n = points.size();
     for (size_t i = 0; i < n; ++i)
     {
@@ -493,9 +538,11 @@ std::vector<math::Vec2> AssertMaxDist(const std::vector<math::Vec2>& points, flo
         const float d = math::Distance(a, b);
         if (d == 0.0f)
             continue;
-        if (d > maxDist)
+        if (fill && d > maxDist)
         {
-            const int extra = static_cast<int>(std::ceil(d / maxDist)) - 1;
+            // Bounded, so that a spacing far below the size of the shape can't exhaust the memory.
+            const float wanted = std::ceil(d / maxDist) - 1.0f;
+            const int extra = static_cast<int>(std::min(wanted, static_cast<float>(MAX_GAP_POINTS)));
             for (int k = 1; k <= extra; ++k)
                 ret.push_back(math::Lerp(a, b, static_cast<float>(k) / (extra + 1)));
         }

@@ -14,8 +14,8 @@ namespace physics
 class Polygon final : public Geom
 {
 public:
-    // Throws BadDataException "Bad polygon" (fewer than three distinct points, or no area) and
-    // "Self-intersecting polygon".
+    // Throws BadDataException "Bad polygon" (fewer than three distinct points, a point that is no number, no
+    // area, or too thin for a grid) and "Self-intersecting polygon".
     explicit Polygon(const std::vector<math::Vec2>& points);
     Polygon(const Polygon& other);
 
@@ -89,7 +89,8 @@ private:
 // The grid size of every polygon's maps.
 math::TVector2<unsigned int> CalcMapSize(const Polygon& polygon);
 
-// Points of a closed loop with extra points so that no gap exceeds maxDist.
+// Points of a closed loop with extra points so that no gap exceeds maxDist (a maxDist that isn't above 0
+// adds none).
 std::vector<math::Vec2> AssertMaxDist(const std::vector<math::Vec2>& points, float maxDist);
 // Points of a closed loop thinned so that consecutive points are more than minDist apart.
 std::vector<math::Vec2> AssertMinDist(const std::vector<math::Vec2>& points, float minDist);

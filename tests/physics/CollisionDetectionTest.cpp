@@ -4,8 +4,10 @@
 #include "physics/Circle.h"
 #include "physics/CollisionDetection.h"
 #include "physics/Contact.h"
+#include "physics/Particle.h"
 #include "physics/Plane.h"
 #include "physics/Polygon.h"
+#include "physics/SPH.h"
 
 #include <algorithm>
 #include <cmath>
@@ -43,6 +45,24 @@ public:
 private:
     std::vector<util::SharedPtr<Contact>> m_contacts;
 };
+
+// What holds for every contact of every pair: a unit normal pointing from shape A's body towards shape B's,
+// and a positive depth.
+void ExpectPointsFromAToB(const Contact& contact)
+{
+    EXPECT_NEAR(contact.GetNormal().Length(), 1.0f, 1e-4f);
+    EXPECT_GT(contact.GetDepth(), 0.0f);
+    const math::Vec2 ab = contact.GetBody(1)->GetPosition() - contact.GetBody(0)->GetPosition();
+    EXPECT_GT(math::Dot(contact.GetNormal(), ab), 0.0f) << "sub " << contact.GetID().sub;
+}
+
+util::SharedPtr<Body> Place(const util::SharedPtr<Body>& body, const math::Vec2& position, float angle = 0.0f)
+{
+    body->SetPosition(position);
+    body->SetAngle(angle);
+    body->ApplyPoseChange();
+    return body;
+}
 } // namespace
 
 TEST_F(WorldTest, Collision_CirclesTouchingExactlyDoNotCollide)
@@ -169,6 +189,212 @@ TEST_F(WorldTest, Collision_PolygonsTouchThroughVertices)
         EXPECT_NEAR(std::fabs(contacts[i].GetNormal().y), 1.0f, 0.02f);
         EXPECT_NEAR(contacts[i].GetDepth(), 0.01f, 0.005f);
     }
+}
+
+TEST_F(WorldTest, Collision_PolygonOnAPlaneGivesItsVerticesBelow)
+{
+    testing::AddGround();
+    // A 2 by 1 polygon box sunk 0.01 into the ground and tilted a little: only its bottom side's five points
+    // (corner, 1/32, 1/2, 31/32, corner) are below, each at its own depth.
+    util::SharedPtr<Polygon> polygon = Polygon::CreateBox(math::Vec2(-1.0f, -0.5f), math::Vec2(1.0f, 0.5f));
+    util::SharedPtr<Body> body = Place(testing::AddDynamic(polygon), math::Vec2(0.0f, 0.49f), 0.002f);
+    Contacts contacts;
+    ASSERT_EQ(contacts.size(), 5u);
+    const std::vector<math::Vec2>& vertices = polygon->GetWorldVertices();
+    for (size_t i = 0; i < contacts.size(); ++i)
+    {
+        const Contact& c = contacts[i];
+        ASSERT_LT(c.GetID().sub, vertices.size());
+        const math::Vec2& v = vertices[c.GetID().sub];
+        EXPECT_EQ(c.GetPoint(), v);
+        EXPECT_FLOAT_EQ(c.GetDepth(), -v.y);
+        EXPECT_EQ(c.GetNormal(), math::Vec2(0.0f, 1.0f));
+        EXPECT_EQ(c.GetBody(1), body.get());
+    }
+    // The same vertices give the same ids from step to step.
+    const std::vector<std::uint32_t> ids = contacts.SubIds();
+    Place(body, math::Vec2(0.2f, 0.495f), 0.002f);
+    EXPECT_EQ(Contacts().SubIds(), ids);
+    // Lifted clear of the ground: nothing.
+    Place(body, math::Vec2(0.0f, 0.51f));
+    EXPECT_EQ(Contacts().size(), 0u);
+}
+
+TEST_F(WorldTest, Collision_PolygonAgainstEveryOtherShape)
+{
+    // A polygon square of side 2 at the origin; each other shape overlaps it from one side.
+    util::SharedPtr<Polygon> square = Polygon::CreateBox(math::Vec2(-1.0f, -1.0f), math::Vec2(1.0f, 1.0f));
+    testing::AddDynamic(square);
+    const std::uint32_t n = static_cast<std::uint32_t>(square->GetWorldVertices().size());
+    ASSERT_EQ(n, 16u);
+
+    // A box over its right side, 0.1 deep and narrower than the side: the polygon's points inside the box
+    // come first (box to polygon, ids 1..n), then the box's corners inside the polygon (polygon to box,
+    // ids n+1..n+4).
+    util::SharedPtr<Box> box = QLEX_NEW new Box(math::Vec2(1.0f, 1.0f), math::Vec2(1.4f, 0.2f));
+    util::SharedPtr<Body> boxBody = testing::AddDynamic(box);
+    {
+        Contacts contacts;
+        ASSERT_GE(contacts.size(), 3u);
+        int corners = 0;
+        for (size_t i = 0; i < contacts.size(); ++i)
+        {
+            const Contact& c = contacts[i];
+            ExpectPointsFromAToB(c);
+            EXPECT_NEAR(c.GetDepth(), 0.1f, 0.01f);
+            EXPECT_NEAR(std::fabs(c.GetNormal().x), 1.0f, 0.02f);
+            EXPECT_GE(c.GetID().sub, 1u);
+            EXPECT_LE(c.GetID().sub, n + 4);
+            if (c.GetID().sub > n)
+            {
+                ++corners;
+                EXPECT_EQ(c.GetBody(1), boxBody.get());
+                EXPECT_NEAR(c.GetPoint().x, 0.9f, 1e-5f);
+            }
+            else
+            {
+                EXPECT_EQ(c.GetPoint(), square->GetWorldVertices()[c.GetID().sub - 1]);
+            }
+        }
+        // The box's two left corners lie inside the polygon.
+        EXPECT_EQ(corners, 2);
+    }
+    Place(boxBody, math::Vec2(1.6f, 0.2f));
+    EXPECT_EQ(Contacts().size(), 0u);
+    Sim().RemoveBody(boxBody);
+
+    // A circle over the middle of the top side, 0.05 deep: the one edge contact, numbered by its edge from 1.
+    util::SharedPtr<Body> circle = testing::AddDynamic(QLEX_NEW new Circle(math::Vec2(-0.3f, 1.25f), 0.3f));
+    {
+        Contacts contacts;
+        ASSERT_EQ(contacts.size(), 1u);
+        const Contact& c = contacts[0];
+        ExpectPointsFromAToB(c);
+        EXPECT_EQ(c.GetBody(0), circle.get());
+        EXPECT_NEAR(c.GetDepth(), 0.05f, 1e-5f);
+        EXPECT_NEAR(c.GetPoint().x, -0.3f, 1e-5f);
+        EXPECT_NEAR(c.GetPoint().y, 1.0f, 1e-5f);
+        // The top side runs from (1, 1) to (-1, 1) in four edges: -0.3 lies on the third of them, edge 10.
+        const Linesegment& edge = square->GetWorldLines()[c.GetID().sub - 1];
+        EXPECT_NEAR(edge.Distance(c.GetPoint()), 0.0f, 1e-5f);
+        EXPECT_LE(c.GetID().sub, n);
+    }
+    Sim().RemoveBody(circle);
+
+    // Another polygon, tilted, with one corner pushed 0.1 into the left side.
+    util::SharedPtr<Polygon> other = Polygon::CreateBox(math::Vec2(-0.5f, -0.5f), math::Vec2(0.5f, 0.5f));
+    const float half = 0.5f * std::sqrt(2.0f);
+    util::SharedPtr<Body> otherBody =
+        Place(testing::AddDynamic(other), math::Vec2(-1.0f - half + 0.1f, 0.0f), math::PIf / 4.0f);
+    {
+        Contacts contacts;
+        ASSERT_GE(contacts.size(), 1u);
+        float deepest = 0.0f;
+        for (size_t i = 0; i < contacts.size(); ++i)
+        {
+            const Contact& c = contacts[i];
+            ExpectPointsFromAToB(c);
+            // Vertices of the first polygon (the square, added first) count from 1, then those of the other,
+            // which meet the square's field and are pushed out through its left side.
+            if (c.GetID().sub > n)
+            {
+                EXPECT_EQ(c.GetPoint(), other->GetWorldVertices()[c.GetID().sub - n - 1]);
+                EXPECT_EQ(c.GetBody(1), otherBody.get());
+                EXPECT_NEAR(c.GetNormal().x, -1.0f, 0.02f);
+                EXPECT_NEAR(c.GetDepth(), c.GetPoint().x + 1.0f, 0.01f);
+                deepest = std::max(deepest, c.GetDepth());
+            }
+        }
+        EXPECT_NEAR(deepest, 0.1f, 0.01f);
+    }
+    Sim().RemoveBody(otherBody);
+
+    // The ground plane just under it.
+    testing::AddGround(-0.98f);
+    {
+        Contacts contacts;
+        ASSERT_EQ(contacts.size(), 5u);
+        for (size_t i = 0; i < contacts.size(); ++i)
+            EXPECT_NEAR(contacts[i].GetDepth(), 0.02f, 1e-5f);
+    }
+}
+
+TEST_F(WorldTest, Collision_WaterMeetsAPolygonWithinATenthOfItsRadius)
+{
+    util::SharedPtr<Polygon> square = Polygon::CreateBox(math::Vec2(-1.0f, -1.0f), math::Vec2(1.0f, 1.0f));
+    testing::AddDynamic(square);
+    const float reach = 0.1f * SPH::GetInstancePtr()->m_radius;
+    // One particle above the top side within reach, one beyond it.
+    Sim().AddParticle(QLEX_NEW new Particle(math::Vec2(0.1f, 1.0f + 0.5f * reach), math::Vec2(0.0f, 0.0f)));
+    Sim().AddParticle(QLEX_NEW new Particle(math::Vec2(-0.1f, 1.0f + 2.0f * reach), math::Vec2(0.0f, 0.0f)));
+    {
+        Contacts contacts;
+        ASSERT_EQ(contacts.size(), 1u);
+        const Contact& c = contacts[0];
+        EXPECT_EQ(c.GetID().sub, 0u);
+        EXPECT_NEAR(c.GetDepth(), 0.5f * reach, 0.2f * reach);
+        EXPECT_NEAR(c.GetNormal().y, 1.0f, 0.02f);
+        EXPECT_EQ(c.GetBody(1), Sim().GetParticles()[0].get());
+    }
+    // Collide sets don't part water and shapes; only collideWater does.
+    square->SetCollideSet(0);
+    EXPECT_EQ(Contacts().size(), 1u);
+    square->SetWaterCollide(false);
+    EXPECT_EQ(Contacts().size(), 0u);
+}
+
+TEST_F(WorldTest, Collision_PolygonRestsOnTheGroundAtItsHeight)
+{
+    testing::AddGround();
+    util::SharedPtr<Body> body =
+        testing::AddDynamic(Polygon::CreateBox(math::Vec2(-1.0f, 0.2f), math::Vec2(1.0f, 1.2f)));
+    RunSeconds(3.0f);
+    EXPECT_NEAR(body->GetPosition().y, 0.5f, 0.01f);
+    EXPECT_NEAR(body->GetPosition().x, 0.0f, 0.01f);
+    EXPECT_NEAR(body->GetAngle(), 0.0f, 0.01f);
+    EXPECT_LT(body->GetVelocity().Length(), 0.02f);
+
+    // A polygon on that polygon stays on it too.
+    util::SharedPtr<Body> top =
+        testing::AddDynamic(Polygon::CreateBox(math::Vec2(-0.4f, 1.05f), math::Vec2(0.4f, 1.45f)));
+    RunSeconds(3.0f);
+    EXPECT_NEAR(top->GetPosition().y, 1.2f, 0.02f);
+    EXPECT_NEAR(top->GetAngle(), 0.0f, 0.01f);
+    EXPECT_LT(top->GetVelocity().Length(), 0.02f);
+}
+
+TEST_F(WorldTest, Collision_PolygonAndBoxRestOnEachOther)
+{
+    // A fixed box as a table, a polygon on it, and a box on the polygon: every pair meets through points of
+    // one shape in the other.
+    testing::AddStatic(QLEX_NEW new Box(math::Vec2(4.0f, 1.0f), math::Vec2(0.0f, -0.5f)));
+    util::SharedPtr<Body> middle =
+        testing::AddDynamic(Polygon::CreateBox(math::Vec2(-1.0f, 0.05f), math::Vec2(1.0f, 1.05f)));
+    util::SharedPtr<Body> top =
+        testing::AddDynamic(QLEX_NEW new Box(math::Vec2(0.6f, 0.6f), math::Vec2(0.2f, 1.4f)));
+    RunSeconds(3.0f);
+    EXPECT_NEAR(middle->GetPosition().y, 0.5f, 0.01f);
+    EXPECT_NEAR(middle->GetAngle(), 0.0f, 0.01f);
+    EXPECT_NEAR(top->GetPosition().y, 1.3f, 0.02f);
+    EXPECT_NEAR(top->GetPosition().x, 0.2f, 0.02f);
+    EXPECT_NEAR(top->GetAngle(), 0.0f, 0.01f);
+    EXPECT_LT(middle->GetVelocity().Length() + top->GetVelocity().Length(), 0.03f);
+}
+
+TEST_F(WorldTest, Collision_ConcavePolygonCatchesACircleInItsNotch)
+{
+    // A fixed U whose notch is 1 wide between x = 1 and 2, its floor at y = 1.
+    const std::vector<math::Vec2> u = {math::Vec2(0.0f, 0.0f), math::Vec2(3.0f, 0.0f), math::Vec2(3.0f, 3.0f),
+                                       math::Vec2(2.0f, 3.0f), math::Vec2(2.0f, 1.0f), math::Vec2(1.0f, 1.0f),
+                                       math::Vec2(1.0f, 3.0f), math::Vec2(0.0f, 3.0f)};
+    testing::AddStatic(QLEX_NEW new Polygon(AssertMaxDist(u, 0.1f)));
+    // Dropped off-centre, it falls in, knocks against the walls and settles on the notch's floor.
+    util::SharedPtr<Body> ball = testing::AddDynamic(QLEX_NEW new Circle(math::Vec2(1.6f, 4.0f), 0.3f));
+    RunSeconds(4.0f);
+    EXPECT_NEAR(ball->GetPosition().y, 1.3f, 0.02f);
+    EXPECT_GT(ball->GetPosition().x, 1.3f - 0.02f);
+    EXPECT_LT(ball->GetPosition().x, 1.7f + 0.02f);
+    EXPECT_LT(ball->GetVelocity().Length(), 0.05f);
 }
 
 TEST_F(WorldTest, Collision_Filters)
