@@ -14,9 +14,9 @@ const char* const Configuration::AUTOEXEC_FILE = "autoexec.cfg";
 Configuration::StartResult Configuration::LoadAtStart(const util::String& configDir)
 {
     Parser* parser = Parser::GetInstancePtr();
-    // The user's own start-up file is optional; a missing one isn't worth a warning at every start.
-    if (util::FileSystem::FileExists(configDir + AUTOEXEC_FILE))
-        parser->LoadConfig(configDir + AUTOEXEC_FILE);
+    // Read even when it is missing: the warning in the log then tells a user where their start-up file
+    // would go.
+    parser->LoadConfig(configDir + AUTOEXEC_FILE);
 
     util::String autosave = configDir + AUTOSAVE_FILE;
     if (util::FileSystem::FileExists(autosave))
