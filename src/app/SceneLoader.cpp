@@ -1,7 +1,7 @@
 #include "app/SceneLoader.h"
 
-#include "app/FileInfo.h"
 #include "app/Camera.h"
+#include "app/FileInfo.h"
 #include "app/Scene.h"
 #include "app/SceneFiles.h"
 #include "app/Serializer.h"

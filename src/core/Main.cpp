@@ -55,7 +55,8 @@ void JoinSubsystems(core::Subsystem& subsystem)
     gui->GetMainComponent()->AddComponent(application);
     application->GetReflected()->AddToRoot();
     app::Scene::GetInstancePtr()->AddToRoot();
-    // The serializer brings the "Scene.add..." commands and "FileInfo", which scene files need from the start.
+    // The serializer brings the "Scene.add..." commands and "FileInfo", which scene files need from the
+    // start.
     app::Serializer::GetInstancePtr();
     app::Scene::GetInstancePtr()->SetWindowTitleSink([&subsystem](const util::String& title)
                                                      { subsystem.SetTitle(title); });

@@ -86,7 +86,10 @@ public:
     static unsigned s_nextId;
 };
 
-template <class T> void SafeDelete(const T* p) { delete p; }
+template <class T> void SafeDelete(const T* p)
+{
+    delete p;
+}
 template <> void SafeDelete<Pointee>(const Pointee* p);
 template <> void SafeDelete<PointeeHandle>(const PointeeHandle* p);
 
@@ -372,7 +375,10 @@ template <class T, class U> SharedPtr<T> dynamic_pointer_cast(const SharedPtr<U>
     return SharedPtr<T>(dynamic_cast<T*>(p.get()));
 }
 
-template <class T, class U> T* dynamic_pointer_cast(const LockPtr<U>& p) { return dynamic_cast<T*>(p.get()); }
+template <class T, class U> T* dynamic_pointer_cast(const LockPtr<U>& p)
+{
+    return dynamic_cast<T*>(p.get());
+}
 
 template <class T, class U> SharedPtr<T> static_pointer_cast(const SharedPtr<U>& p)
 {

@@ -343,8 +343,8 @@ TEST_F(WindowedProgramTest, Run_DrawsTheSkyThatTheConfigurationAsksFor)
     {
         int rgb[3] = {};
         const bool read = ReadWindowPixel(m_display, window, x, y, rgb);
-        seen = "(" + std::to_string(x) + ", " + std::to_string(y) + ") shows " + std::to_string(rgb[0]) + " " +
-               std::to_string(rgb[1]) + " " + std::to_string(rgb[2]);
+        seen = "(" + std::to_string(x) + ", " + std::to_string(y) + ") shows " + std::to_string(rgb[0]) +
+               " " + std::to_string(rgb[1]) + " " + std::to_string(rgb[2]);
         return read && std::abs(rgb[0] - 255) <= 3 && std::abs(rgb[1] - 128) <= 3 && std::abs(rgb[2]) <= 3;
     };
     // The first frame may come a little after the window.

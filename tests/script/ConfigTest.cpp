@@ -158,8 +158,8 @@ TEST_F(Config, StartupPicksAutosaveThenConfig)
     std::string dir = m_dir.string() + "/";
     EXPECT_EQ(script::Configuration::FIRST_RUN, script::Configuration::LoadAtStart(dir));
     // The start-up file is always read, so its absence shows in the log.
-    EXPECT_TRUE(Reported("-- Warning: Failed loading config file: Failed to open file \"" + Path("autoexec.cfg") +
-                         "\""));
+    EXPECT_TRUE(Reported("-- Warning: Failed loading config file: Failed to open file \"" +
+                         Path("autoexec.cfg") + "\""));
 
     util::FileSystem::WriteFile(Path("autoexec.cfg"), "Machine.steps = 1");
     util::FileSystem::WriteFile(Path("config.cfg"), "Machine.running = false");
