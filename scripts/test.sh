@@ -23,7 +23,7 @@ if command -v clang++ >/dev/null 2>&1; then
   cmake --build "$fuzz" -j"$(nproc)"
   mkdir -p "$fuzz/corpus" "$fuzz/artifacts"
   if ! "$fuzz/script_fuzzer" "$fuzz/corpus" "$root/tests/script/fuzz_regressions" "$root/tests/cli/cases" \
-      -max_total_time=60 -detect_leaks=0 -timeout=20 -artifact_prefix="$fuzz/artifacts/" >"$fuzz/fuzz.log" 2>&1; then
+      -max_total_time=60 -detect_leaks=0 -timeout=60 -artifact_prefix="$fuzz/artifacts/" >"$fuzz/fuzz.log" 2>&1; then
     tail -n 60 "$fuzz/fuzz.log"
     echo "The script fuzzer found a failing input: see $fuzz/artifacts/" >&2
     exit 1
@@ -35,7 +35,7 @@ fi
 if [ -x "${fuzz:-}/scene_fuzzer" ]; then
   mkdir -p "$fuzz/scene_corpus" "$fuzz/scene_artifacts"
   if ! "$fuzz/scene_fuzzer" "$fuzz/scene_corpus" "$root/scenes" "$root/tests/cli/cases" \
-      -max_total_time=30 -detect_leaks=0 -timeout=20 -rss_limit_mb=4096 \
+      -max_total_time=30 -detect_leaks=0 -timeout=60 -rss_limit_mb=4096 \
       -artifact_prefix="$fuzz/scene_artifacts/" >"$fuzz/scene_fuzz.log" 2>&1; then
     tail -n 60 "$fuzz/scene_fuzz.log"
     echo "The scene fuzzer found a failing input: see $fuzz/scene_artifacts/" >&2
