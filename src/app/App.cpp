@@ -202,15 +202,18 @@ void App::MirrorMe(input::ButtonInput button, EntityPtr entity)
 void App::ServeMirrorRequests()
 {
     util::ScopeProfiler profile("Mirror requests");
+    // Most frames ask for nothing, and need no map of their own.
+    if (m_mirrorRequests.empty())
+        return;
     // Taken out first: mirroring may run callbacks that ask again, for the next frame.
     util::HashMap<input::ButtonInput, EntitySet, input::ButtonInput::Hasher> requests;
     requests.swap(m_mirrorRequests);
+    Scene& scene = *Scene::GetInstancePtr();
     for (const auto& request : requests)
     {
         util::ScopeProfiler serving("Serving?");
         // Entities that share the key turn about one axis together, as one thing. One that left the scene
         // in this frame (its destroy key, say) is not brought back by being mirrored.
-        Scene& scene = *Scene::GetInstancePtr();
         const GroupPtr group = QLEX_NEW new Group();
         for (const EntityPtr& entity : request.second)
         {

@@ -7,7 +7,6 @@
 #include "app/Snapshot.h"
 #include "app/Transformer.h"
 #include "app/Undoer.h"
-#include "app/entities/FiniteGeomEntity.h"
 #include "app/entities/GeomEntity.h"
 #include "app/entities/JointEntity.h"
 #include "app/entities/PenEntity.h"
@@ -25,7 +24,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace app
 {
@@ -349,14 +347,7 @@ void Scene::SetTrackedGroup(const GroupPtr& requested)
         return;
     group->SetName(TrackedName);
     util::WeakPtr<Group> weak(group);
-    m_camera->SetTracked(
-        [weak]() -> math::Vec2
-        {
-            util::SharedPtr<Group> tracked = weak.lock();
-            if (!tracked || tracked->IsEmpty())
-                return math::Vec2(math::INF, math::INF);
-            return Camera::GetGroupCenter(tracked);
-        });
+    m_camera->SetTracked([weak]() { return Camera::GetGroupCenter(weak.lock()); });
     // A group without a finite centre can't be followed, and is dropped.
     if (!m_camera->IsTracking())
         return;

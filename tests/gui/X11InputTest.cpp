@@ -98,6 +98,24 @@ protected:
 
 bool XWindowTest::s_up = false;
 
+// One frame of the interface on black, finished so that its pixels can be read.
+void DrawFrameOnBlack(GUI& gui)
+{
+    glViewport(0, 0, WINDOW_WIDTH, WINDOW_HEIGHT);
+    glClearColor(0, 0, 0, 1);
+    glClear(GL_COLOR_BUFFER_BIT);
+    gui.Draw();
+    glFinish();
+}
+
+// The colour at a point of GUI units; GL counts rows from the bottom.
+std::array<int, 3> PixelAt(int x, int y)
+{
+    unsigned char rgba[4] = {};
+    glReadPixels(x, WINDOW_HEIGHT - 1 - y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
+    return std::array<int, 3>{rgba[0], rgba[1], rgba[2]};
+}
+
 } // namespace
 
 TEST_F(XWindowTest, ClickOfTheRealMouseReachesTheComponentUnderIt)
@@ -138,28 +156,17 @@ TEST_F(XWindowTest, DrawShowsABorderInTheGUIsOpaqueness)
     panel->SetBorder(QLEX_NEW new SimpleBorder(4.0f, math::Vec4(0, 1, 0, 1), math::Vec4(1, 0, 0, 1)));
     gui->GetMainComponent()->AddComponent(panel);
 
-    glViewport(0, 0, WINDOW_WIDTH, WINDOW_HEIGHT);
-    glClearColor(0, 0, 0, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
-    gui->Draw();
-    glFinish();
+    DrawFrameOnBlack(*gui);
 
-    // GL counts rows from the bottom.
-    auto pixel = [](int x, int y)
-    {
-        unsigned char rgba[4] = {};
-        glReadPixels(x, WINDOW_HEIGHT - 1 - y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
-        return std::array<int, 3>{rgba[0], rgba[1], rgba[2]};
-    };
     // Fill inside; black outside; on the border the frame over the fill. All at an alpha of 0.9:
     // red over black gives 0.9 red, the green frame over that leaves a tenth of it.
-    const auto fill = pixel(40, 50);
+    const auto fill = PixelAt(40, 50);
     EXPECT_NEAR(fill[0], 230, 3);
     EXPECT_EQ(fill[1], 0);
-    const auto frame = pixel(22, 50);
+    const auto frame = PixelAt(22, 50);
     EXPECT_NEAR(frame[0], 23, 3);
     EXPECT_NEAR(frame[1], 230, 3);
-    const auto outside = pixel(10, 10);
+    const auto outside = PixelAt(10, 10);
     EXPECT_EQ(outside, (std::array<int, 3>{0, 0, 0}));
 
     gui->GetMainComponent()->RemoveAllComponents();
@@ -214,31 +221,19 @@ TEST_F(XWindowTest, ACursorOfOurOwnIsDrawnCentredOnTheMouseAndANullOneGivesTheSy
     motion.motion.x = 100;
     motion.motion.y = 80;
     input::Input::GetInstancePtr()->HandleEvent(motion);
-    glViewport(0, 0, WINDOW_WIDTH, WINDOW_HEIGHT);
-    glClearColor(0, 0, 0, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
-    gui->Draw();
-    glFinish();
-    auto red_at = [](int x, int y)
-    {
-        unsigned char rgba[4] = {};
-        glReadPixels(x, WINDOW_HEIGHT - 1 - y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, rgba);
-        return rgba[0];
-    };
+    DrawFrameOnBlack(*gui);
     // 32 units wide about the mouse, in full colour whatever the GUI's opaqueness.
-    EXPECT_EQ(red_at(100, 80), 255);
-    EXPECT_EQ(red_at(85, 65), 255);
-    EXPECT_EQ(red_at(114, 95), 255);
-    EXPECT_EQ(red_at(82, 80), 0);
-    EXPECT_EQ(red_at(100, 98), 0);
+    EXPECT_EQ(PixelAt(100, 80)[0], 255);
+    EXPECT_EQ(PixelAt(85, 65)[0], 255);
+    EXPECT_EQ(PixelAt(114, 95)[0], 255);
+    EXPECT_EQ(PixelAt(82, 80)[0], 0);
+    EXPECT_EQ(PixelAt(100, 98)[0], 0);
     EXPECT_EQ(SDL_ShowCursor(SDL_QUERY), SDL_DISABLE);
 
     gui->SetCursor(rendering::TextureProxy());
     EXPECT_EQ(gui->GetCursor(), gui->GetDefaultCursor());
-    glClear(GL_COLOR_BUFFER_BIT);
-    gui->Draw();
-    glFinish();
-    EXPECT_EQ(red_at(100, 80), 0);
+    DrawFrameOnBlack(*gui);
+    EXPECT_EQ(PixelAt(100, 80)[0], 0);
     EXPECT_EQ(SDL_ShowCursor(SDL_QUERY), SDL_ENABLE);
 }
 
