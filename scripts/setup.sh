@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(
-  build-essential cmake pkg-config
+  build-essential cmake pkg-config ccache
   libsdl1.2-dev libsdl-image1.2-dev libglew-dev libglu1-mesa-dev mesa-common-dev libgl1-mesa-dri
   libx11-dev libboost-dev libfreetype-dev fonts-dejavu-core
   libgtest-dev libgmock-dev libbenchmark-dev
