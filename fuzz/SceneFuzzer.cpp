@@ -3,7 +3,7 @@
 // redone, and the scene is emptied again for the next one.
 
 #include "FuzzTarget.h"
-#include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/Scene.h"
 #include "app/Serializer.h"
 #include "app/Snapshot.h"
@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         script::EvalGuard::SetStepBudget(qlex_fuzz::FUZZ_STEP_BUDGET);
         physics::Simulation::GetInstancePtr()->AddToRoot();
         physics::SPH::GetInstancePtr()->AddToRoot();
-        app::App::GetInstancePtr()->GetReflected()->AddToRoot();
+        app::AppSettings::GetInstancePtr()->GetReflected()->AddToRoot();
         app::Scene::GetInstancePtr()->AddToRoot();
         app::Serializer::GetInstancePtr();
         state = qlex_fuzz::CaptureState(*parser);

@@ -1,12 +1,13 @@
 #include "app/App.h"
-#include "app/Undoer.h"
+#include "app/entities/EntityPainter.h"
+#include "app/entities/GLEntityPainter.h"
 
 #include "app/AppGUI.h"
 #include "app/Camera.h"
 #include "app/Group.h"
+#include "app/ProgramFiles.h"
 #include "app/Scene.h"
 #include "app/entities/GeomEntity.h"
-#include "core/ProgramFiles.h"
 #include "gui/GUI.h"
 #include "input/Input.h"
 #include "logging/Log.h"
@@ -54,17 +55,12 @@ void DrawWithScaleTransform(const Entity& entity)
 }
 // Keyboard panning, in GUI units per second.
 constexpr float KEY_PAN_SPEED = 400.0f;
-constexpr float CM_PER_INCH = 2.54f;
-constexpr float JOINT_SIZE_CM = 0.66667f;
 // Debug velocity lines show where a body would be in this many seconds.
 constexpr float VELOCITY_LINE_SECONDS = 0.025f;
 // A contact point turns from white to red at this age, in simulated seconds.
 constexpr double NEW_CONTACT_AGE = 0.5;
 // Everything glPushAttrib can save.
 constexpr GLbitfield ALL_ATTRIBUTES = 0xFFFFF;
-// A new object's colour keeps at least this intensity and this distance (in RGB) from the sky.
-constexpr float MIN_ENTITY_INTENSITY = 0.05f;
-constexpr float MIN_SKY_DISTANCE = 0.1f;
 
 bool s_transparencyWarned = false;
 
@@ -80,40 +76,21 @@ void Line(rendering::Renderer& renderer, const math::Vec2& from, const math::Vec
 }
 } // namespace
 
-App::App()
-    : m_reflected(QLEX_NEW new script::Reflected("App")),
-      m_language(m_reflected.get(), "language", util::String("English")),
-      m_lineWidth(m_reflected.get(), "lineWidth", 4.0f), m_pointSize(m_reflected.get(), "pointSize", 4.0f),
-      m_drawOBBs(m_reflected.get(), "drawOBBs", false),
-      m_drawMapOBBs(m_reflected.get(), "drawMapOBBs", false), m_drawBCs(m_reflected.get(), "drawBCs", false),
-      m_drawSelectionOBB(m_reflected.get(), "drawSelectionOBB", false),
-      m_drawVertices(m_reflected.get(), "drawVertices", false),
-      m_drawCollisions(m_reflected.get(), "drawCollisions", false),
-      m_drawBodyCenters(m_reflected.get(), "drawBodyCenters", false),
-      m_drawParticleCenters(m_reflected.get(), "drawParticleCenters", false),
-      m_drawParticleNeighbors(m_reflected.get(), "drawParticleNeighbors", false),
-      m_polyTCFactor(m_reflected.get(), "polyTCFactor", math::Vec2(10, 10)),
-      m_selectColor(m_reflected.get(), "selectColor", math::Vec3(1.0f, 0.5f, 0.5f)),
-      m_fadeColor(m_reflected.get(), "fadeColor", math::Vec3(0, 0, 0)),
-      m_fadeScale(m_reflected.get(), "fadeScale", math::Vec2(0.95f, 0.95f)),
-      m_fadeTranslate(m_reflected.get(), "fadeTranslate", math::Vec2(0, 0)),
-      m_fadeRotate(m_reflected.get(), "fadeRotate", 0.0f),
-      m_minPointDist(m_reflected.get(), "minPointDist", 0.2f),
-      m_maxPointDist(m_reflected.get(), "maxPointDist", 0.5f), m_DPI(m_reflected.get(), "DPI", 86.0f),
-      m_maxSPHSpawn(m_reflected.get(), "maxSPHSpawn", 10000),
-      m_waterElongation(m_reflected.get(), "waterElongation", 0.05f),
-      m_waterMaxElongation(m_reflected.get(), "waterMaxElongation", 2.0f),
-      m_metaCutoff(m_reflected.get(), "metaCutoff", 0.5f),
-      m_borderWidth(m_reflected.get(), "borderWidth", 0.1f), m_maxUndo(m_reflected.get(), "maxUndo", 25ul),
-      m_autosaveTime(m_reflected.get(), "autosaveTime", 30.0f),
-      m_chainDensityFactor(m_reflected.get(), "chainDensityFactor", 20.0f),
-      m_dragToolStrength(m_reflected.get(), "dragToolStrength", 0.25f),
-      m_waterColor(m_reflected.get(), "waterColor", math::Vec4(0.1f, 0.1f, 1.0f, 0.7f)),
-      m_simpleWater(m_reflected.get(), "simpleWater", false),
-      m_waterFanceyFactor(m_reflected.get(), "waterFanceyFactor", 10.0f),
-      m_borders(m_reflected.get(), "borders", true)
+App::App() : m_settings(AppSettings::GetInstancePtr())
 {
     SetFillOwner(true);
+    m_settings->SetGUIScaleSource([] { return gui::GUI::GetInstancePtr()->GetScale(); });
+    EntityPainter::Register(&GLEntityPainter::GetInstance());
+    Scene::PointerSource pointer;
+    pointer.isModifierHeld = [](input::Modifier modifier)
+    { return input::Input::IsUp() && input::Input::GetInstancePtr()->CheckModifier(modifier); };
+    pointer.position = []() -> std::optional<math::Vec2>
+    {
+        if (!input::Input::IsUp())
+            return std::nullopt;
+        return input::Input::GetInstancePtr()->GetMousePos();
+    };
+    Scene::GetInstancePtr()->SetPointerSource(std::move(pointer));
 
     m_frameTextureMentor = QLEX_NEW new util::Mentor<rendering::Texture>(&CreateBigTexture);
     m_waterTextureMentor = QLEX_NEW new util::Mentor<rendering::Texture>(&CreateBigTexture);
@@ -127,32 +104,18 @@ App::App()
     m_background = QLEX_NEW new Background();
     m_background->SetFillOwner(true);
     AddComponent(m_background);
-    m_reflected->AddReflectedChild(m_background->GetReflected());
     m_appGUI = QLEX_NEW new AppGUI();
     AddComponent(m_appGUI);
-    m_reflected->AddReflectedChild(m_appGUI->GetReflected());
     GetCamera().Reset();
-
-    m_reflected->AddVoidCmd("undo", [] { Undoer::GetInstancePtr()->Undo(); });
-    m_reflected->AddVoidCmd("redo", [] { Undoer::GetInstancePtr()->Redo(); });
-    // Only a history that exists has stacks to trim.
-    m_maxUndo->AddChangeCallback(QLEX_NEW new util::Callback(
-        []
-        {
-            if (Undoer::Exists())
-                Undoer::GetInstancePtr()->OnMaxUndoChange();
-        },
-        this));
 }
 
 App::~App()
 {
-    // Scripts that still hold "App" find no settings of a dead application.
-    if (!script::Parser::Exists())
-        return;
-    const script::ClosurePtr root = script::Parser::GetInstancePtr()->GetRootClosure();
-    if (root->GetVariableByObject(m_reflected.get()))
-        root->RemoveReflectedChild(m_reflected);
+    // Entities drawn after the window's root has gone draw nothing, rather than into a dead window.
+    if (EntityPainter::Get() == &GLEntityPainter::GetInstance())
+        EntityPainter::Register(nullptr);
+    if (Scene::Exists())
+        Scene::GetInstancePtr()->SetPointerSource(Scene::PointerSource());
 }
 
 Camera& App::GetCamera() const
@@ -189,40 +152,7 @@ void App::Update(float dt)
         m_contacts = physics::Simulation::GetInstancePtr()->GetContacts();
     }
     QLEX_ASSERT(math::IsFinite(GetMousePos()));
-    ServeMirrorRequests();
-}
-
-void App::MirrorMe(input::ButtonInput button, EntityPtr entity)
-{
-    if (!entity)
-        return;
-    m_mirrorRequests[button].insert(entity);
-}
-
-void App::ServeMirrorRequests()
-{
-    util::ScopeProfiler profile("Mirror requests");
-    // Most frames ask for nothing, and need no map of their own.
-    if (m_mirrorRequests.empty())
-        return;
-    // Taken out first: mirroring may run callbacks that ask again, for the next frame.
-    util::HashMap<input::ButtonInput, EntitySet, input::ButtonInput::Hasher> requests;
-    requests.swap(m_mirrorRequests);
-    Scene& scene = *Scene::GetInstancePtr();
-    for (const auto& request : requests)
-    {
-        util::ScopeProfiler serving("Serving?");
-        // Entities that share the key turn about one axis together, as one thing. One that left the scene
-        // in this frame (its destroy key, say) is not brought back by being mirrored.
-        const GroupPtr group = QLEX_NEW new Group();
-        for (const EntityPtr& entity : request.second)
-        {
-            if (scene.HasEntity(entity))
-                group->Add(entity);
-        }
-        if (!group->IsEmpty())
-            scene.MirrorLongestAxis(group);
-    }
+    m_settings->ServeMirrorRequests();
 }
 
 void App::PanWithArrowKeys(float dt)
@@ -263,70 +193,6 @@ math::Vec2 App::GetMousePos() const
     return GetCamera().GUIToWorld(GetMousePosLocal());
 }
 
-float App::GetPixelSize() const
-{
-    return GetCamera().GUIToWorld()(0, 0) / gui::GUI::GetInstancePtr()->GetScale();
-}
-
-float App::GetScreenCM() const
-{
-    return GetPixelSize() * m_DPI / CM_PER_INCH;
-}
-
-float App::GetDefaultJointSize() const
-{
-    return GetScreenCM() * JOINT_SIZE_CM;
-}
-
-float App::GetObjectBorderWidth() const
-{
-    return GetScreenCM() * m_borderWidth;
-}
-
-float App::GetMinimumPointDist() const
-{
-    return GetScreenCM() * m_minPointDist;
-}
-
-float App::GetMaximumPointDist() const
-{
-    return GetScreenCM() * m_maxPointDist;
-}
-
-math::Vec3 App::RandomColor3()
-{
-    // The cube root spreads lightness evenly by volume; halving and mirroring keeps it off the extremes.
-    float lightness = std::pow(m_random.GetUniform(0.0f, 1.0f), 1.0f / 3.0f) * 0.5f;
-    if (m_random.GetUniformInt(0, 2) == 1)
-        lightness = 1.0f - lightness;
-    const math::Vec2 disc = m_random.GetPointInCircle(1.0f);
-    const float saturation = disc.Length();
-    const float hue = (disc.x == 0 && disc.y == 0) ? 0.0f : std::atan2(disc.y, disc.x) * 180.0f / math::PIf;
-    return util::HSL2RGB(hue, saturation, lightness);
-}
-
-math::Vec4 App::RandomEntityColor4()
-{
-    const math::Vec3 sky = m_background->GetSkyColor();
-    math::Vec3 color;
-    do
-    {
-        color = RandomColor3();
-    } while (util::RGBIntensity(color) < MIN_ENTITY_INTENSITY || (color - sky).Length() < MIN_SKY_DISTANCE);
-    return math::Vec4(color.x, color.y, color.z, 1.0f);
-}
-
-math::Vec4 App::GetBorderColor(const Entity* entity) const
-{
-    QLEX_ASSERT(entity);
-    const math::Vec4& c = entity->m_color;
-    if (entity->m_selectedLook)
-        return entity->m_markedLook ? math::Vec4(0.8f, 0.8f, 0.8f, 1) : math::Vec4(1, 1, 1, 1);
-    if (entity->m_markedLook)
-        return math::Vec4(0.2f, 0.2f, 0.2f, 1);
-    return math::Vec4(c.x / 2, c.y / 2, c.z / 2, c.w);
-}
-
 WorldBox App::CalcViewBox() const
 {
     return app::CalcViewBox(GetCamera(), GetInnerSize());
@@ -363,7 +229,7 @@ void App::DrawComp() const
 
     FillDrawList();
     const std::vector<WaterParticle> water = GatherWater();
-    if (!water.empty() && !m_simpleWater)
+    if (!water.empty() && !m_settings->m_simpleWater)
         DrawMetaTex(water);
 
     {
@@ -376,7 +242,7 @@ void App::DrawComp() const
     glPushMatrix();
     renderer.SetColor4(1, 1, 1, 1);
 
-    const math::Vec3 fade = m_fadeColor;
+    const math::Vec3 fade = m_settings->m_fadeColor;
     {
         util::ScopeProfiler setup("Setup");
         glEnable(GL_TEXTURE_2D);
@@ -390,11 +256,11 @@ void App::DrawComp() const
             renderer.SetColor3(fade);
             glBindTexture(GL_TEXTURE_2D, m_frameTexture->GetName());
             const math::Vec2 half = GetInnerSize() * 0.5f;
-            const math::Vec2 translate = m_fadeTranslate;
-            const math::Vec2 scale = m_fadeScale;
+            const math::Vec2 translate = m_settings->m_fadeTranslate;
+            const math::Vec2 scale = m_settings->m_fadeScale;
             glTranslatef(translate.x, translate.y, 0);
             glTranslatef(half.x, half.y, 0);
-            glRotatef(m_fadeRotate, 0, 0, 1);
+            glRotatef(m_settings->m_fadeRotate, 0, 0, 1);
             glScalef(scale.x, scale.y, 1);
             glTranslatef(-half.x, -half.y, 0);
             DrawBigTextureRect();
@@ -413,8 +279,8 @@ void App::DrawComp() const
     math::Mat4FromMat2D(camera.WorldToGUI()).MultToGL();
     // GL refuses widths that are not above 0 with an error that would end the program: a script's 0 is
     // taken as the thinnest line GL draws.
-    glLineWidth(PositiveOrOne(m_lineWidth));
-    glPointSize(PositiveOrOne(m_pointSize));
+    glLineWidth(PositiveOrOne(m_settings->m_lineWidth));
+    glPointSize(PositiveOrOne(m_settings->m_pointSize));
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     DrawEntities();
@@ -508,8 +374,8 @@ void App::DrawWater(const std::vector<WaterParticle>& particles) const
 {
     util::ScopeProfiler profile("Water");
     rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
-    const math::Vec4 color = m_waterColor;
-    if (!m_simpleWater)
+    const math::Vec4 color = m_settings->m_waterColor;
+    if (!m_settings->m_simpleWater)
     {
         // No shader program draws the surface: the fixed-function alpha test thresholds the field.
         rendering::AttribPusher colorBits(GL_COLOR_BUFFER_BIT);
@@ -535,7 +401,7 @@ void App::DrawWater(const std::vector<WaterParticle>& particles) const
         }
         renderer.SetColor4(color.x, color.y, color.z, 1.0f);
         glEnable(GL_ALPHA_TEST);
-        glAlphaFunc(GL_GREATER, m_metaCutoff);
+        glAlphaFunc(GL_GREATER, m_settings->m_metaCutoff);
         glEnable(GL_TEXTURE_2D);
         glBindTexture(GL_TEXTURE_2D, m_waterTexture->GetName());
         DrawBigTextureRect();
@@ -583,9 +449,10 @@ void App::DrawMetaTex(const std::vector<WaterParticle>& particles) const
             util::ScopeProfiler drawing("Drawing particles");
             const float size = 2.0f * static_cast<float>(physics::SPH::GetInstancePtr()->m_radius) * 4.0f;
             glBindTexture(GL_TEXTURE_2D, m_metaBallTexture->GetName());
-            const float reach = size * 0.5f * m_waterMaxElongation;
+            const float reach = size * 0.5f * m_settings->m_waterMaxElongation;
             const std::vector<size_t> visible = CullParticles(particles, CalcViewBox(), reach * reach);
-            DrawSplats(particles, visible, size, m_waterElongation, m_waterMaxElongation);
+            DrawSplats(particles, visible, size, m_settings->m_waterElongation,
+                       m_settings->m_waterMaxElongation);
             glBindTexture(GL_TEXTURE_2D, 0);
         }
         {
@@ -612,15 +479,15 @@ void App::DrawMetaTex(const std::vector<WaterParticle>& particles) const
 void App::DrawDebugOverlays(const std::vector<WaterParticle>& particles) const
 {
     glDisable(GL_TEXTURE_2D);
-    if (m_drawSelectionOBB)
+    if (m_settings->m_drawSelectionOBB)
         DrawSelectionOBB();
-    if (m_drawBodyCenters)
+    if (m_settings->m_drawBodyCenters)
         DrawBodyCenters();
-    if (m_drawParticleCenters)
+    if (m_settings->m_drawParticleCenters)
         DrawParticleCenters(particles);
-    if (m_drawParticleNeighbors)
+    if (m_settings->m_drawParticleNeighbors)
         DrawParticleNeighbors();
-    if (m_drawCollisions)
+    if (m_settings->m_drawCollisions)
         DrawCollisions();
 }
 

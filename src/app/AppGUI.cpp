@@ -1,8 +1,8 @@
 #include "app/AppGUI.h"
 #include "app/SceneFiles.h"
 
-#include "app/App.h"
-#include "core/ProgramFiles.h"
+#include "app/AppSettings.h"
+#include "app/ProgramFiles.h"
 #include "logging/Log.h"
 #include "script/Configuration.h"
 #include "util/FileSystem.h"
@@ -12,9 +12,7 @@
 namespace app
 {
 
-AppGUI::AppGUI()
-    : m_reflected(QLEX_NEW new script::Reflected("GUI")), m_trapUser(m_reflected.get(), "trapUser", false),
-      m_lastAutosave(util::Timer::GetCurrentTime())
+AppGUI::AppGUI() : m_lastAutosave(util::Timer::GetCurrentTime())
 {
     SetFillOwner(true);
 }
@@ -24,12 +22,22 @@ void AppGUI::Update(float dt)
     util::ScopeProfiler profile("AppGUI::Update");
     gui::Component::Update(dt);
     const double now = util::Timer::GetCurrentTime();
-    if (now - m_lastAutosave > App::GetInstancePtr()->m_autosaveTime)
+    if (now - m_lastAutosave > AppSettings::GetInstancePtr()->m_autosaveTime)
     {
         script::Configuration::SaveAutosave(util::FileSystem::GetInstancePtr()->ConfigDir());
         SaveSceneAs(Scene_Autosave, true);
         m_lastAutosave = now;
     }
+}
+
+bool AppGUI::IsUserTrapped() const
+{
+    return AppSettings::GetInstancePtr()->m_trapUser;
+}
+
+const util::SharedPtr<script::Reflected>& AppGUI::GetReflected() const
+{
+    return AppSettings::GetInstancePtr()->GetGUIReflected();
 }
 
 void AppGUI::LoadScene(const util::String& name, bool automatic)

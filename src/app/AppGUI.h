@@ -5,7 +5,6 @@
 // the configuration and the scene, the "trapUser" setting, and loading and saving scene files.
 
 #include "gui/components/Component.h"
-#include "script/AttribWrapper.h"
 #include "script/Reflected.h"
 #include "util/String.h"
 
@@ -21,7 +20,7 @@ public:
     void Update(float dt) override;
 
     // No way out of the program while set: the shell neither asks for nor honours a quit.
-    bool IsUserTrapped() const { return m_trapUser; }
+    bool IsUserTrapped() const;
 
     // `automatic` marks the autosave, the recovery and the scene named at start.
     void LoadScene(const util::String& name, bool automatic);
@@ -29,11 +28,10 @@ public:
     void Rebuild() {}
     void SetUpDefaults() {}
 
-    const util::SharedPtr<script::Reflected>& GetReflected() const { return m_reflected; }
+    // "GUI" of the scripts, below "App": its settings are the document's, in app::AppSettings.
+    const util::SharedPtr<script::Reflected>& GetReflected() const;
 
 private:
-    util::SharedPtr<script::Reflected> m_reflected;
-    script::AttribWrapper<bool> m_trapUser;
     // Seconds of the frame clock.
     double m_lastAutosave;
 };

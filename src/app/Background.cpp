@@ -1,5 +1,6 @@
 #include "app/Background.h"
 
+#include "app/AppSettings.h"
 #include "app/Camera.h"
 #include "math/MatrixGL.h"
 #include "physics/Simulation.h"
@@ -20,8 +21,6 @@ namespace app
 {
 namespace
 {
-const math::Vec4 DEFAULT_SKY_COLOR(0.3f, 0.4f, 1.0f, 1.0f);
-constexpr float DEFAULT_CLOUD_OPACITY = 0.9f;
 // The window size at which the cloud field just covers the screen at the lowest zoom.
 const math::Vec2 CLOUD_FIELD_PIXELS(2048, 1280);
 constexpr float MIN_CLOUD_SIZE = 5.0f;
@@ -47,26 +46,7 @@ bool IsImageFile(const std::string& name)
     return false;
 }
 
-Background::Background()
-    : m_reflected(QLEX_NEW new script::Reflected("Background")),
-      m_skyColor(m_reflected.get(), "skyColor", DEFAULT_SKY_COLOR),
-      m_cloudOpacity(m_reflected.get(), "cloudOpacity", DEFAULT_CLOUD_OPACITY),
-      m_drawClouds(m_reflected.get(), "drawClouds", true)
-{
-}
-
-math::Vec3 Background::GetSkyColor() const
-{
-    const math::Vec4 c = m_skyColor;
-    return math::Vec3(c.x, c.y, c.z);
-}
-
-void Background::ResetToDefaults()
-{
-    m_skyColor = DEFAULT_SKY_COLOR;
-    m_cloudOpacity = DEFAULT_CLOUD_OPACITY;
-    m_drawClouds = true;
-}
+Background::Background() : m_sky(AppSettings::GetInstancePtr()->GetSky()) {}
 
 void Background::Init()
 {
@@ -111,7 +91,7 @@ void Background::Update(float dt)
 
 void Background::Advance(double simTime, bool running)
 {
-    if (!m_drawClouds)
+    if (!m_sky.m_drawClouds)
         return;
     if (m_particles.empty())
         Init();
@@ -157,10 +137,10 @@ void Background::DrawBG(const Camera& camera) const
     {
         util::ScopeProfiler sky("Draw sky color");
         glDisable(GL_TEXTURE_2D);
-        renderer.SetColor4(m_skyColor);
+        renderer.SetColor4(m_sky.m_skyColor);
         renderer.DrawRectGUI(0, 0, size.x, size.y);
     }
-    if (!m_drawClouds || m_particles.empty())
+    if (!m_sky.m_drawClouds || m_particles.empty())
         return;
 
     rendering::AttribPusher attribs(GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT | GL_TEXTURE_BIT);
@@ -175,7 +155,7 @@ void Background::DrawBG(const Camera& camera) const
     glPushMatrix();
     math::Mat4FromMat2D(view).MultToGL();
     glEnable(GL_TEXTURE_2D);
-    renderer.SetColor4(1, 1, 1, m_cloudOpacity);
+    renderer.SetColor4(1, 1, 1, m_sky.m_cloudOpacity);
 
     const math::Vec2 a = math::TransformCoordinate(inverse, math::Vec2(0, 0));
     const math::Vec2 b = math::TransformCoordinate(inverse, size);

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "app/Sky.h"
 #include "gui/components/Component.h"
 #include "math/Math.h"
 #include "rendering/Texture.h"
-#include "script/AttribWrapper.h"
 
 #include <string>
 #include <vector>
@@ -37,12 +37,14 @@ public:
 
     Background();
 
-    math::Vec3 GetSkyColor() const;
-    const math::Vec4 GetSkyColor4() const { return m_skyColor; }
-    void SetSkyColor(const math::Vec4& color) { m_skyColor = color; }
-    void SetDrawClouds(bool draw) { m_drawClouds = draw; }
-    // Returns the three attributes to their defaults, as a new scene does.
-    void ResetToDefaults();
+    // The settings it draws by, the document's.
+    Sky& GetSky() const { return m_sky; }
+    math::Vec3 GetSkyColor() const { return m_sky.GetSkyColor(); }
+    const math::Vec4 GetSkyColor4() const { return m_sky.GetSkyColor4(); }
+    void SetSkyColor(const math::Vec4& color) { m_sky.SetSkyColor(color); }
+    void SetDrawClouds(bool draw) { m_sky.SetDrawClouds(draw); }
+    // Returns the three settings to their defaults, as a new scene does.
+    void ResetToDefaults() { m_sky.ResetToDefaults(); }
 
     void Update(float dt) override;
     // Draws into the whole component under the camera: sky, then clouds.
@@ -60,15 +62,12 @@ public:
 
     const std::vector<Particle>& GetParticles() const { return m_particles; }
     // "Background" of the scripts, with the three sky settings.
-    const util::SharedPtr<script::Reflected>& GetReflected() const { return m_reflected; }
+    const util::SharedPtr<script::Reflected>& GetReflected() const { return m_sky.GetReflected(); }
     size_t GetTextureCount() const { return m_textures.size(); }
     math::Vec2 GetWrapSize() const { return m_wrapSize; }
 
 private:
-    util::SharedPtr<script::Reflected> m_reflected;
-    script::AttribWrapper<math::Vec4> m_skyColor;
-    script::AttribWrapper<float> m_cloudOpacity;
-    script::AttribWrapper<bool> m_drawClouds;
+    Sky& m_sky;
 
     // Wrapping moves clouds while drawing; the field is a view effect, not state of the document.
     mutable std::vector<Particle> m_particles;

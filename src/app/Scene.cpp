@@ -12,7 +12,6 @@
 #include "app/entities/PenEntity.h"
 #include "app/entities/PlaneEntity.h"
 #include "app/entities/SpringEntity.h"
-#include "input/Input.h"
 #include "logging/Log.h"
 #include "physics/Particle.h"
 #include "physics/Polygon.h"
@@ -62,11 +61,6 @@ math::Vec2 MapLocalPoint(const physics::Geom& oldGeom, const physics::Geom& targ
 {
     const math::Vec2 world = math::TransformCoordinate(oldGeom.GetPose(), local);
     return math::TransformCoordinate(target.GetWorldToGeom(), math::TransformCoordinate(transform, world));
-}
-
-bool ModifierHeld(input::Modifier modifier)
-{
-    return input::Input::IsUp() && input::Input::GetInstancePtr()->CheckModifier(modifier);
 }
 
 } // namespace
@@ -362,7 +356,7 @@ GroupPtr Scene::GetSelectionAt(math::Vec2 p) const
     if (!entity)
         return result;
     result->Add(entity);
-    if (ModifierHeld(input::Alt))
+    if (IsModifierHeld(input::Alt))
         return result;
     if (entity->m_chain)
     {
@@ -386,8 +380,8 @@ void Scene::OnNewSelection(const GroupPtr& group)
         m_selection->AddAll(group);
         return;
     }
-    const bool ctrl = ModifierHeld(input::Ctrl);
-    const bool shift = ModifierHeld(input::Shift);
+    const bool ctrl = IsModifierHeld(input::Ctrl);
+    const bool shift = IsModifierHeld(input::Shift);
     if (ctrl && shift)
         SetSelection(Group::XOR(m_selection, group));
     else if (ctrl)
@@ -959,10 +953,18 @@ void Scene::SetWindowTitleSink(std::function<void(const util::String&)> sink)
     OnTitleChange();
 }
 
+bool Scene::IsModifierHeld(input::Modifier modifier) const
+{
+    return m_pointer.isModifierHeld && m_pointer.isModifierHeld(modifier);
+}
+
 math::Vec2 Scene::GetMousePos() const
 {
-    if (input::Input::IsUp())
-        return m_camera->GUIToWorld(input::Input::GetInstancePtr()->GetMousePos());
+    if (m_pointer.position)
+    {
+        if (const std::optional<math::Vec2> position = m_pointer.position())
+            return m_camera->GUIToWorld(*position);
+    }
     return m_camera->GetPan();
 }
 

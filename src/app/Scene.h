@@ -7,6 +7,7 @@
 #include "app/Camera.h"
 #include "app/Group.h"
 #include "app/entities/Entity.h"
+#include "input/Events.h"
 #include "math/Math.h"
 #include "physics/Body.h"
 #include "script/AttribWrapper.h"
@@ -118,6 +119,17 @@ public:
     // Where the title of the window goes; the windowed program sets it.
     void SetWindowTitleSink(std::function<void(const util::String&)> sink);
 
+    // What the scene asks of the keyboard and the pointer. The windowed program fills it; without it no
+    // modifier is held and the pointer stands in the middle of the view.
+    struct PointerSource
+    {
+        std::function<bool(input::Modifier)> isModifierHeld;
+        // In GUI coordinates; nothing while no pointer is known.
+        std::function<std::optional<math::Vec2>()> position;
+    };
+    void SetPointerSource(PointerSource source) { m_pointer = std::move(source); }
+    bool IsModifierHeld(input::Modifier modifier) const;
+
     script::AttribWrapper<util::String> m_title;
     script::AttribWrapper<util::String> m_author;
     script::AttribWrapper<util::String> m_description;
@@ -134,6 +146,7 @@ private:
     util::SharedPtr<Camera> m_camera;
     util::CallbackSet m_onClear;
     std::function<void(const util::String&)> m_windowTitleSink;
+    PointerSource m_pointer;
 };
 
 } // namespace app

@@ -2,7 +2,7 @@
 // Scene files by name: where they live, and loading and saving them as the
 // application does (a load is a step of the history).
 
-#include "core/ProgramFiles.h"
+#include "app/ProgramFiles.h"
 #include "util/String.h"
 
 namespace app

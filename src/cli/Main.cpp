@@ -1,8 +1,9 @@
 // qlex-cli: the headless entry of the system, for batch work and tests. Arguments run left to right;
 // standard output carries only results, the log goes to standard error and to Logfile.txt.
 
-#include "cli/HeadlessSystem.h"
 #include "cli/World.h"
+#include "core/JoinSubsystems.h"
+#include "core/System.h"
 #include "logging/Log.h"
 #include "script/Parser.h"
 #include "util/FileSystem.h"
@@ -41,6 +42,7 @@ private:
     std::vector<util::String> m_args;
     size_t m_index = 0;
     cli::World m_world;
+    bool m_exitRequested = false;
 };
 
 bool CommandLine::Next(util::String& value)
@@ -69,14 +71,12 @@ void CommandLine::RunCommand(const util::String& text)
 void CommandLine::RunStandardInput()
 {
     util::String line;
-    while (!cli::HeadlessSystem::GetInstancePtr()->IsExitRequested() && std::getline(std::cin, line))
+    while (!m_exitRequested && std::getline(std::cin, line))
         RunCommand(line);
 }
 
 int CommandLine::Steps(long count)
 {
-    if (!m_world.step)
-        return Fail(EXIT_BAD_ARGUMENT, "The simulation is not part of this build of qlex-cli");
     for (long i = 0; i < count; ++i)
     {
         m_world.step();
@@ -87,7 +87,11 @@ int CommandLine::Steps(long count)
 
 int CommandLine::Run()
 {
-    cli::JoinSubsystems(m_world);
+    // "exit" stops the program after the command that gave it.
+    const util::SharedPtr<core::System> system = QLEX_NEW new core::System();
+    system->SetExitAction([this] { m_exitRequested = true; });
+    core::JoinSubsystems(*system);
+    m_world = cli::MakeWorld();
     if (m_args.empty())
     {
         RunStandardInput();
@@ -95,7 +99,7 @@ int CommandLine::Run()
     }
 
     util::String arg;
-    while (!cli::HeadlessSystem::GetInstancePtr()->IsExitRequested() && Next(arg))
+    while (!m_exitRequested && Next(arg))
     {
         util::String value;
         if (arg == "-")
@@ -119,8 +123,6 @@ int CommandLine::Run()
             if (!Next(value))
                 return Fail(EXIT_BAD_ARGUMENT, arg + " needs a file");
             const auto& action = arg == "--load" ? m_world.load : m_world.save;
-            if (!action)
-                return Fail(EXIT_BAD_ARGUMENT, "Scenes are not part of this build of qlex-cli: " + arg);
             if (!action(value))
                 return Fail(EXIT_UNREADABLE_FILE, "Can't " + arg.substr(2) + " \"" + value + "\"");
         }
@@ -140,9 +142,6 @@ int CommandLine::Run()
                 else
                 {
                     double seconds = util::FromString<double>(value);
-                    if (!m_world.timeDelta)
-                        return Fail(EXIT_BAD_ARGUMENT,
-                                    "The simulation is not part of this build of qlex-cli");
                     const double steps = seconds / m_world.timeDelta();
                     // A script may have set any step length; a count that isn't a number of steps is refused.
                     if (!(steps >= 0.0 && steps <= double(std::numeric_limits<int>::max())))
@@ -162,8 +161,6 @@ int CommandLine::Run()
         }
         else if (arg == "--stats")
         {
-            if (!m_world.stats)
-                return Fail(EXIT_BAD_ARGUMENT, "The simulation is not part of this build of qlex-cli");
             std::cout << m_world.stats();
             std::cout.flush();
         }

@@ -1,6 +1,5 @@
 #pragma once
-// What the headless program can do to the world. Each subsystem that joins qlex-cli fills in its part;
-// an empty entry means that this build doesn't have the part.
+// What the headless program can do to the world.
 
 #include "util/String.h"
 
@@ -22,7 +21,6 @@ struct World
     std::function<util::String()> stats;
 };
 
-// Adds the reflected objects of the subsystems in this build to the script root, and fills `world`.
-void JoinSubsystems(World& world);
+World MakeWorld();
 
 } // namespace cli

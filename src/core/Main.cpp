@@ -2,17 +2,15 @@
 
 #include "app/App.h"
 #include "app/AppGUI.h"
+#include "app/ProgramFiles.h"
 #include "app/Scene.h"
-#include "app/Serializer.h"
 #include "core/CommandLine.h"
+#include "core/JoinSubsystems.h"
 #include "core/OuterHandlers.h"
-#include "core/ProgramFiles.h"
 #include "core/ResourceManager.h"
 #include "core/Subsystem.h"
 #include "gui/GUI.h"
 #include "logging/Log.h"
-#include "physics/SPH.h"
-#include "physics/Simulation.h"
 #include "platform/Os.h"
 #include "script/Configuration.h"
 #include "script/Parser.h"
@@ -44,20 +42,14 @@ std::string ConfigDir()
 // The singletons that scripts reach by name, and the application root in the interface's tree.
 void JoinSubsystems(core::Subsystem& subsystem)
 {
-    subsystem.GetReflected()->AddToRoot();
-    core::ResourceManager::GetInstancePtr()->AddToRoot();
-    physics::Simulation::GetInstancePtr()->AddToRoot();
-    physics::SPH::GetInstancePtr()->AddToRoot();
     gui::GUI* gui = gui::GUI::GetInstancePtr();
-    gui->GetReflected()->AddToRoot();
-
-    util::SharedPtr<app::App> application = app::App::GetInstancePtr();
-    gui->GetMainComponent()->AddComponent(application);
-    application->GetReflected()->AddToRoot();
-    app::Scene::GetInstancePtr()->AddToRoot();
-    // The serializer brings the "Scene.add..." commands and "FileInfo", which scene files need from the
-    // start.
-    app::Serializer::GetInstancePtr();
+    core::JoinSubsystems(subsystem.GetSystem(),
+                         [gui]
+                         {
+                             core::ResourceManager::GetInstancePtr()->AddToRoot();
+                             gui->GetReflected()->AddToRoot();
+                         });
+    gui->GetMainComponent()->AddComponent(app::App::GetInstancePtr());
     app::Scene::GetInstancePtr()->SetWindowTitleSink([&subsystem](const util::String& title)
                                                      { subsystem.SetTitle(title); });
     Log(logging::Debug, "Application created");

@@ -12,7 +12,6 @@
 #include "rendering/Renderer.h"
 #include "rendering/TextureManager.h"
 #include "script/Parser.h"
-#include "script/SystemCommands.h"
 #include "util/FileSystem.h"
 #include "util/Interpolator.h"
 #include "util/Profiler.h"
@@ -92,9 +91,7 @@ void LogTimerPrecision()
 } // namespace
 
 Subsystem::Subsystem()
-    : InputListener(PRIORITY), m_reflected(QLEX_NEW new script::Reflected("System")),
-      m_minFPS(m_reflected.get(), "minFPS", 10.0f), m_maxFPS(m_reflected.get(), "maxFPS", 60.0f),
-      m_vSync(m_reflected.get(), "vSync", this, &Subsystem::GetVSync, &Subsystem::SetVSync),
+    : InputListener(PRIORITY), m_system(QLEX_NEW new System()),
       m_doLater(std::make_unique<util::CallbackSet>())
 {
     m_measureStart = Now();
@@ -114,7 +111,8 @@ Subsystem::Subsystem()
     input->InitializeSDL();
     input->AddListener(this);
     SetWindowIcon(workDir + "Qlex.bmp");
-    AddScriptMembers();
+    m_system->SetExitAction([this] { Exit(); });
+    m_system->SetRecreateWindowAction([this] { ApplyParserConfig(); });
 }
 
 Subsystem::~Subsystem()
@@ -127,23 +125,6 @@ Subsystem::~Subsystem()
     util::FileSystem::Destroy();
     script::Parser::Destroy();
     SDL_Quit();
-}
-
-void Subsystem::AddScriptMembers()
-{
-    script::Reflected& system = *m_reflected;
-    // The requested window: read by "recreateWindow", and by the next start through the configuration.
-    script::AttribWrapper<bool>(&system, "resizable", &m_requestedParams.resizable);
-    script::AttribWrapper<bool>(&system, "fullscreen", &m_requestedParams.fullscreen);
-    script::AttribWrapper<math::TVector2<int>>(
-        &system, "resolution", [this] { return m_requestedParams.GetResolution(); },
-        [this](const math::TVector2<int>& size) { m_requestedParams.SetResolution(size); });
-    script::AttribWrapper<int>(&system, "antiAlias", &m_requestedParams.antiAlias);
-    script::AttribWrapper<int>(&system, "depth", &m_requestedParams.depth);
-
-    system.AddVoidCmd("exit", [this] { Exit(); });
-    script::AddClockAndObjectCountCommands(system);
-    system.AddVoidCmd("recreateWindow", [this] { ApplyParserConfig(); });
 }
 
 bool Subsystem::IsUserTrapped()
@@ -178,7 +159,7 @@ void Subsystem::Run()
             util::ScopeProfiler stage("Events");
             input->PumpEvents();
         }
-        physics::Simulation::GetInstancePtr()->SetUpdateBudget(1.0f / m_minFPS);
+        physics::Simulation::GetInstancePtr()->SetUpdateBudget(1.0f / m_system->m_minFPS);
         if (MayQuit())
         {
             break;
@@ -221,11 +202,11 @@ void Subsystem::Run()
             util::ScopeProfiler stage("Logger::Update");
             logging::Logger::GetInstancePtr()->Update();
         }
-        float maxFPS = m_maxFPS;
+        float maxFPS = m_system->m_maxFPS;
         const unsigned sleep = FrameSleepMilliseconds(maxFPS, dt);
-        if (maxFPS != m_maxFPS)
+        if (maxFPS != m_system->m_maxFPS)
         {
-            m_maxFPS = maxFPS;
+            m_system->m_maxFPS = maxFPS;
         }
         if (sleep > 0)
         {
@@ -339,7 +320,7 @@ void Subsystem::CreateWindow(WindowParams params)
 
     Log(logging::Debug, "Setting vsync");
     SetVSync(params.vSync);
-    m_requestedParams = params;
+    m_system->m_requestedParams = params;
     m_currentParams = params;
 
     Log(logging::Debug, "Setting viewport");
@@ -372,7 +353,7 @@ void Subsystem::CreateWindow(WindowParams params)
 
     if (!m_firstWindow)
     {
-        m_reflected->AddVoidCmd("screenshot", [this] { ScreenShot(); });
+        m_system->AddVoidCmd("screenshot", [this] { ScreenShot(); });
         m_firstWindow = true;
     }
     Log(logging::Info, "Window created.");
@@ -380,7 +361,7 @@ void Subsystem::CreateWindow(WindowParams params)
 
 void Subsystem::ApplyParserConfig()
 {
-    CreateWindow(m_requestedParams);
+    CreateWindow(m_system->m_requestedParams);
 }
 
 void Subsystem::OnOtherEvent(const input::InputEvent& input)
@@ -444,6 +425,6 @@ void Subsystem::SetVSync(bool)
 void Subsystem::SetParams(const WindowParams& params)
 {
     m_currentParams = params;
-    m_requestedParams = params;
+    m_system->m_requestedParams = params;
 }
 } // namespace core

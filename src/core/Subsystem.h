@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/System.h"
 #include "core/WindowParams.h"
 #include "input/InputListener.h"
 #include "rendering/GLContext.h"
@@ -54,38 +55,28 @@ public:
     const WindowParams& GetCurrentParams() const { return m_currentParams; }
     // What "resizable", "fullscreen", "resolution", "antiAlias" and "depth" write; ApplyParserConfig
     // applies it.
-    WindowParams& GetRequestedParams() { return m_requestedParams; }
+    WindowParams& GetRequestedParams() { return m_system->m_requestedParams; }
     void SetParams(const WindowParams& params);
 
-    // "System" of the scripts: the settings below, the requested window and the commands of the shell.
-    const util::SharedPtr<script::Reflected>& GetReflected() const { return m_reflected; }
+    // "System" of the scripts: the frame-rate settings, the requested window and the commands of the shell.
+    util::SharedPtr<script::Reflected> GetReflected() const { return m_system; }
+    System& GetSystem() const { return *m_system; }
 
 private:
-    // Made before the settings, which join it as they are made.
-    util::SharedPtr<script::Reflected> m_reflected;
+    util::SharedPtr<System> m_system;
 
-public:
-    // Lowest frame rate that the simulation's work may drag the loop down to.
-    script::AttribWrapper<float> m_minFPS;
-    // Frame-rate ceiling; raised to 1 when set lower.
-    script::AttribWrapper<float> m_maxFPS;
-
-private:
     // Whether a quit may end the loop now.
     bool MayQuit() const;
     static bool IsUserTrapped();
     void RunDueCallbacks();
-    void AddScriptMembers();
     void ScreenShot() const;
 
-    script::AttribWrapper<bool> m_vSync;
     bool m_firstWindow = false;
     unsigned m_frameCount = 0;   // frames since the last measurement
     double m_measureStart = 0.0; // seconds
     double m_fps = 0.0;
     bool m_quit = false;
     WindowParams m_currentParams;
-    WindowParams m_requestedParams;
     std::unique_ptr<util::CallbackSet> m_doLater;
 };
 } // namespace core

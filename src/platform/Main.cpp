@@ -1,6 +1,7 @@
-#include "core/Main.h"
+// The desktop layer hands the command line to the program's entry, which the shell defines above this
+// layer. On Linux the desktop hands over nothing else, so the entry goes straight on.
+extern "C" int SDL_main(int argc, char** argv);
 
-// On Linux the desktop hands over nothing but the command line, so the entry goes straight on.
 int main(int argc, char** argv)
 {
     return SDL_main(argc, argv);

@@ -24,16 +24,16 @@ app::App& TheApp()
 TEST(App, SettingsStartAtTheirDefaults)
 {
     app::App& app = TheApp();
-    EXPECT_EQ(util::String(app.m_language), "English");
-    EXPECT_EQ(float(app.m_lineWidth), 4.0f);
-    EXPECT_EQ(float(app.m_DPI), 86.0f);
-    EXPECT_EQ(math::Vec3(app.m_fadeColor), math::Vec3(0, 0, 0));
-    EXPECT_EQ(math::Vec2(app.m_fadeScale), math::Vec2(0.95f, 0.95f));
-    EXPECT_EQ(math::Vec4(app.m_waterColor), math::Vec4(0.1f, 0.1f, 1.0f, 0.7f));
-    EXPECT_EQ((unsigned long)app.m_maxUndo, 25ul);
-    EXPECT_EQ(int(app.m_maxSPHSpawn), 10000);
-    EXPECT_FALSE(bool(app.m_simpleWater));
-    EXPECT_TRUE(bool(app.m_borders));
+    EXPECT_EQ(util::String(app.GetSettings().m_language), "English");
+    EXPECT_EQ(float(app.GetSettings().m_lineWidth), 4.0f);
+    EXPECT_EQ(float(app.GetSettings().m_DPI), 86.0f);
+    EXPECT_EQ(math::Vec3(app.GetSettings().m_fadeColor), math::Vec3(0, 0, 0));
+    EXPECT_EQ(math::Vec2(app.GetSettings().m_fadeScale), math::Vec2(0.95f, 0.95f));
+    EXPECT_EQ(math::Vec4(app.GetSettings().m_waterColor), math::Vec4(0.1f, 0.1f, 1.0f, 0.7f));
+    EXPECT_EQ((unsigned long)app.GetSettings().m_maxUndo, 25ul);
+    EXPECT_EQ(int(app.GetSettings().m_maxSPHSpawn), 10000);
+    EXPECT_FALSE(bool(app.GetSettings().m_simpleWater));
+    EXPECT_TRUE(bool(app.GetSettings().m_borders));
 }
 
 TEST(App, ScreenMeasuresFollowTheZoomAndTheDensity)
@@ -41,18 +41,18 @@ TEST(App, ScreenMeasuresFollowTheZoomAndTheDensity)
     app::App& app = TheApp();
     app::Camera& camera = app.GetCamera();
     camera.SetZoom(150);
-    EXPECT_NEAR(app.GetPixelSize(), 1.0f / 150, 1e-6f);
+    EXPECT_NEAR(app.GetSettings().GetPixelSize(), 1.0f / 150, 1e-6f);
     // 86 pixels to the inch: a centimetre is 33.86 pixels.
-    EXPECT_NEAR(app.GetScreenCM(), 86.0f / 2.54f / 150, 1e-5f);
-    EXPECT_NEAR(app.GetDefaultJointSize(), app.GetScreenCM() * 0.66667f, 1e-6f);
-    EXPECT_NEAR(app.GetMinimumPointDist(), app.GetScreenCM() * 0.2f, 1e-6f);
-    EXPECT_NEAR(app.GetMaximumPointDist(), app.GetScreenCM() * 0.5f, 1e-6f);
-    EXPECT_NEAR(app.GetObjectBorderWidth(), app.GetScreenCM() * 0.1f, 1e-6f);
+    EXPECT_NEAR(app.GetSettings().GetScreenCM(), 86.0f / 2.54f / 150, 1e-5f);
+    EXPECT_NEAR(app.GetSettings().GetDefaultJointSize(), app.GetSettings().GetScreenCM() * 0.66667f, 1e-6f);
+    EXPECT_NEAR(app.GetSettings().GetMinimumPointDist(), app.GetSettings().GetScreenCM() * 0.2f, 1e-6f);
+    EXPECT_NEAR(app.GetSettings().GetMaximumPointDist(), app.GetSettings().GetScreenCM() * 0.5f, 1e-6f);
+    EXPECT_NEAR(app.GetSettings().GetObjectBorderWidth(), app.GetSettings().GetScreenCM() * 0.1f, 1e-6f);
 
     camera.SetZoom(1.5f);
-    app.m_DPI = 172.0f;
-    EXPECT_NEAR(app.GetScreenCM(), 172.0f / 2.54f / 1.5f, 1e-3f);
-    app.m_DPI = 86.0f;
+    app.GetSettings().m_DPI = 172.0f;
+    EXPECT_NEAR(app.GetSettings().GetScreenCM(), 172.0f / 2.54f / 1.5f, 1e-3f);
+    app.GetSettings().m_DPI = 86.0f;
     camera.Reset();
 }
 
@@ -90,19 +90,19 @@ TEST(App, ScriptsSeeTheSettingsTheBackgroundAndTheInterfaceUnderApp)
 {
     app::App& app = TheApp();
     script::Parser& parser = *script::Parser::GetInstancePtr();
-    if (!parser.GetRootClosure()->GetVariableByObject(app.GetReflected().get()))
-        app.GetReflected()->AddToRoot();
+    if (!parser.GetRootClosure()->GetVariableByObject(app.GetSettings().GetReflected().get()))
+        app.GetSettings().GetReflected()->AddToRoot();
 
     parser.ExecuteToString("App.lineWidth = 2.5");
-    EXPECT_EQ(float(app.m_lineWidth), 2.5f);
-    app.m_DPI = 96.0f;
+    EXPECT_EQ(float(app.GetSettings().m_lineWidth), 2.5f);
+    app.GetSettings().m_DPI = 96.0f;
     EXPECT_EQ(parser.ExecuteToString("App.DPI"), "96");
     parser.ExecuteToString("App.Background.skyColor = [0.5, 0.25, 0.0, 1.0]");
     EXPECT_EQ(app.GetBackground().GetSkyColor(), math::Vec3(0.5f, 0.25f, 0.0f));
     EXPECT_EQ(parser.ExecuteToString("App.GUI.trapUser"), "false");
 
-    app.m_lineWidth = 4.0f;
-    app.m_DPI = 86.0f;
+    app.GetSettings().m_lineWidth = 4.0f;
+    app.GetSettings().m_DPI = 86.0f;
     app.GetBackground().ResetToDefaults();
 }
 
@@ -171,7 +171,7 @@ TEST(App, NewColoursStandOutFromTheSky)
     bool light = false, dark = false;
     for (int i = 0; i < 2000; ++i)
     {
-        const math::Vec4 c = app.RandomEntityColor4();
+        const math::Vec4 c = app.GetSettings().RandomEntityColor4();
         ASSERT_EQ(c.w, 1.0f);
         const math::Vec3 rgb(c.x, c.y, c.z);
         ASSERT_GE((rgb - sky).Length(), 0.1f) << i;
@@ -208,9 +208,9 @@ TEST(App, EntitiesSharingAMirrorKeyTurnAsOneGroupInThatFramesUpdate)
     util::SharedPtr<app::BoxEntity> large = addSquare(0.6f, 1.0f);
     input::ButtonInput key;
     key.AddKey(SDLK_m);
-    app.MirrorMe(key, small);
-    app.MirrorMe(key, large);
-    app.MirrorMe(key, large);
+    app.GetSettings().MirrorMe(key, small);
+    app.GetSettings().MirrorMe(key, large);
+    app.GetSettings().MirrorMe(key, large);
     // Mirroring puts new entities in the place of the old: they are told apart by their size.
     auto centreOf = [&](bool wantSmall)
     {
@@ -233,7 +233,7 @@ TEST(App, EntitiesSharingAMirrorKeyTurnAsOneGroupInThatFramesUpdate)
     // One that has left the scene stays out of it.
     util::SharedPtr<app::BoxEntity> gone = addSquare(0.2f, 3.0f);
     scene.RemoveEntity(gone);
-    app.MirrorMe(key, gone);
+    app.GetSettings().MirrorMe(key, gone);
     app.Update(0);
     EXPECT_EQ(scene.GetEntities().size(), 2u);
     EXPECT_FALSE(scene.HasEntity(gone));
@@ -248,11 +248,11 @@ TEST(App, OutlinesShowTheSelectedAndMarkedLooks)
     util::SharedPtr<app::BoxEntity> box =
         QLEX_NEW new app::BoxEntity(QLEX_NEW new physics::Box(math::Vec2(1, 1), math::Vec2(0, 0)));
     box->SetColor(math::Vec4(0.6f, 0.4f, 0.2f, 0.5f));
-    EXPECT_EQ(app.GetBorderColor(box.get()), math::Vec4(0.3f, 0.2f, 0.1f, 0.5f));
+    EXPECT_EQ(app.GetSettings().GetBorderColor(box.get()), math::Vec4(0.3f, 0.2f, 0.1f, 0.5f));
     box->m_markedLook = true;
-    EXPECT_EQ(app.GetBorderColor(box.get()), math::Vec4(0.2f, 0.2f, 0.2f, 1));
+    EXPECT_EQ(app.GetSettings().GetBorderColor(box.get()), math::Vec4(0.2f, 0.2f, 0.2f, 1));
     box->m_selectedLook = true;
-    EXPECT_EQ(app.GetBorderColor(box.get()), math::Vec4(0.8f, 0.8f, 0.8f, 1));
+    EXPECT_EQ(app.GetSettings().GetBorderColor(box.get()), math::Vec4(0.8f, 0.8f, 0.8f, 1));
     box->m_markedLook = false;
-    EXPECT_EQ(app.GetBorderColor(box.get()), math::Vec4(1, 1, 1, 1));
+    EXPECT_EQ(app.GetSettings().GetBorderColor(box.get()), math::Vec4(1, 1, 1, 1));
 }

@@ -51,7 +51,7 @@ protected:
         m_app.GetBackground().SetDrawClouds(false);
         m_app.GetCamera().Reset();
         m_app.GetCamera().SetZoom(100);
-        m_app.m_waterColor = math::Vec4(0.1f, 0.1f, 1.0f, 0.7f);
+        m_app.GetSettings().m_waterColor = math::Vec4(0.1f, 0.1f, 1.0f, 0.7f);
     }
     // The sink writes into this suite's own list, which must not outlive it.
     static void TearDownTestSuite()
@@ -225,7 +225,7 @@ TEST_F(WorldDrawing, AFadeColourLeavesATrailOfTheLastFrameBehindAClearSky)
 {
     // A sky of alpha 0 lets the trail show through.
     m_app.GetBackground().SetSkyColor(math::Vec4(0, 0, 0, 0));
-    m_app.m_fadeColor = math::Vec3(1, 1, 1);
+    m_app.GetSettings().m_fadeColor = math::Vec3(1, 1, 1);
     FillWater(math::Vec2(-0.5f, -0.5f), math::Vec2(0.5f, 0.5f));
     DrawFrame();
     const math::TVector4<int> water = s_window.ReadPixelFromTop(WIDTH / 2, HEIGHT / 2);
@@ -238,7 +238,7 @@ TEST_F(WorldDrawing, AFadeColourLeavesATrailOfTheLastFrameBehindAClearSky)
     EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(3, 3), {0, 0, 0, 0}));
 
     // Without a fade colour nothing of the last frame remains.
-    m_app.m_fadeColor = math::Vec3(0, 0, 0);
+    m_app.GetSettings().m_fadeColor = math::Vec3(0, 0, 0);
     DrawFrame();
     EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(WIDTH / 2, HEIGHT / 2), {0, 0, 0, 0}));
     m_app.GetBackground().ResetToDefaults();
@@ -258,11 +258,11 @@ TEST_F(WorldDrawing, CollisionsShowTheirContactPointsWhenAskedFor)
 
     DrawFrame();
     EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(pixel.x, pixel.y), SKY));
-    m_app.m_drawCollisions = true;
+    m_app.GetSettings().m_drawCollisions = true;
     DrawFrame();
     // A contact younger than half a simulated second is white.
     EXPECT_TRUE(ColorNear(s_window.ReadPixelFromTop(pixel.x, pixel.y), {255, 255, 255, 255}));
-    m_app.m_drawCollisions = false;
+    m_app.GetSettings().m_drawCollisions = false;
     physics::testing::ResetWorld();
 }
 
@@ -319,9 +319,9 @@ TEST_F(WorldDrawing, TheSelectionsBoxIsOutlinedInHalfBlueWhenAskedFor)
     util::SharedPtr<app::BoxEntity> box =
         AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(0, 0), math::Vec4(1, 0, 0, 1));
     app::Scene::GetInstancePtr()->SetSelection(QLEX_NEW new app::Group(app::EntityPtr(box)));
-    m_app.m_drawSelectionOBB = true;
+    m_app.GetSettings().m_drawSelectionOBB = true;
     DrawFrame();
-    m_app.m_drawSelectionOBB = false;
+    m_app.GetSettings().m_drawSelectionOBB = false;
     // Half blue over the red fill, drawn after the entities.
     EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {128, 0, 128, 255}, 4));
     EXPECT_TRUE(box->m_selectedLook);
@@ -342,7 +342,7 @@ TEST_F(WorldDrawing, WaterThatCannotBeBlendedByAConstantIsOpaqueAndSaysSoOnceARu
     EXPECT_EQ(count, rendering::HasBlendColor() ? 0u : 1u);
 
     // Opaque water needs no constant: no message, whatever the computer.
-    m_app.m_waterColor = math::Vec4(0.1f, 0.1f, 1.0f, 1.0f);
+    m_app.GetSettings().m_waterColor = math::Vec4(0.1f, 0.1f, 1.0f, 1.0f);
     DrawFrame();
     EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {26, 26, 255, 255}, 4));
 }
@@ -350,10 +350,10 @@ TEST_F(WorldDrawing, WaterThatCannotBeBlendedByAConstantIsOpaqueAndSaysSoOnceARu
 TEST_F(WorldDrawing, LineAndPointSizesThatGLRefusesDrawThinInsteadOfFailingTheFrame)
 {
     AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(0, 0), math::Vec4(1, 0, 0, 1));
-    m_app.m_lineWidth = 0.0f;
-    m_app.m_pointSize = -3.0f;
+    m_app.GetSettings().m_lineWidth = 0.0f;
+    m_app.GetSettings().m_pointSize = -3.0f;
     EXPECT_NO_THROW(DrawFrame());
-    m_app.m_lineWidth = 4.0f;
-    m_app.m_pointSize = 4.0f;
+    m_app.GetSettings().m_lineWidth = 4.0f;
+    m_app.GetSettings().m_pointSize = 4.0f;
     EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {255, 0, 0, 255}));
 }

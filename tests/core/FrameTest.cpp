@@ -2,6 +2,7 @@
 // where the camera puts it, a resize makes everything again, and the script members of "System" reach the
 // shell. One subsystem for the whole executable, as in a run.
 #include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/Camera.h"
 #include "app/Scene.h"
 #include "core/ResourceManager.h"
@@ -41,7 +42,7 @@ protected:
         core::Subsystem::GetInstancePtr()->GetReflected()->AddToRoot();
         core::ResourceManager::GetInstancePtr()->AddToRoot();
         gui::GUI::GetInstancePtr()->GetMainComponent()->AddComponent(app::App::GetInstancePtr());
-        app::App::GetInstancePtr()->GetReflected()->AddToRoot();
+        app::AppSettings::GetInstancePtr()->GetReflected()->AddToRoot();
     }
 
     static void TearDownTestSuite()
@@ -61,7 +62,7 @@ protected:
         app::App& app = *app::App::GetInstancePtr();
         app.GetBackground().SetDrawClouds(false);
         // Opaque water: the same colour whether or not the computer blends by a constant.
-        app.m_waterColor = math::Vec4(0.1f, 0.1f, 1.0f, 1.0f);
+        app.GetSettings().m_waterColor = math::Vec4(0.1f, 0.1f, 1.0f, 1.0f);
         physics::Simulation::GetInstancePtr()->m_running = false;
     }
 

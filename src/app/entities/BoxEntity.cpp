@@ -1,13 +1,11 @@
 #include "app/entities/BoxEntity.h"
+#include "app/entities/EntityPainter.h"
 
-#include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/EntitySerializer.h"
-#include "app/entities/DrawColor.h"
 #include "app/entities/PolyEntity.h"
 #include "app/entities/ShapeGeometry.h"
-#include "math/MatrixGL.h"
 #include "physics/Polygon.h"
-#include "rendering/GLContext.h"
 #include "util/StringUtil.h"
 
 #include <cmath>
@@ -19,17 +17,6 @@ namespace
 // Axes closer to perpendicular than this still make a box.
 const float PERPENDICULAR_TOLERANCE = 0.0001f;
 
-void DrawBox(math::Vec2 half)
-{
-    glBegin(GL_QUADS);
-    for (const math::Vec2& corner : BoxQuad(half))
-    {
-        glTexCoord2f(corner.x, corner.y);
-        glVertex2f(corner.x, corner.y);
-    }
-    glEnd();
-}
-
 } // namespace
 
 BoxEntity::BoxEntity(util::SharedPtr<physics::Box> box) : FiniteGeomEntity(box), m_box(box) {}
@@ -38,43 +25,6 @@ math::Vec2 BoxEntity::GetHalfSize() const
 {
     const math::OBB2D& local = m_box->GetLocalOBB();
     return math::Vec2(local.halfExtent[0], local.halfExtent[1]);
-}
-
-void BoxEntity::Draw() const
-{
-    const App& app = *App::GetInstancePtr();
-    const bool showBorder = app.m_borders || m_selectedLook || m_markedLook;
-    const math::Vec2 half = GetHalfSize();
-    glPushMatrix();
-    m_geom->GetPose().MultToGL();
-    if (showBorder)
-    {
-        math::Vec2 inside;
-        glEnable(GL_DEPTH_TEST);
-        if (BoxInside(half, app.GetObjectBorderWidth(), inside))
-        {
-            SetDrawColor(m_color);
-            DrawBox(inside);
-        }
-        SetDrawColor(App::GetInstancePtr()->GetBorderColor(this));
-        DrawBox(half);
-        glDisable(GL_DEPTH_TEST);
-    }
-    else
-    {
-        SetDrawColor(m_color);
-        DrawBox(half);
-    }
-    glPopMatrix();
-}
-
-void BoxEntity::DrawBlack() const
-{
-    glPushMatrix();
-    m_geom->GetPose().MultToGL();
-    SetDrawColor(math::Vec4(0, 0, 0, 0));
-    DrawBox(GetHalfSize());
-    glPopMatrix();
 }
 
 std::vector<physics::Linesegment> BoxEntity::GetSides() const
@@ -180,6 +130,16 @@ void BoxEntity::Deserialize(const EntitySerializer& serializer)
         m_box->SetSize(size);
     }
     FiniteGeomEntity::Deserialize(serializer);
+}
+
+void BoxEntity::Draw() const
+{
+    EntityPainter::Paint(*this);
+}
+
+void BoxEntity::DrawBlack() const
+{
+    EntityPainter::PaintBlack(*this);
 }
 
 } // namespace app

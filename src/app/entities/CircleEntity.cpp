@@ -1,17 +1,13 @@
 #include "app/entities/CircleEntity.h"
+#include "app/entities/EntityPainter.h"
 
-#include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/EntitySerializer.h"
 #include "app/Scene.h"
-#include "app/entities/DrawColor.h"
 #include "app/entities/JointEntity.h"
 #include "app/entities/PolyEntity.h"
 #include "app/entities/ShapeGeometry.h"
-#include "math/MatrixGL.h"
 #include "physics/Polygon.h"
-#include "rendering/GLContext.h"
-#include "rendering/Image.h"
-#include "rendering/Renderer.h"
 
 #include <cmath>
 
@@ -26,54 +22,7 @@ const int SCALED_POLYGON_SEGMENTS = 64;
 // Past this many pixels across, the circle texture would be magnified and blur.
 const float MAX_TEXTURE_PIXELS = 1024.0f;
 
-void DrawCircle(float r, bool cake)
-{
-    // A border wider than the circle leaves no inside; a fan of negative radius would be a mirrored disc.
-    if (r <= 0.0f)
-        return;
-    int first, last;
-    CircleFanRange(cake, first, last);
-    const std::vector<math::Vec2>& vecs = CircleVecs();
-    glBegin(GL_TRIANGLE_FAN);
-    glVertex2f(0, 0);
-    for (int i = first; i <= last; ++i)
-        glVertex2f(vecs[i].x * r, vecs[i].y * r);
-    glEnd();
-}
-
-rendering::Texture* CreateTexture(bool cake)
-{
-    const std::vector<float> texels = CircleTexture(CIRCLE_TEXTURE_SIZE, cake);
-    rendering::ImageFloatPtr image =
-        QLEX_NEW new rendering::ImageFloat(CIRCLE_TEXTURE_SIZE, CIRCLE_TEXTURE_SIZE);
-    for (int j = 0; j < CIRCLE_TEXTURE_SIZE; ++j)
-        for (int i = 0; i < CIRCLE_TEXTURE_SIZE; ++i)
-            (*image)(i, j) = texels[size_t(j) * CIRCLE_TEXTURE_SIZE + i];
-    // Mipmapped, so that small circles stay smooth; clamped, so that the edge doesn't wrap.
-    return new rendering::Texture(
-        image, rendering::Texture::ImageType(GL_ALPHA, true, rendering::Texture::Quality(1, 1, 1, 1, 1)));
-}
-
-// The textured square of a circle of radius r about the origin.
-void DrawRect(const rendering::Texture& texture, float r)
-{
-    if (r <= 0.0f)
-        return;
-    glBindTexture(GL_TEXTURE_2D, texture.GetName());
-    rendering::Renderer::GetInstancePtr()->DrawRect(math::Vec2(0, 0), 2.0f * r * SquareScale);
-}
 } // namespace
-
-util::SharedPtr<util::Mentor<rendering::Texture>> CircleEntity::s_circleTex;
-util::SharedPtr<util::Mentor<rendering::Texture>> CircleEntity::s_circleTexNoCake;
-
-void CircleEntity::LoadResources()
-{
-    if (s_circleTex)
-        return;
-    s_circleTex = QLEX_NEW new util::Mentor<rendering::Texture>([] { return CreateTexture(true); });
-    s_circleTexNoCake = QLEX_NEW new util::Mentor<rendering::Texture>([] { return CreateTexture(false); });
-}
 
 CircleEntity::CircleEntity(util::SharedPtr<physics::Circle> circle)
     : FiniteGeomEntity(circle), m_circle(circle)
@@ -83,54 +32,6 @@ CircleEntity::CircleEntity(util::SharedPtr<physics::Circle> circle)
 bool CircleEntity::IsTooBigForTexture(float radius, float pixelSize)
 {
     return 2.0f * radius > MAX_TEXTURE_PIXELS * pixelSize;
-}
-
-void CircleEntity::Draw() const
-{
-    const App& app = *App::GetInstancePtr();
-    const bool showBorder = app.m_borders || m_selectedLook || m_markedLook;
-    const float r = GetRadius();
-    const float bw = app.GetObjectBorderWidth();
-    const float inside = showBorder ? r - bw : r;
-    const math::Vec4 border = App::GetInstancePtr()->GetBorderColor(this);
-    glPushMatrix();
-    m_geom->GetPose().MultToGL();
-    if (m_color.w < 1.0f || IsTooBigForTexture(r, app.GetPixelSize()))
-    {
-        // Geometry: the inside in front, the whole disc in the border colour behind it. The inside leaves
-        // the slice out, so the border colour shows the rotation.
-        glEnable(GL_DEPTH_TEST);
-        SetDrawColor(m_color);
-        DrawCircle(inside, true);
-        SetDrawColor(border);
-        DrawCircle(r, false);
-        glDisable(GL_DEPTH_TEST);
-    }
-    else
-    {
-        // The smooth pictures: the border colour's disc, and over it the inside with its slice cut out.
-        LoadResources();
-        glPushAttrib(GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT | GL_TEXTURE_BIT);
-        glEnable(GL_TEXTURE_2D);
-        glEnable(GL_BLEND);
-        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-        SetDrawColor(border);
-        DrawRect(*s_circleTexNoCake->GetPtr(), r);
-        SetDrawColor(m_color);
-        DrawRect(*s_circleTex->GetPtr(), inside);
-        glBindTexture(GL_TEXTURE_2D, 0);
-        glPopAttrib();
-    }
-    glPopMatrix();
-}
-
-void CircleEntity::DrawBlack() const
-{
-    glPushMatrix();
-    m_geom->GetPose().MultToGL();
-    SetDrawColor(math::Vec4(0, 0, 0, 0));
-    DrawCircle(GetRadius(), false);
-    glPopMatrix();
 }
 
 bool CircleEntity::ErasedBy(const std::vector<physics::Linesegment>& stroke) const
@@ -245,6 +146,16 @@ util::SharedPtr<CircleEntity> TransformIntoCircle(util::SharedPtr<PolyEntity> po
     }
     scene.RemoveEntity(polygon);
     return entity;
+}
+
+void CircleEntity::Draw() const
+{
+    EntityPainter::Paint(*this);
+}
+
+void CircleEntity::DrawBlack() const
+{
+    EntityPainter::PaintBlack(*this);
 }
 
 } // namespace app

@@ -2,8 +2,6 @@
 
 #include "app/entities/FiniteGeomEntity.h"
 #include "physics/Circle.h"
-#include "rendering/Texture.h"
-#include "util/Mentor.h"
 
 namespace app
 {
@@ -26,13 +24,7 @@ public:
     // Whether the circle is too big on the screen for its texture, which would blur.
     static bool IsTooBigForTexture(float radius, float pixelSize);
 
-    // Makes the two textures of all circles: with the cake slice and without. Once.
-    static void LoadResources();
-
     util::SharedPtr<physics::Circle> m_circle;
-
-    static util::SharedPtr<util::Mentor<rendering::Texture>> s_circleTex;
-    static util::SharedPtr<util::Mentor<rendering::Texture>> s_circleTexNoCake;
 };
 
 class PolyEntity;

@@ -1,6 +1,6 @@
 #include "app/entities/Entity.h"
 
-#include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/Camera.h"
 #include "app/Chain.h"
 #include "app/EntitySerializer.h"
@@ -27,7 +27,7 @@ float LimitPrecision(float c)
 
 Entity::Entity() : m_id(s_idCounter++)
 {
-    SetColor(App::GetInstancePtr()->RandomEntityColor4());
+    SetColor(AppSettings::GetInstancePtr()->RandomEntityColor4());
     const util::WeakPtr<Entity> self(this);
     input::ButtonInput* destroy = &m_buttonDestroy;
     input::ButtonInput* mirror = &m_buttonMirror;
@@ -182,7 +182,7 @@ void MirrorByButton(input::ButtonInput* button, util::WeakPtr<Entity> entity)
     const EntityPtr self = entity.lock();
     if (!self || !button->IsBound() || !Scene::GetInstancePtr()->HasEntity(self))
         return;
-    App::GetInstancePtr()->MirrorMe(*button, self);
+    AppSettings::GetInstancePtr()->MirrorMe(*button, self);
 }
 
 } // namespace app

@@ -1,6 +1,6 @@
 #include "app/entities/FiniteGeomEntity.h"
 
-#include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/EntitySerializer.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
@@ -96,7 +96,7 @@ std::vector<math::Vec2> FiniteGeomEntity::GetEquidistantPoints()
 {
     const float r = physics::SPH::GetInstancePtr()->m_radius;
     const float area = m_geom->Area();
-    const int maxSpawn = std::max(1, int(App::GetInstancePtr()->m_maxSPHSpawn));
+    const int maxSpawn = std::max(1, int(AppSettings::GetInstancePtr()->m_maxSPHSpawn));
     // One drop for each drop's area.
     const int count = std::clamp(int(std::floor(area / (r * r * math::PIf) + 0.5f)), 1, maxSpawn);
     const physics::BoundingCircle bc = m_geom->GetBCWorld();

@@ -1,12 +1,11 @@
 #include "app/entities/FixJointEntity.h"
+#include "app/entities/EntityPainter.h"
 
-#include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/Scene.h"
-#include "app/entities/DrawColor.h"
 #include "logging/Log.h"
 #include "physics/Plane.h"
 #include "physics/Simulation.h"
-#include "rendering/GLContext.h"
 
 #include <vector>
 
@@ -37,21 +36,6 @@ std::set<physics::Geom*> Intersection(const std::set<physics::Geom*>& a, const G
 }
 
 FixJointEntity::FixJointEntity(float size) : JointEntity(size) {}
-
-void FixJointEntity::Draw() const
-{
-    const math::Vec2 c = GetMidpoint();
-    const float h = m_size / 2.0f;
-    // Lines have no room for a border: a selected or marked fixate takes the border colour as a whole.
-    SetDrawColor(m_selectedLook || m_markedLook ? App::GetInstancePtr()->GetBorderColor(this) : m_color);
-    // Two crossing strokes: the gesture that makes a fixate.
-    glBegin(GL_LINES);
-    glVertex2f(c.x - h, c.y - h);
-    glVertex2f(c.x + h, c.y + h);
-    glVertex2f(c.x - h, c.y + h);
-    glVertex2f(c.x + h, c.y - h);
-    glEnd();
-}
 
 bool FixJointEntity::IsOnEntity(math::Vec2 worldPoint) const
 {
@@ -99,7 +83,7 @@ void FixJointEntity::SerializeTo(EntitySerializer& serializer) const
 JointEntityPtr FixJointEntity::Clone() const
 {
     util::SharedPtr<FixJointEntity> clone =
-        QLEX_NEW new FixJointEntity(App::GetInstancePtr()->GetDefaultJointSize());
+        QLEX_NEW new FixJointEntity(AppSettings::GetInstancePtr()->GetDefaultJointSize());
     clone->CopyFrom(this);
     return clone;
 }
@@ -254,6 +238,11 @@ void FixJointEntity::Split()
     }
     m_fixedGeoms[0] = nullptr;
     m_fixedGeoms[1] = nullptr;
+}
+
+void FixJointEntity::Draw() const
+{
+    EntityPainter::Paint(*this);
 }
 
 } // namespace app

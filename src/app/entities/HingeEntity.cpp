@@ -1,10 +1,9 @@
 #include "app/entities/HingeEntity.h"
+#include "app/entities/EntityPainter.h"
 
-#include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/EntitySerializer.h"
-#include "app/entities/DrawColor.h"
 #include "physics/Simulation.h"
-#include "rendering/GLContext.h"
 
 #include <cmath>
 
@@ -18,19 +17,6 @@ namespace
 const SDLKey KEY_RIGHT = SDLKey(275);
 const SDLKey KEY_LEFT = SDLKey(276);
 const SDLKey KEY_DOWN = SDLKey(274);
-const int RING_SEGMENTS = 32;
-
-void DrawDisc(math::Vec2 c, float r)
-{
-    glBegin(GL_TRIANGLE_FAN);
-    glVertex2f(c.x, c.y);
-    for (int i = 0; i <= RING_SEGMENTS; ++i)
-    {
-        const float t = 2.0f * math::PIf * i / RING_SEGMENTS;
-        glVertex2f(c.x + r * std::cos(t), c.y + r * std::sin(t));
-    }
-    glEnd();
-}
 
 } // namespace
 
@@ -83,23 +69,6 @@ void HingeEntity::Update(float dt)
         m_hinge->SetMotorSpeed(speed);
         m_hinge->SetMotorOn(m_motor);
     }
-}
-
-void HingeEntity::Draw() const
-{
-    const App& app = *App::GetInstancePtr();
-    const float inside = m_size / 2.0f - app.GetObjectBorderWidth();
-    // The look of the shapes: the inside in front, the whole disc in the border colour behind it, so that a
-    // see-through hinge doesn't show its rim through its inside.
-    glEnable(GL_DEPTH_TEST);
-    if (inside > 0.0f)
-    {
-        SetDrawColor(m_color);
-        DrawDisc(GetMidpoint(), inside);
-    }
-    SetDrawColor(app.GetBorderColor(this));
-    DrawDisc(GetMidpoint(), m_size / 2.0f);
-    glDisable(GL_DEPTH_TEST);
 }
 
 bool HingeEntity::IsOnEntity(math::Vec2 worldPoint) const
@@ -204,9 +173,14 @@ void HingeEntity::CopyFrom(const Entity* source)
 JointEntityPtr HingeEntity::Clone() const
 {
     util::SharedPtr<HingeEntity> clone =
-        QLEX_NEW new HingeEntity(App::GetInstancePtr()->GetDefaultJointSize());
+        QLEX_NEW new HingeEntity(AppSettings::GetInstancePtr()->GetDefaultJointSize());
     clone->CopyFrom(this);
     return clone;
+}
+
+void HingeEntity::Draw() const
+{
+    EntityPainter::Paint(*this);
 }
 
 } // namespace app

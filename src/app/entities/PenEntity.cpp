@@ -1,16 +1,13 @@
 #include "app/entities/PenEntity.h"
+#include "app/entities/EntityPainter.h"
 
-#include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/EntitySerializer.h"
 #include "app/Scene.h"
-#include "app/entities/DrawColor.h"
 #include "app/entities/ShapeGeometry.h"
 #include "logging/Log.h"
 #include "physics/Polygon.h"
 #include "physics/Simulation.h"
-#include "rendering/GLContext.h"
-#include "rendering/Image.h"
-#include "rendering/Renderer.h"
 #include "util/Profiler.h"
 #include "util/StringUtil.h"
 
@@ -20,45 +17,13 @@
 namespace app
 {
 const double PenEntity::MAX_TAIL_TIME = 600.0;
-util::SharedPtr<util::Mentor<rendering::Texture>> PenEntity::s_penTex;
-util::SharedPtr<util::Mentor<rendering::Texture>> PenEntity::s_ringTex;
 
 namespace
 {
-// The tail strip is this share of the pen's size wide.
-const float TAIL_WIDTH = 0.7f;
-// The selection ring is this much larger than the pen.
-const float RING_SCALE = 1.3f;
 // Consecutive tail points are at least this share of a screen centimetre, and of the pen's size, apart.
 const float MIN_TAIL_STEP = 0.1f;
 // A moved pen stays on its geom while within this distance of it, in metres.
 const float ON_GEOM_TOLERANCE = 0.001f;
-
-rendering::Texture* MakeTexture(const std::vector<float>& texels)
-{
-    rendering::ImageFloatPtr image = QLEX_NEW new rendering::ImageFloat(PEN_TEXTURE_SIZE, PEN_TEXTURE_SIZE);
-    for (int j = 0; j < PEN_TEXTURE_SIZE; ++j)
-        for (int i = 0; i < PEN_TEXTURE_SIZE; ++i)
-            (*image)(i, j) = texels[size_t(j) * PEN_TEXTURE_SIZE + i];
-    return new rendering::Texture(
-        image, rendering::Texture::ImageType(GL_ALPHA, true, rendering::Texture::Quality(1, 1, 1, 1, 1)));
-}
-
-// A textured square of side `size` about c.
-void DrawSprite(util::Mentor<rendering::Texture>& mentor, math::Vec2 c, float size)
-{
-    glPushAttrib(GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT | GL_TEXTURE_BIT);
-    // Made, if it must be, inside the saved state: making a texture leaves it bound, and the next picture
-    // without a texture of its own would be painted with it.
-    const util::SharedPtr<rendering::Texture> texture = mentor.GetPtr();
-    glEnable(GL_TEXTURE_2D);
-    glEnable(GL_BLEND);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    glBindTexture(GL_TEXTURE_2D, texture->GetName());
-    rendering::Renderer::GetInstancePtr()->DrawRect(c, size);
-    glBindTexture(GL_TEXTURE_2D, 0);
-    glPopAttrib();
-}
 
 math::Vec2 UnitOrZero(const math::Vec2& v)
 {
@@ -73,16 +38,6 @@ PenEntity::PenEntity(float size)
 {
     physics::Simulation::GetInstancePtr()->AddStepCallback(
         util::MakeCallbackArg<float>(&PenEntity::OnSimUpdate, this));
-}
-
-void PenEntity::LoadResources()
-{
-    if (s_penTex)
-        return;
-    s_penTex = QLEX_NEW new util::Mentor<rendering::Texture>(
-        [] { return MakeTexture(PenTexture(PEN_TEXTURE_SIZE)); });
-    s_ringTex = QLEX_NEW new util::Mentor<rendering::Texture>(
-        [] { return MakeTexture(RingTexture(PEN_TEXTURE_SIZE)); });
 }
 
 void PenEntity::Update(float) {}
@@ -210,7 +165,8 @@ void PenEntity::CopyFrom(const Entity* source)
 
 util::SharedPtr<PenEntity> PenEntity::Clone() const
 {
-    util::SharedPtr<PenEntity> clone = QLEX_NEW new PenEntity(App::GetInstancePtr()->GetDefaultJointSize());
+    util::SharedPtr<PenEntity> clone =
+        QLEX_NEW new PenEntity(AppSettings::GetInstancePtr()->GetDefaultJointSize());
     clone->CopyFrom(this);
     return clone;
 }
@@ -227,7 +183,7 @@ void PenEntity::OnSimUpdate(float)
     if (m_tail.size() > 1)
     {
         const float minDist =
-            std::min(MIN_TAIL_STEP * App::GetInstancePtr()->GetScreenCM(), MIN_TAIL_STEP * m_size);
+            std::min(MIN_TAIL_STEP * AppSettings::GetInstancePtr()->GetScreenCM(), MIN_TAIL_STEP * m_size);
         if (math::Distance(m_tail[m_tail.size() - 1].position, m_tail[m_tail.size() - 2].position) < minDist)
             m_tail.pop_back();
     }
@@ -258,53 +214,7 @@ size_t PenEntity::FindBegin() const
 
 void PenEntity::Draw() const
 {
-    const util::ScopeProfiler profile("Pen::Draw");
-    // A preview that flattens the pen to a line can't be undone for the tail: the tail waits for a
-    // preview it can see through.
-    const bool tailVisible = !HasScaleTransform() || m_scaleTransform.Determinant() != 0.0f;
-    if (m_tail.size() >= 2 && m_fadeTime > 0.0f && tailVisible)
-    {
-        const util::ScopeProfiler tail("Pen::DrawTail");
-        float w = TAIL_WIDTH * m_size;
-        glPushMatrix();
-        // The tail stays where it was while a scale drag previews the pen elsewhere.
-        if (HasScaleTransform())
-        {
-            const math::Mat3 inverse = math::Inverted(m_scaleTransform);
-            const float m[16] = {
-                inverse(0, 0), inverse(1, 0), 0, 0, inverse(0, 1), inverse(1, 1), 0, 0, 0, 0, 1, 0,
-                inverse(0, 2), inverse(1, 2), 0, 1};
-            glMultMatrixf(m);
-            w *= std::sqrt(std::fabs(m_scaleTransform(0, 0) * m_scaleTransform(1, 1)));
-        }
-        const float half = w / 2.0f;
-        // The tail fades through its alpha.
-        glPushAttrib(GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT);
-        glEnable(GL_BLEND);
-        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-        glBegin(GL_TRIANGLE_STRIP);
-        for (size_t i = FindBegin(); i < m_tail.size(); ++i)
-        {
-            const TailElem& e = m_tail[i];
-            const float a = 1.0f - float(m_time - e.time) / m_fadeTime;
-            SetDrawColor(math::Vec4(m_color.x, m_color.y, m_color.z, m_color.w * a));
-            const math::Vec2 p0 = e.position - e.normal * half;
-            const math::Vec2 p1 = e.position + e.normal * half;
-            glVertex2f(p0.x, p0.y);
-            glVertex2f(p1.x, p1.y);
-        }
-        glEnd();
-        glPopAttrib();
-        glPopMatrix();
-    }
-    LoadResources();
-    SetDrawColor(m_color);
-    DrawSprite(*s_penTex, GetPos(), m_size);
-    if (m_selectedLook || m_markedLook)
-    {
-        SetDrawColor(App::GetInstancePtr()->GetBorderColor(this));
-        DrawSprite(*s_ringTex, GetPos(), RING_SCALE * m_size);
-    }
+    EntityPainter::Paint(*this);
 }
 
 } // namespace app

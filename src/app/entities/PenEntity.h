@@ -3,8 +3,6 @@
 #include "app/entities/Entity.h"
 #include "app/entities/GeomEntity.h"
 #include "physics/Circle.h"
-#include "rendering/Texture.h"
-#include "util/Mentor.h"
 
 #include <deque>
 
@@ -60,8 +58,6 @@ public:
 
     // Once per physics step.
     void OnSimUpdate(float dt);
-    // Makes the textures of the head and of the selection ring, shared by all pens. Once.
-    static void LoadResources();
 
     script::AttribWrapper<float> m_size;
     script::AttribWrapper<float> m_fadeTime;
@@ -70,9 +66,6 @@ public:
     math::Vec2 m_transformPos;
     double m_time;
     std::deque<TailElem> m_tail;
-
-    static util::SharedPtr<util::Mentor<rendering::Texture>> s_penTex;
-    static util::SharedPtr<util::Mentor<rendering::Texture>> s_ringTex;
 };
 
 } // namespace app

@@ -1,25 +1,16 @@
 #include "app/entities/PlaneEntity.h"
+#include "app/entities/EntityPainter.h"
 
-#include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/Camera.h"
 #include "app/Scene.h"
-#include "app/entities/DrawColor.h"
 #include "app/entities/ShapeGeometry.h"
 #include "physics/Linesegment.h"
-#include "rendering/GLContext.h"
 
 namespace app
 {
 namespace
 {
-void DrawPlaneSegment(const math::Vec2 corners[4], const float dists[4], float lo, float hi)
-{
-    glBegin(GL_TRIANGLE_FAN);
-    for (const math::Vec2& p : PlaneSegment(corners, dists, lo, hi))
-        glVertex2f(p.x, p.y);
-    glEnd();
-}
-
 } // namespace
 
 PlaneEntity::PlaneEntity(util::SharedPtr<physics::Plane> plane) : GeomEntity(plane), m_plane(plane) {}
@@ -46,39 +37,6 @@ void PlaneEntity::CalcVecsAndDist(math::Vec2 corners[4], float dists[4]) const
         corners[i] = math::TransformCoordinate(unscale, camera.GUIToWorld(guiCorners[i]));
         dists[i] = m_plane->DistanceWorld(corners[i]);
     }
-}
-
-void PlaneEntity::Draw() const
-{
-    const App& app = *App::GetInstancePtr();
-    const bool showBorder = app.m_borders || m_selectedLook || m_markedLook;
-    math::Vec2 corners[4];
-    float dists[4];
-    CalcVecsAndDist(corners, dists);
-    if (showBorder)
-    {
-        const float bw = app.GetObjectBorderWidth();
-        glEnable(GL_DEPTH_TEST);
-        SetDrawColor(m_color);
-        DrawPlaneSegment(corners, dists, -math::INF, -bw);
-        SetDrawColor(App::GetInstancePtr()->GetBorderColor(this));
-        DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
-        glDisable(GL_DEPTH_TEST);
-    }
-    else
-    {
-        SetDrawColor(m_color);
-        DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
-    }
-}
-
-void PlaneEntity::DrawBlack() const
-{
-    math::Vec2 corners[4];
-    float dists[4];
-    CalcVecsAndDist(corners, dists);
-    SetDrawColor(math::Vec4(0, 0, 0, 0));
-    DrawPlaneSegment(corners, dists, -math::INF, 0.0f);
 }
 
 bool PlaneEntity::ErasedBy(const std::vector<physics::Linesegment>& stroke) const
@@ -116,6 +74,16 @@ GeomEntityPtr PlaneEntity::ScaledClone(math::Vec2 scale) const
     util::SharedPtr<PlaneEntity> clone = QLEX_NEW new PlaneEntity(newPlane);
     clone->CopyFrom(this);
     return clone;
+}
+
+void PlaneEntity::Draw() const
+{
+    EntityPainter::Paint(*this);
+}
+
+void PlaneEntity::DrawBlack() const
+{
+    EntityPainter::PaintBlack(*this);
 }
 
 } // namespace app

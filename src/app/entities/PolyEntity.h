@@ -7,12 +7,10 @@
 
 namespace app
 {
-class App;
-
 class PolyEntity final : public FiniteGeomEntity
 {
 public:
-    // What a polygon draws with, made on its first drawing and shared with its clones.
+    // What a polygon draws with, made by the painter on its first picture and shared with its clones.
     struct RenderingResources;
 
     explicit PolyEntity(util::SharedPtr<physics::Polygon> polygon);
@@ -29,15 +27,13 @@ public:
 
     // The distance at which the picture's distance texture is cut off.
     float GetMaxDist() const;
-    void LoadRenderingResources() const;
+    // What the painter keeps for the polygon's picture; clones share it.
+    std::shared_ptr<RenderingResources>& GetPictureResources() const { return m_resources; }
 
     util::SharedPtr<physics::Polygon> m_polygon;
 
 private:
-    // Boxes and circle of the polygon, as the application's debug switches ask.
-    void DrawDebugPictures(const App& app) const;
-
-    std::shared_ptr<RenderingResources> m_resources;
+    mutable std::shared_ptr<RenderingResources> m_resources;
 };
 
 } // namespace app

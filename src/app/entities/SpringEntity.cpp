@@ -1,11 +1,10 @@
 #include "app/entities/SpringEntity.h"
+#include "app/entities/EntityPainter.h"
 
-#include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/EntitySerializer.h"
-#include "app/entities/DrawColor.h"
 #include "physics/Polygon.h"
 #include "physics/Simulation.h"
-#include "rendering/GLContext.h"
 
 #include <cmath>
 
@@ -13,8 +12,6 @@ namespace app
 {
 namespace
 {
-// Turns of the drawn zigzag.
-const int ZIGZAG_TEETH = 12;
 // A point is on the spring within a third of its width of the line.
 const float PICK_WIDTH_FRACTION = 1.0f / 3.0f;
 } // namespace
@@ -73,25 +70,6 @@ void SpringEntity::SetTargetLength(float length)
 physics::Linesegment SpringEntity::GetLine() const
 {
     return physics::Linesegment(m_worldPos[0], m_worldPos[1]);
-}
-
-void SpringEntity::Draw() const
-{
-    const math::Vec2 a = m_worldPos[0];
-    const math::Vec2 d = m_worldPos[1] - a;
-    const float length = d.Length();
-    const math::Vec2 across = length > 0.0f ? math::Rot90CCW(d / length) * (m_size / 2.0f) : math::Vec2(0, 0);
-    // A line has no room for a border: a selected or marked spring takes the border colour as a whole.
-    SetDrawColor(m_selectedLook || m_markedLook ? App::GetInstancePtr()->GetBorderColor(this) : m_color);
-    glBegin(GL_LINE_STRIP);
-    glVertex2f(a.x, a.y);
-    for (int i = 1; i < 2 * ZIGZAG_TEETH; ++i)
-    {
-        const math::Vec2 p = a + d * (float(i) / (2 * ZIGZAG_TEETH)) + across * (i % 2 ? 1.0f : -1.0f);
-        glVertex2f(p.x, p.y);
-    }
-    glVertex2f(m_worldPos[1].x, m_worldPos[1].y);
-    glEnd();
 }
 
 bool SpringEntity::IsOnEntity(math::Vec2 worldPoint) const
@@ -187,9 +165,14 @@ void SpringEntity::CopyFrom(const Entity* source)
 JointEntityPtr SpringEntity::Clone() const
 {
     util::SharedPtr<SpringEntity> clone =
-        QLEX_NEW new SpringEntity(App::GetInstancePtr()->GetDefaultJointSize());
+        QLEX_NEW new SpringEntity(AppSettings::GetInstancePtr()->GetDefaultJointSize());
     clone->CopyFrom(this);
     return clone;
+}
+
+void SpringEntity::Draw() const
+{
+    EntityPainter::Paint(*this);
 }
 
 } // namespace app

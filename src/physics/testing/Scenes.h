@@ -7,7 +7,8 @@
 
 #include <vector>
 
-// The scenes shared by the outcome tests, the benchmarks and the sample scenes: each is built once, here.
+// The physics scenes shared by the outcome tests and the benchmarks: each is built once, here. The sample
+// scenes a user opens are scene files of their own, under scenes/.
 namespace physics::testing
 {
 // An empty world with every setting at its default and the real-time clock.

@@ -3,6 +3,7 @@
 
 #include "GLTestWindow.h"
 #include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/Camera.h"
 #include "app/entities/FixJointEntity.h"
 #include "app/entities/HingeEntity.h"
@@ -74,18 +75,18 @@ protected:
         glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
         glLineWidth(1);
         app::App& application = *app::App::GetInstancePtr();
-        application.m_borders = true;
-        application.m_borderWidth = 0.1f;
+        application.GetSettings().m_borders = true;
+        application.GetSettings().m_borderWidth = 0.1f;
     }
     void TearDown() override
     {
         app::App& application = *app::App::GetInstancePtr();
-        application.m_borders = true;
-        application.m_borderWidth = 0.1f;
-        application.m_drawOBBs = false;
-        application.m_drawMapOBBs = false;
-        application.m_drawBCs = false;
-        application.m_drawVertices = false;
+        application.GetSettings().m_borders = true;
+        application.GetSettings().m_borderWidth = 0.1f;
+        application.GetSettings().m_drawOBBs = false;
+        application.GetSettings().m_drawMapOBBs = false;
+        application.GetSettings().m_drawBCs = false;
+        application.GetSettings().m_drawVertices = false;
         World::TearDown();
     }
 
@@ -118,7 +119,7 @@ TEST_F(EntityDrawingGLTest, RedBoxHasItsBorderAtTheEdge)
     util::SharedPtr<app::BoxEntity> box = AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(-0.6f, 0.3f));
     box->SetColor(math::Vec4(1, 0, 0, 1));
     DrawAlone(*box);
-    const float border = app::App::GetInstancePtr()->GetObjectBorderWidth();
+    const float border = app::AppSettings::GetInstancePtr()->GetObjectBorderWidth();
     ASSERT_GT(border, Px(2.5f));
     EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.6f, 0.3f)), Rgb(255, 0, 0, 255)));
     // Just inside each side: the border, half the colour.
@@ -135,9 +136,9 @@ TEST_F(EntityDrawingGLTest, RedBoxHasItsBorderAtTheEdge)
     DrawAlone(*box);
     EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.8f + Px(1.5f), 0.3f)), Rgb(255, 255, 255, 255)));
     box->m_selectedLook = false;
-    app::App::GetInstancePtr()->m_borders = false;
+    app::AppSettings::GetInstancePtr()->m_borders = false;
     DrawAlone(*box);
-    app::App::GetInstancePtr()->m_borders = true;
+    app::AppSettings::GetInstancePtr()->m_borders = true;
     EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.8f + Px(1.5f), 0.3f)), Rgb(255, 0, 0, 255)));
 }
 
@@ -177,7 +178,7 @@ TEST_F(EntityDrawingGLTest, PolygonIsCutOutOfItsDistanceTextureWithABorder)
     DrawAlone(*poly);
     // Vertices lie on the axes; the border is as wide as the texture allows, up to the object border.
     const float border =
-        std::min(app::App::GetInstancePtr()->GetObjectBorderWidth(), poly->GetMaxDist() * 127 / 256);
+        std::min(app::AppSettings::GetInstancePtr()->GetObjectBorderWidth(), poly->GetMaxDist() * 127 / 256);
     ASSERT_GT(border, Px(2.5f));
     EXPECT_TRUE(Near(PixelAt(centre), Rgb(0, 0, 255, 255)));
     EXPECT_TRUE(Near(PixelAt(centre + math::Vec2(0.3f, 0.1f)), Rgb(0, 0, 255, 255)));
@@ -234,7 +235,7 @@ TEST_F(EntityDrawingGLTest, PenShowsItsHeadAndAFadingTail)
 
 TEST_F(EntityDrawingGLTest, ThinBoxIsAllBorderAndASelectedBoxKeepsItsBorderWithBordersOff)
 {
-    const float border = app::App::GetInstancePtr()->GetObjectBorderWidth();
+    const float border = app::AppSettings::GetInstancePtr()->GetObjectBorderWidth();
     // Thinner than two borders: no room for an inside.
     util::SharedPtr<app::BoxEntity> thin = AddBox(math::Vec2(0.6f, 1.5f * border), math::Vec2(0.2f, 0.4f));
     thin->SetColor(math::Vec4(0, 1, 1, 1));
@@ -244,7 +245,7 @@ TEST_F(EntityDrawingGLTest, ThinBoxIsAllBorderAndASelectedBoxKeepsItsBorderWithB
 
     util::SharedPtr<app::BoxEntity> box = AddBox(math::Vec2(0.4f, 0.4f), math::Vec2(-0.4f, -0.3f));
     box->SetColor(math::Vec4(1, 0, 0, 1));
-    app::App::GetInstancePtr()->m_borders = false;
+    app::AppSettings::GetInstancePtr()->m_borders = false;
     box->m_selectedLook = true;
     DrawAlone(*box);
     EXPECT_TRUE(Near(PixelAt(math::Vec2(-0.6f + Px(1.5f), -0.3f)), Rgb(255, 255, 255, 255)));
@@ -284,8 +285,8 @@ TEST_F(EntityDrawingGLTest, TransparentOrHugeCircleIsDrawnAsGeometryWithItsCake)
 TEST_F(EntityDrawingGLTest, CircleSmallerThanItsBorderShowsNothingBeyondItsRim)
 {
     // A border of a screen centimetre is wider than the circle: all of it is border.
-    app::App::GetInstancePtr()->m_borderWidth = 1.0f;
-    const float border = app::App::GetInstancePtr()->GetObjectBorderWidth();
+    app::AppSettings::GetInstancePtr()->m_borderWidth = 1.0f;
+    const float border = app::AppSettings::GetInstancePtr()->GetObjectBorderWidth();
     const float radius = 0.06f;
     ASSERT_GT(border, 2.5f * radius);
     util::SharedPtr<app::CircleEntity> circle = AddCircle(radius, math::Vec2(0.1f, 0.1f));
@@ -370,8 +371,8 @@ TEST_F(EntityDrawingGLTest, HingeIsADiscWithARimInTheBorderColour)
     // Zoomed out so far that the rim is wider than the hinge's radius: all rim.
     glClear(GL_COLOR_BUFFER_BIT);
     hinge->SetColor(math::Vec4(1, 0, 0, 1));
-    app::App::GetInstancePtr()->m_borderWidth = 1.0f;
-    ASSERT_GT(app::App::GetInstancePtr()->GetObjectBorderWidth(), 0.15f + Px(8));
+    app::AppSettings::GetInstancePtr()->m_borderWidth = 1.0f;
+    ASSERT_GT(app::AppSettings::GetInstancePtr()->GetObjectBorderWidth(), 0.15f + Px(8));
     DrawAlone(*hinge);
     EXPECT_TRUE(Near(PixelAt(math::Vec2(0.2f, -0.1f)), Rgb(128, 0, 0, 255)));
     EXPECT_TRUE(Near(PixelAt(math::Vec2(0.2f + 0.15f + Px(2), -0.1f)), BLACK));
@@ -569,10 +570,10 @@ TEST_F(EntityDrawingGLTest, PolygonDebugPicturesDrawOverItsShape)
     TheScene().AddEntity(poly);
     poly->SetColor(math::Vec4(1, 0, 0, 1));
     glPointSize(5);
-    application.m_drawOBBs = true;
-    application.m_drawMapOBBs = true;
-    application.m_drawBCs = true;
-    application.m_drawVertices = true;
+    application.GetSettings().m_drawOBBs = true;
+    application.GetSettings().m_drawMapOBBs = true;
+    application.GetSettings().m_drawBCs = true;
+    application.GetSettings().m_drawVertices = true;
     DrawAlone(*poly);
     glPointSize(1);
     // The vertices in green, the centre in light blue; the bounding circle adds its colour to the black

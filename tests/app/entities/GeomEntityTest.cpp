@@ -1,6 +1,7 @@
 #include "EntityTestWorld.h"
 
 #include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/Camera.h"
 #include "app/EntitySerializer.h"
 #include "physics/SPH.h"
@@ -117,9 +118,9 @@ TEST_F(GeomEntityTest, LiquifyOfATinyShapeGivesOneDropAtItsCentre)
 TEST_F(GeomEntityTest, LiquifyIsCappedByMaxSPHSpawn)
 {
     util::SharedPtr<app::BoxEntity> box = AddBox(math::Vec2(2, 2), math::Vec2(0, 0));
-    app::App::GetInstancePtr()->m_maxSPHSpawn = 20;
+    app::AppSettings::GetInstancePtr()->m_maxSPHSpawn = 20;
     const size_t count = box->GetEquidistantPoints().size();
-    app::App::GetInstancePtr()->m_maxSPHSpawn = 10000;
+    app::AppSettings::GetInstancePtr()->m_maxSPHSpawn = 10000;
     EXPECT_LE(count, 21u);
     EXPECT_GE(count, 10u);
 }

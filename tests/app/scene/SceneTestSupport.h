@@ -2,6 +2,7 @@
 // A scene on the script root with its commands, emptied before each test.
 
 #include "app/App.h"
+#include "app/AppSettings.h"
 #include "app/Scene.h"
 #include "app/Serializer.h"
 #include "app/Undoer.h"
@@ -27,7 +28,7 @@ inline void JoinRootOnce()
     // The script root as the programs have it: scene files set the settings of all of these.
     physics::Simulation::GetInstancePtr()->AddToRoot();
     physics::SPH::GetInstancePtr()->AddToRoot();
-    app::App::GetInstancePtr()->GetReflected()->AddToRoot();
+    app::AppSettings::GetInstancePtr()->GetReflected()->AddToRoot();
     app::Scene::GetInstancePtr()->AddToRoot();
     app::Serializer::GetInstancePtr();
 }

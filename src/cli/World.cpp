@@ -1,10 +1,7 @@
-#include "app/App.h"
+#include "cli/World.h"
+
 #include "app/Scene.h"
 #include "app/SceneFiles.h"
-#include "app/Serializer.h"
-#include "cli/HeadlessSystem.h"
-#include "cli/World.h"
-#include "physics/SPH.h"
 #include "physics/Simulation.h"
 #include "util/FileSystem.h"
 
@@ -13,16 +10,9 @@
 namespace cli
 {
 
-namespace
+World MakeWorld()
 {
-// The scene with its file commands, the application's settings and the history, without any window.
-void JoinScene(World& world)
-{
-    app::Scene::GetInstancePtr()->AddToRoot();
-    app::Serializer::GetInstancePtr();
-    const util::SharedPtr<script::Reflected>& application = app::App::GetInstancePtr()->GetReflected();
-    application->AddToRoot();
-
+    World world;
     world.load = [](const util::String& path)
     {
         // A name without a folder is one of the scenes of the work directory, as in the application.
@@ -37,16 +27,6 @@ void JoinScene(World& world)
         return true;
     };
     world.save = [](const util::String& path) { return app::SaveSceneFile(path, true); };
-}
-} // namespace
-
-void JoinSubsystems(World& world)
-{
-    HeadlessSystem::GetInstancePtr()->AddToRoot();
-
-    physics::Simulation::GetInstancePtr()->AddToRoot();
-    physics::SPH::GetInstancePtr()->AddToRoot();
-
     world.step = []
     {
         physics::Simulation* sim = physics::Simulation::GetInstancePtr();
@@ -62,8 +42,7 @@ void JoinSubsystems(World& world)
         sim->Update(0.0);
         return sim->GetStatistics();
     };
-
-    JoinScene(world);
+    return world;
 }
 
 } // namespace cli
