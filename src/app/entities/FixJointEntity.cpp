@@ -53,26 +53,6 @@ void FixJointEntity::Draw() const
     glEnd();
 }
 
-bool FixJointEntity::IsOnEntity(math::Vec2 worldPoint) const
-{
-    return IsOnCircle(worldPoint);
-}
-
-bool FixJointEntity::ErasedBy(const std::vector<physics::Linesegment>& stroke) const
-{
-    return CircleErasedBy(stroke);
-}
-
-bool FixJointEntity::IsContainedBy(const physics::Polygon& lasso) const
-{
-    return CircleContainedBy(lasso);
-}
-
-math::BoundingBox2 FixJointEntity::GetAABB() const
-{
-    return CircleAABB();
-}
-
 math::Mat2D FixJointEntity::GetPose() const
 {
     math::Mat2D pose = math::Mat2D::Translation(GetMidpoint());
@@ -98,10 +78,7 @@ void FixJointEntity::SerializeTo(EntitySerializer& serializer) const
 
 JointEntityPtr FixJointEntity::Clone() const
 {
-    util::SharedPtr<FixJointEntity> clone =
-        QLEX_NEW new FixJointEntity(App::GetInstancePtr()->GetDefaultJointSize());
-    clone->CopyFrom(this);
-    return clone;
+    return CloneAs<FixJointEntity>();
 }
 
 void FixJointEntity::Reassert()
