@@ -18,6 +18,17 @@ namespace
 const float ON_GEOM_TOLERANCE = 0.001f;
 // Joints are grey until the user paints them.
 const math::Vec4 JOINT_COLOR(0.5f, 0.5f, 0.5f, 1.0f);
+
+// Hinges and springs stand in sets of their own in the simulation.
+physics::LinkSet<physics::Hinge>& SetOf(const physics::Hinge*)
+{
+    return physics::Simulation::GetInstancePtr()->Hinges();
+}
+
+physics::LinkSet<physics::Joint>& SetOf(const physics::Joint*)
+{
+    return physics::Simulation::GetInstancePtr()->Joints();
+}
 } // namespace
 
 JointEntity::JointEntity(float size) : m_size(size)
@@ -195,20 +206,6 @@ float JointEntity::DefaultSize()
 {
     return App::GetInstancePtr()->GetDefaultJointSize();
 }
-
-namespace
-{
-// Hinges and springs stand in sets of their own in the simulation.
-physics::LinkSet<physics::Hinge>& SetOf(const physics::Hinge*)
-{
-    return physics::Simulation::GetInstancePtr()->Hinges();
-}
-
-physics::LinkSet<physics::Joint>& SetOf(const physics::Joint*)
-{
-    return physics::Simulation::GetInstancePtr()->Joints();
-}
-} // namespace
 
 template <class P> void PhysicsJointEntity<P>::AddToSimulation()
 {
