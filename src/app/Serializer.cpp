@@ -86,6 +86,64 @@ std::vector<math::Vec2> GetPoints(const EntitySerializer& record, const char* ke
 {
     return record.Get<std::vector<math::Vec2>>(key);
 }
+
+// Records are written and read in stages: joints and pens name the geometry they hang on, so geometry
+// comes first.
+enum class Stage
+{
+    Geometry,
+    Attached,
+    Rest,
+};
+const int STAGE_COUNT = 3;
+// What the messages of the old format call the records of each stage.
+const char* const STAGE_NAMES[STAGE_COUNT] = {"geometry", "non-geometry", "water or group"};
+
+template <class T> bool Is(const Entity& entity)
+{
+    return dynamic_cast<const T*>(&entity) != nullptr;
+}
+
+// Every kind of record: the command that reads it, its "type" in the old format (widgets have none), its
+// stage, and for kinds of entity the test that an entity is of the kind.
+struct RecordKind
+{
+    const char* command;
+    const char* oldType;
+    script::ObjectPtr (Serializer::*add)(const EntitySerializer&);
+    Stage stage;
+    bool (*holds)(const Entity&);
+};
+
+const RecordKind RECORD_KINDS[] = {
+    {"addPlane", "plane", &Serializer::AddPlane, Stage::Geometry, &Is<PlaneEntity>},
+    {"addCircle", "circle", &Serializer::AddCircle, Stage::Geometry, &Is<CircleEntity>},
+    {"addPolygon", "polygon", &Serializer::AddPolygon, Stage::Geometry, &Is<PolyEntity>},
+    {"addBox", "box", &Serializer::AddBox, Stage::Geometry, &Is<BoxEntity>},
+    {"addFixjoint", "fixjoint", &Serializer::AddFixjoint, Stage::Attached, &Is<FixJointEntity>},
+    {"addHinge", "hinge", &Serializer::AddHinge, Stage::Attached, &Is<HingeEntity>},
+    {"addSpring", "spring", &Serializer::AddSpring, Stage::Attached, &Is<SpringEntity>},
+    {"addPen", "pen", &Serializer::AddPen, Stage::Attached, &Is<PenEntity>},
+    {"addWater", "water", &Serializer::AddWater, Stage::Rest, nullptr},
+    {"addGroup", "group", &Serializer::AddGroup, Stage::Rest, nullptr},
+    {"addWidget", nullptr, &Serializer::AddWidget, Stage::Rest, nullptr},
+};
+
+const RecordKind* KindOf(const Entity& entity)
+{
+    for (const RecordKind& kind : RECORD_KINDS)
+        if (kind.holds && kind.holds(entity))
+            return &kind;
+    return nullptr;
+}
+
+const RecordKind* KindOfOldType(const util::String& type)
+{
+    for (const RecordKind& kind : RECORD_KINDS)
+        if (kind.oldType && type == kind.oldType)
+            return &kind;
+    return nullptr;
+}
 } // namespace
 
 std::vector<script::VariablePtr> GetMetaVarList(bool all)
@@ -119,18 +177,10 @@ Serializer::Serializer()
         FileInfo::GetInstancePtr()->AddToRoot();
 
     Scene* scene = Scene::GetInstancePtr();
-    const std::pair<const char*, Member> commands[] = {
-        {"addPlane", &Serializer::AddPlane},       {"addCircle", &Serializer::AddCircle},
-        {"addPolygon", &Serializer::AddPolygon},   {"addBox", &Serializer::AddBox},
-        {"addFixjoint", &Serializer::AddFixjoint}, {"addHinge", &Serializer::AddHinge},
-        {"addSpring", &Serializer::AddSpring},     {"addPen", &Serializer::AddPen},
-        {"addWater", &Serializer::AddWater},       {"addGroup", &Serializer::AddGroup},
-        {"addWidget", &Serializer::AddWidget},
-    };
-    for (const auto& command : commands)
+    for (const RecordKind& kind : RECORD_KINDS)
     {
-        const Member member = command.second;
-        scene->AddCmd1(command.first,
+        const Member member = kind.add;
+        scene->AddCmd1(kind.command,
                        [this, member](script::ObjectPtr argument) { return Helper(member, argument); });
     }
 
@@ -177,31 +227,16 @@ void SerializeEntities(const script::CodeBlockPtr& block, const Container& entit
     }
     geoms.insert(physics::Simulation::GetInstancePtr()->GetWorldGeom());
 
-    for (const EntityPtr& entity : entities)
+    for (const Stage stage : {Stage::Geometry, Stage::Attached})
     {
-        Entity* e = entity.get();
-        if (dynamic_cast<PlaneEntity*>(e))
-            SerializeEntity(block, "addPlane", entity, geoms);
-        else if (dynamic_cast<CircleEntity*>(e))
-            SerializeEntity(block, "addCircle", entity, geoms);
-        else if (dynamic_cast<PolyEntity*>(e))
-            SerializeEntity(block, "addPolygon", entity, geoms);
-        else if (dynamic_cast<BoxEntity*>(e))
-            SerializeEntity(block, "addBox", entity, geoms);
-    }
-    for (const EntityPtr& entity : entities)
-    {
-        Entity* e = entity.get();
-        if (dynamic_cast<FixJointEntity*>(e))
-            SerializeEntity(block, "addFixjoint", entity, geoms);
-        else if (dynamic_cast<HingeEntity*>(e))
-            SerializeEntity(block, "addHinge", entity, geoms);
-        else if (dynamic_cast<SpringEntity*>(e))
-            SerializeEntity(block, "addSpring", entity, geoms);
-        else if (dynamic_cast<PenEntity*>(e))
-            SerializeEntity(block, "addPen", entity, geoms);
-        else if (!dynamic_cast<GeomEntity*>(e))
-            Log(logging::Warning, "Bad Entity");
+        for (const EntityPtr& entity : entities)
+        {
+            const RecordKind* kind = KindOf(*entity);
+            if (kind && kind->stage == stage)
+                SerializeEntity(block, kind->command, entity, geoms);
+            else if (!kind && stage == Stage::Attached && !Is<GeomEntity>(*entity))
+                Log(logging::Warning, "Bad Entity");
+        }
     }
 }
 
@@ -672,9 +707,7 @@ void Serializer::DeserializeOld(const util::String& text)
         return;
     FileInfo::GetInstancePtr()->m_version = 0;
 
-    std::vector<EntitySerializer> geometry;
-    std::vector<EntitySerializer> nonGeometry;
-    std::vector<EntitySerializer> others;
+    std::vector<EntitySerializer> stages[STAGE_COUNT];
     for (const script::ExpressionPtr& statement : block->GetExpressions())
     {
         try
@@ -686,13 +719,8 @@ void Serializer::DeserializeOld(const util::String& text)
                 QLEX_DATA_ASSERT(function);
                 function->Call(script::ObjectList());
                 EntitySerializer record(function->GetLastCallClosure());
-                const util::String type = record.Get<util::String>("type");
-                if (type == "polygon" || type == "circle" || type == "plane" || type == "box")
-                    geometry.push_back(record);
-                else if (type == "fixjoint" || type == "hinge" || type == "spring" || type == "pen")
-                    nonGeometry.push_back(record);
-                else
-                    others.push_back(record);
+                const RecordKind* kind = KindOfOldType(record.Get<util::String>("type"));
+                stages[int(kind ? kind->stage : Stage::Rest)].push_back(record);
             }
             else if (util::dynamic_pointer_cast<script::Assignment>(statement))
             {
@@ -724,66 +752,24 @@ void Serializer::DeserializeOld(const util::String& text)
         }
     }
 
-    for (const EntitySerializer& record : geometry)
+    for (int stage = 0; stage < STAGE_COUNT; ++stage)
     {
-        try
+        for (const EntitySerializer& record : stages[stage])
         {
-            const util::String type = record.Get<util::String>("type");
-            if (type == "plane")
-                AddPlane(record);
-            else if (type == "circle")
-                AddCircle(record);
-            else if (type == "polygon")
-                AddPolygon(record);
-            else if (type == "box")
-                AddBox(record);
-            else
-                Log(logging::Error, "Unknown type: " + type);
-        }
-        catch (std::exception& e)
-        {
-            CatchException(e, QLEX_SITE);
-            Log(logging::Warning, util::String("Exception caught when loading geometry: ") + e.what());
-        }
-    }
-    for (const EntitySerializer& record : nonGeometry)
-    {
-        try
-        {
-            const util::String type = record.Get<util::String>("type");
-            if (type == "fixjoint")
-                AddFixjoint(record);
-            else if (type == "hinge")
-                AddHinge(record);
-            else if (type == "spring")
-                AddSpring(record);
-            else if (type == "pen")
-                AddPen(record);
-            else
-                Log(logging::Error, "Unknown type: " + type);
-        }
-        catch (std::exception& e)
-        {
-            CatchException(e, QLEX_SITE);
-            Log(logging::Warning, util::String("Exception caught when loading non-geometry: ") + e.what());
-        }
-    }
-    for (const EntitySerializer& record : others)
-    {
-        try
-        {
-            const util::String type = record.Get<util::String>("type");
-            if (type == "water")
-                AddWater(record);
-            else if (type == "group")
-                AddGroup(record);
-            else
-                Log(logging::Error, "Unknown type: " + type);
-        }
-        catch (std::exception& e)
-        {
-            CatchException(e, QLEX_SITE);
-            Log(logging::Warning, util::String("Exception caught when loading water or group: ") + e.what());
+            try
+            {
+                const util::String type = record.Get<util::String>("type");
+                if (const RecordKind* kind = KindOfOldType(type))
+                    (this->*kind->add)(record);
+                else
+                    Log(logging::Error, "Unknown type: " + type);
+            }
+            catch (std::exception& e)
+            {
+                CatchException(e, QLEX_SITE);
+                Log(logging::Warning,
+                    util::String("Exception caught when loading ") + STAGE_NAMES[stage] + ": " + e.what());
+            }
         }
     }
 }

@@ -44,48 +44,34 @@ void Undoer::AddUndo(SnapshotPtr before, const char* name)
 
 void Undoer::Undo()
 {
-    if (m_undo.empty())
-        return;
-    util::SharedPtr<Action> action = m_undo.back();
-    m_undo.pop_back();
-    try
-    {
-        action->Undo();
-        Push(m_redo, action);
-    }
-    catch (std::exception& e)
-    {
-        CatchException(e, QLEX_SITE);
-        Log(logging::Warning,
-            util::String("Exception caught in Undoer::Undo: ") + e.what() + "\n" + QLEX_SITE);
-    }
-    catch (...)
-    {
-        Log(logging::Warning, "Unknown error in Undoer::Undo\n" + QLEX_SITE);
-    }
-    m_onChange.CallAll();
+    Move(m_undo, m_redo, &Action::Undo, "Undo");
 }
 
 void Undoer::Redo()
 {
-    if (m_redo.empty())
+    Move(m_redo, m_undo, &Action::Redo, "Redo");
+}
+
+void Undoer::Move(Stack& from, Stack& to, void (Action::*apply)(), const char* name)
+{
+    if (from.empty())
         return;
-    util::SharedPtr<Action> action = m_redo.back();
-    m_redo.pop_back();
+    util::SharedPtr<Action> action = from.back();
+    from.pop_back();
     try
     {
-        action->Redo();
-        Push(m_undo, action);
+        (action.get()->*apply)();
+        Push(to, action);
     }
     catch (std::exception& e)
     {
         CatchException(e, QLEX_SITE);
         Log(logging::Warning,
-            util::String("Exception caught in Undoer::Redo: ") + e.what() + "\n" + QLEX_SITE);
+            util::String("Exception caught in Undoer::") + name + ": " + e.what() + "\n" + QLEX_SITE);
     }
     catch (...)
     {
-        Log(logging::Warning, "Unknown error in Undoer::Redo\n" + QLEX_SITE);
+        Log(logging::Warning, util::String("Unknown error in Undoer::") + name + "\n" + QLEX_SITE);
     }
     m_onChange.CallAll();
 }

@@ -45,6 +45,8 @@ public:
 private:
     typedef std::deque<util::SharedPtr<Action>> Stack;
 
+    // Undo and redo alike: the newest action of `from` is applied and, if that succeeds, moves to `to`.
+    void Move(Stack& from, Stack& to, void (Action::*apply)(), const char* name);
     void Push(Stack& stack, util::SharedPtr<Action> action);
     void Trim(Stack& stack);
 

@@ -93,4 +93,18 @@ struct ConstraintComparer
 float CombinedMass(const AbstractBody& bodyA, const math::Vec2& rA, const AbstractBody& bodyB,
                    const math::Vec2& rB, const math::Vec2& dir);
 
+// The acceleration that the body's force and torque give the point at arm r (held bodies: none). Targets
+// take it in so that the forces still to come in a step are allowed for.
+inline math::Vec2 AccelerationAt(const AbstractBody& body, const math::Vec2& r)
+{
+    return body.GetForce() * body.GetEffectiveMassInv() +
+           math::Cross(body.GetEffectiveInertiaInv() * body.GetTorque(), r);
+}
+
+// The velocity change that the impulses of this solve so far give the point at arm r.
+inline math::Vec2 VelocityChangeAt(const AbstractBody& body, const math::Vec2& r)
+{
+    return body.VelocityChange() + math::Cross(body.RotationChange(), r);
+}
+
 } // namespace physics

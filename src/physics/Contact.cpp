@@ -14,20 +14,6 @@ namespace physics
 ConstraintParams Contact::s_params(0.01f, 5.0f, 1e8f, 0.005f);
 float Contact::s_targetPenetration = 0.001f;
 
-namespace
-{
-math::Vec2 AccelerationAt(const AbstractBody& body, const math::Vec2& r)
-{
-    return body.GetForce() * body.GetEffectiveMassInv() +
-           math::Cross(body.GetEffectiveInertiaInv() * body.GetTorque(), r);
-}
-
-math::Vec2 VelocityChangeAt(const AbstractBody& body, const math::Vec2& r)
-{
-    return body.VelocityChange() + math::Cross(body.RotationChange(), r);
-}
-} // namespace
-
 float Mix(float a, float b)
 {
     const float p = a * b;

@@ -11,20 +11,6 @@ namespace physics
 {
 ConstraintParams Hinge::s_params(0.01f, 5.0f, 1e8f, 0.005f);
 
-namespace
-{
-math::Vec2 AccelerationAt(const AbstractBody& body, const math::Vec2& r)
-{
-    return body.GetForce() * body.GetEffectiveMassInv() +
-           math::Cross(body.GetEffectiveInertiaInv() * body.GetTorque(), r);
-}
-
-math::Vec2 VelocityChangeAt(const AbstractBody& body, const math::Vec2& r)
-{
-    return body.VelocityChange() + math::Cross(body.RotationChange(), r);
-}
-} // namespace
-
 Hinge::Hinge(const util::SharedPtr<Geom>& geomA, const util::SharedPtr<Geom>& geomB,
              const math::Vec2& anchorA, const math::Vec2& anchorB)
     : m_geomA(geomA), m_geomB(geomB), m_anchorA(anchorA), m_anchorB(anchorB)

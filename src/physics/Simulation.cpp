@@ -83,7 +83,7 @@ Simulation::Simulation()
       m_adHocSolver(this, "adHocSolver", false), m_warmStart(this, "warmStart", true),
       m_warmStartFactor(this, "warmStartFactor", 0.5f),
       m_maxPositionCorrection(this, "maxPositionCorrection", math::INF), m_solidBodies(3), m_joints(3),
-      m_constraints(3), m_contactCache(3), m_stepCallbacks(*new util::CallbackArgSet<float>())
+      m_hinges(3), m_contactCache(3), m_stepCallbacks(*new util::CallbackArgSet<float>())
 {
     m_running->AddChangeCallback(util::MakeCallback(&Simulation::OnRunningChange, this));
     AddCmd("time", [] { return script::ValueToObject(static_cast<float>(GetSimTime())); });
@@ -199,8 +199,8 @@ void Simulation::AppendStatistics()
         << geometries << " geometries\n"
         << m_particles.size() << " particles\n"
         << m_contacts.size() << " contacts\n"
-        << m_joints.size() << " springs\n"
-        << m_constraints.size() << " hinges\n"
+        << m_joints.Get().size() << " springs\n"
+        << m_hinges.Get().size() << " hinges\n"
         << "Running at " << util::ToString(1.0f / m_timeDelta.Get()) << " Hz\n";
     m_statistics += out.str();
 }
@@ -366,7 +366,7 @@ void Simulation::CalcForces()
                 AddAirBuoyancy(airDensity, g, particle, area, noArm);
         }
     }
-    for (const util::SharedPtr<Joint>& joint : m_joints)
+    for (const util::SharedPtr<Joint>& joint : m_joints.Get())
         joint->ApplyForce();
     if (m_running)
         SPH::GetInstancePtr()->Update(m_particles, m_timeDelta);
@@ -454,7 +454,7 @@ void Simulation::RunSolver()
         }
     }
     m_solverList.clear();
-    for (const util::SharedPtr<Hinge>& hinge : m_constraints)
+    for (const util::SharedPtr<Hinge>& hinge : m_hinges.Get())
         m_solverList.append(hinge.get());
     for (const util::SharedPtr<Contact>& contact : m_contacts)
         m_solverList.append(contact.get());
@@ -586,19 +586,8 @@ void Simulation::FlushBadBodies()
         }
     }
 
-    std::vector<util::SharedPtr<Joint>> badJoints;
-    for (const util::SharedPtr<Joint>& joint : m_joints)
-        if (!joint->IsGood())
-            badJoints.push_back(joint);
-    for (const util::SharedPtr<Joint>& joint : badJoints)
-        RemoveJoint(joint);
-
-    std::vector<util::SharedPtr<Hinge>> badHinges;
-    for (const util::SharedPtr<Hinge>& hinge : m_constraints)
-        if (!hinge->IsGood())
-            badHinges.push_back(hinge);
-    for (const util::SharedPtr<Hinge>& hinge : badHinges)
-        RemoveConstraint(hinge);
+    m_joints.RemoveBad();
+    m_hinges.RemoveBad();
 }
 
 void Simulation::AddBody(const util::SharedPtr<Body>& body)
@@ -637,54 +626,6 @@ bool Simulation::HasBody(Body* body) const
     return body && m_solidBodies.Contains(body);
 }
 
-void Simulation::AddJoint(const util::SharedPtr<Joint>& joint)
-{
-    QLEX_ASSERT(joint);
-    if (m_joints.Contains(joint))
-        return;
-    m_joints.insert(joint);
-    joint->Activate();
-}
-
-void Simulation::RemoveJoint(const util::SharedPtr<Joint>& joint)
-{
-    QLEX_ASSERT(joint);
-    if (!m_joints.Contains(joint))
-        return;
-    const util::SharedPtr<Joint> keep = joint;
-    m_joints.erase(keep);
-    keep->Deactivate();
-}
-
-bool Simulation::HasJoint(const util::SharedPtr<Joint>& joint) const
-{
-    return joint && m_joints.Contains(joint);
-}
-
-void Simulation::AddConstraint(const util::SharedPtr<Hinge>& hinge)
-{
-    QLEX_ASSERT(hinge);
-    if (m_constraints.Contains(hinge))
-        return;
-    m_constraints.insert(hinge);
-    hinge->Activate();
-}
-
-void Simulation::RemoveConstraint(const util::SharedPtr<Hinge>& hinge)
-{
-    QLEX_ASSERT(hinge);
-    if (!m_constraints.Contains(hinge))
-        return;
-    const util::SharedPtr<Hinge> keep = hinge;
-    m_constraints.erase(keep);
-    keep->Deactivate();
-}
-
-bool Simulation::HasConstraint(const util::SharedPtr<Hinge>& hinge) const
-{
-    return hinge && m_constraints.Contains(hinge);
-}
-
 void Simulation::AddParticle(const util::SharedPtr<Particle>& particle)
 {
     QLEX_ASSERT(particle);
@@ -701,16 +642,8 @@ void Simulation::Clear()
     const std::vector<util::SharedPtr<Body>> bodies = m_solidBodiesList;
     for (const util::SharedPtr<Body>& body : bodies)
         RemoveBody(body);
-    std::vector<util::SharedPtr<Joint>> joints;
-    for (const util::SharedPtr<Joint>& joint : m_joints)
-        joints.push_back(joint);
-    for (const util::SharedPtr<Joint>& joint : joints)
-        RemoveJoint(joint);
-    std::vector<util::SharedPtr<Hinge>> hinges;
-    for (const util::SharedPtr<Hinge>& hinge : m_constraints)
-        hinges.push_back(hinge);
-    for (const util::SharedPtr<Hinge>& hinge : hinges)
-        RemoveConstraint(hinge);
+    m_joints.RemoveAll();
+    m_hinges.RemoveAll();
     m_particles.clear();
     m_stepList.clear();
     m_contacts.clear();
@@ -720,8 +653,52 @@ void Simulation::Clear()
     m_simulatedTime = 0.0;
     m_worldBody->SetGeom(m_worldGeom);
     QLEX_ASSERT(m_solidBodiesList.size() == 1);
-    QLEX_ASSERT(m_joints.empty());
-    QLEX_ASSERT(m_constraints.empty());
+    QLEX_ASSERT(m_joints.Get().empty());
+    QLEX_ASSERT(m_hinges.Get().empty());
 }
+
+template <class T> void LinkSet<T>::Add(const util::SharedPtr<T>& link)
+{
+    QLEX_ASSERT(link);
+    if (m_links.Contains(link))
+        return;
+    m_links.insert(link);
+    link->Activate();
+}
+
+template <class T> void LinkSet<T>::Remove(const util::SharedPtr<T>& link)
+{
+    QLEX_ASSERT(link);
+    if (!m_links.Contains(link))
+        return;
+    // Held for the whole removal: `link` may be the set's own element, and the set its only owner.
+    const util::SharedPtr<T> keep = link;
+    m_links.erase(keep);
+    keep->Deactivate();
+}
+
+template <class T> void LinkSet<T>::RemoveBad()
+{
+    RemoveIf([](const T& link) { return !link.IsGood(); });
+}
+
+template <class T> void LinkSet<T>::RemoveAll()
+{
+    RemoveIf([](const T&) { return true; });
+}
+
+template <class T> template <class Pred> void LinkSet<T>::RemoveIf(Pred pred)
+{
+    // Chosen first, then removed: each removal changes the set.
+    std::vector<util::SharedPtr<T>> chosen;
+    for (const util::SharedPtr<T>& link : m_links)
+        if (pred(*link))
+            chosen.push_back(link);
+    for (const util::SharedPtr<T>& link : chosen)
+        Remove(link);
+}
+
+template class LinkSet<Joint>;
+template class LinkSet<Hinge>;
 
 } // namespace physics

@@ -29,6 +29,26 @@ class Particle;
 // The simulated time in seconds.
 double GetSimTime();
 
+// The joints, or the hinges, of the simulation. A link is activated as it enters and deactivated as it
+// leaves; one that is no longer good (IsGood) is taken out by RemoveBad.
+template <class T> class LinkSet
+{
+public:
+    explicit LinkSet(size_t buckets) : m_links(buckets) {}
+
+    void Add(const util::SharedPtr<T>& link);
+    void Remove(const util::SharedPtr<T>& link);
+    bool Has(const util::SharedPtr<T>& link) const { return link && m_links.Contains(link); }
+    void RemoveBad();
+    void RemoveAll();
+    const util::HashSet<util::SharedPtr<T>>& Get() const { return m_links; }
+
+private:
+    template <class Pred> void RemoveIf(Pred pred);
+
+    util::HashSet<util::SharedPtr<T>> m_links;
+};
+
 // Owns every body, joint, hinge, particle and contact, and advances the world in fixed steps of timeDelta.
 // Update turns real time into a whole number of steps within a budget of real time per frame; a frame
 // that can't keep up drops the time it owes instead of spiralling. Scripts see it as "Sim": its settings
@@ -55,14 +75,18 @@ public:
     bool HasBody(Body* body) const;
     const std::vector<util::SharedPtr<Body>>& GetBodies() const { return m_solidBodiesList; }
 
-    void AddJoint(const util::SharedPtr<Joint>& joint);
-    void RemoveJoint(const util::SharedPtr<Joint>& joint);
-    bool HasJoint(const util::SharedPtr<Joint>& joint) const;
-    void AddConstraint(const util::SharedPtr<Hinge>& hinge);
-    void RemoveConstraint(const util::SharedPtr<Hinge>& hinge);
-    bool HasConstraint(const util::SharedPtr<Hinge>& hinge) const;
-    const util::HashSet<util::SharedPtr<Joint>>& GetJoints() const { return m_joints; }
-    const util::HashSet<util::SharedPtr<Hinge>>& GetConstraints() const { return m_constraints; }
+    // Joints act through forces before the solve, hinges within it. The six calls after these two are
+    // short forms of the sets' own.
+    LinkSet<Joint>& Joints() { return m_joints; }
+    LinkSet<Hinge>& Hinges() { return m_hinges; }
+    void AddJoint(const util::SharedPtr<Joint>& joint) { m_joints.Add(joint); }
+    void RemoveJoint(const util::SharedPtr<Joint>& joint) { m_joints.Remove(joint); }
+    bool HasJoint(const util::SharedPtr<Joint>& joint) const { return m_joints.Has(joint); }
+    void AddConstraint(const util::SharedPtr<Hinge>& hinge) { m_hinges.Add(hinge); }
+    void RemoveConstraint(const util::SharedPtr<Hinge>& hinge) { m_hinges.Remove(hinge); }
+    bool HasConstraint(const util::SharedPtr<Hinge>& hinge) const { return m_hinges.Has(hinge); }
+    const util::HashSet<util::SharedPtr<Joint>>& GetJoints() const { return m_joints.Get(); }
+    const util::HashSet<util::SharedPtr<Hinge>>& GetConstraints() const { return m_hinges.Get(); }
 
     void AddParticle(const util::SharedPtr<Particle>& particle);
     const std::vector<util::SharedPtr<Particle>>& GetParticles() const { return m_particles; }
@@ -160,8 +184,8 @@ private:
     std::vector<util::SharedPtr<Body>> m_solidBodiesList;
     // Membership tests; the list above owns the bodies.
     util::HashSet<Body*> m_solidBodies;
-    util::HashSet<util::SharedPtr<Joint>> m_joints;
-    util::HashSet<util::SharedPtr<Hinge>> m_constraints;
+    LinkSet<Joint> m_joints;
+    LinkSet<Hinge> m_hinges;
     std::vector<util::SharedPtr<Particle>> m_particles;
     util::VectorPOD<AbstractBody*> m_stepList;
     // Where the particles begin in the step list.

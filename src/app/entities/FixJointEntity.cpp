@@ -37,26 +37,6 @@ std::set<physics::Geom*> Intersection(const std::set<physics::Geom*>& a, const G
 
 FixJointEntity::FixJointEntity(float size) : JointEntity(size) {}
 
-bool FixJointEntity::IsOnEntity(math::Vec2 worldPoint) const
-{
-    return IsOnCircle(worldPoint);
-}
-
-bool FixJointEntity::ErasedBy(const std::vector<physics::Linesegment>& stroke) const
-{
-    return CircleErasedBy(stroke);
-}
-
-bool FixJointEntity::IsContainedBy(const physics::Polygon& lasso) const
-{
-    return CircleContainedBy(lasso);
-}
-
-math::BoundingBox2 FixJointEntity::GetAABB() const
-{
-    return CircleAABB();
-}
-
 math::Mat2D FixJointEntity::GetPose() const
 {
     math::Mat2D pose = math::Mat2D::Translation(GetMidpoint());
@@ -82,10 +62,7 @@ void FixJointEntity::SerializeTo(EntitySerializer& serializer) const
 
 JointEntityPtr FixJointEntity::Clone() const
 {
-    util::SharedPtr<FixJointEntity> clone =
-        QLEX_NEW new FixJointEntity(AppSettings::GetInstancePtr()->GetDefaultJointSize());
-    clone->CopyFrom(this);
-    return clone;
+    return CloneAs<FixJointEntity>();
 }
 
 void FixJointEntity::Reassert()

@@ -23,13 +23,9 @@ public:
     explicit FixJointEntity(float size);
 
     void Draw() const override;
-    bool IsOnEntity(math::Vec2 worldPoint) const override;
-    bool ErasedBy(const std::vector<physics::Linesegment>& stroke) const override;
-    bool IsContainedBy(const physics::Polygon& lasso) const override;
     void AddToSimulation() override;
     void RemoveFromSimulation() override;
     bool IsAlive() const override;
-    math::BoundingBox2 GetAABB() const override;
     void SerializeTo(EntitySerializer& serializer) const override;
     JointEntityPtr Clone() const override;
     void Reassert() override;

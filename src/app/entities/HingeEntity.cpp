@@ -3,7 +3,6 @@
 
 #include "app/AppSettings.h"
 #include "app/EntitySerializer.h"
-#include "physics/Simulation.h"
 
 #include <cmath>
 
@@ -21,7 +20,7 @@ const SDLKey KEY_DOWN = SDLKey(274);
 } // namespace
 
 HingeEntity::HingeEntity(float size)
-    : JointEntity(size), m_motor(this, "motor", false), m_ccw(this, "ccw", false),
+    : PhysicsJointEntity(size), m_motor(this, "motor", false), m_ccw(this, "ccw", false),
       m_motorSpeed(this, "motorSpeed", DefaultMotorSpeed), m_motorTorque(this, "motorTorque", 100.0f),
       m_autoBrake(this, "autoBrake", false), m_impulseLimit(this, "impulseLimit", math::INF),
       m_distanceLimit(this, "distanceLimit", math::INF)
@@ -31,10 +30,10 @@ HingeEntity::HingeEntity(float size)
 void HingeEntity::Update(float dt)
 {
     JointEntity::Update(dt);
-    if (!m_hinge)
+    if (!m_joint)
         return;
-    m_hinge->SetImpulseLimit(m_impulseLimit);
-    m_hinge->SetDistanceLimit(m_distanceLimit);
+    m_joint->SetImpulseLimit(m_impulseLimit);
+    m_joint->SetDistanceLimit(m_distanceLimit);
     // A negative speed is a turn the other way.
     if (m_motorSpeed < 0.0f)
     {
@@ -42,83 +41,38 @@ void HingeEntity::Update(float dt)
         m_ccw = !m_ccw;
     }
     const float speed = m_ccw ? -m_motorSpeed : m_motorSpeed;
-    m_hinge->SetMotorStrength(m_motorTorque);
+    m_joint->SetMotorStrength(m_motorTorque);
     // A motor on at speed 0 is a brake: with autoBrake the brake key lets go, without it the key holds.
     if (m_buttonBrake.IsOn())
     {
-        m_hinge->SetMotorSpeed(0.0f);
-        m_hinge->SetMotorOn(!m_autoBrake);
+        m_joint->SetMotorSpeed(0.0f);
+        m_joint->SetMotorOn(!m_autoBrake);
     }
     else if (m_buttonForward.IsOn())
     {
-        m_hinge->SetMotorSpeed(speed);
-        m_hinge->SetMotorOn(true);
+        m_joint->SetMotorSpeed(speed);
+        m_joint->SetMotorOn(true);
     }
     else if (m_buttonBack.IsOn())
     {
-        m_hinge->SetMotorSpeed(-speed);
-        m_hinge->SetMotorOn(true);
+        m_joint->SetMotorSpeed(-speed);
+        m_joint->SetMotorOn(true);
     }
     else if (m_autoBrake)
     {
-        m_hinge->SetMotorSpeed(0.0f);
-        m_hinge->SetMotorOn(true);
+        m_joint->SetMotorSpeed(0.0f);
+        m_joint->SetMotorOn(true);
     }
     else
     {
-        m_hinge->SetMotorSpeed(speed);
-        m_hinge->SetMotorOn(m_motor);
+        m_joint->SetMotorSpeed(speed);
+        m_joint->SetMotorOn(m_motor);
     }
 }
 
-bool HingeEntity::IsOnEntity(math::Vec2 worldPoint) const
+util::SharedPtr<physics::Hinge> HingeEntity::MakeJoint()
 {
-    return IsOnCircle(worldPoint);
-}
-
-bool HingeEntity::ErasedBy(const std::vector<physics::Linesegment>& stroke) const
-{
-    return CircleErasedBy(stroke);
-}
-
-bool HingeEntity::IsContainedBy(const physics::Polygon& lasso) const
-{
-    return CircleContainedBy(lasso);
-}
-
-math::BoundingBox2 HingeEntity::GetAABB() const
-{
-    return CircleAABB();
-}
-
-void HingeEntity::AddToSimulation()
-{
-    if (m_hinge)
-        physics::Simulation::GetInstancePtr()->AddConstraint(m_hinge);
-}
-
-void HingeEntity::RemoveFromSimulation()
-{
-    if (m_hinge)
-        physics::Simulation::GetInstancePtr()->RemoveConstraint(m_hinge);
-}
-
-bool HingeEntity::IsAlive() const
-{
-    return JointEntity::IsAlive() && m_hinge && physics::Simulation::GetInstancePtr()->HasConstraint(m_hinge);
-}
-
-void HingeEntity::Reassert()
-{
-    if (m_hinge && !physics::Simulation::GetInstancePtr()->HasConstraint(m_hinge))
-        AddToSimulation();
-}
-
-void HingeEntity::CreateJoint()
-{
-    RemoveFromSimulation();
-    m_hinge = QLEX_NEW new physics::Hinge(m_geoms[0], m_geoms[1], m_localPos[0], m_localPos[1]);
-    AddToSimulation();
+    return QLEX_NEW new physics::Hinge(m_geoms[0], m_geoms[1], m_localPos[0], m_localPos[1]);
 }
 
 void HingeEntity::SerializeTo(EntitySerializer& serializer) const
@@ -172,10 +126,7 @@ void HingeEntity::CopyFrom(const Entity* source)
 
 JointEntityPtr HingeEntity::Clone() const
 {
-    util::SharedPtr<HingeEntity> clone =
-        QLEX_NEW new HingeEntity(AppSettings::GetInstancePtr()->GetDefaultJointSize());
-    clone->CopyFrom(this);
-    return clone;
+    return CloneAs<HingeEntity>();
 }
 
 void HingeEntity::Draw() const

@@ -9,28 +9,18 @@ namespace app
 extern const float DefaultMotorSpeed;
 
 // A pin between two geoms, with an optional motor that keys can drive, and limits that break it.
-class HingeEntity final : public JointEntity
+class HingeEntity final : public PhysicsJointEntity<physics::Hinge>
 {
 public:
     explicit HingeEntity(float size);
 
     void Update(float dt) override;
     void Draw() const override;
-    bool IsOnEntity(math::Vec2 worldPoint) const override;
-    bool ErasedBy(const std::vector<physics::Linesegment>& stroke) const override;
-    bool IsContainedBy(const physics::Polygon& lasso) const override;
-    void AddToSimulation() override;
-    void RemoveFromSimulation() override;
-    bool IsAlive() const override;
-    math::BoundingBox2 GetAABB() const override;
     void SerializeTo(EntitySerializer& serializer) const override;
     void Deserialize(const EntitySerializer& serializer) override;
     void CopyFrom(const Entity* source) override;
     JointEntityPtr Clone() const override;
-    void Reassert() override;
-    void CreateJoint() override;
 
-    util::SharedPtr<physics::Hinge> m_hinge;
     script::AttribWrapper<bool> m_motor;
     script::AttribWrapper<bool> m_ccw;
     script::AttribWrapper<math::real> m_motorSpeed;
@@ -41,6 +31,9 @@ public:
     input::ButtonInput m_buttonForward;
     input::ButtonInput m_buttonBack;
     input::ButtonInput m_buttonBrake;
+
+protected:
+    util::SharedPtr<physics::Hinge> MakeJoint() override;
 };
 
 } // namespace app

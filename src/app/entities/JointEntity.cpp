@@ -1,10 +1,13 @@
 #include "app/entities/JointEntity.h"
 
+#include "app/AppSettings.h"
 #include "app/EntitySerializer.h"
 #include "app/Scene.h"
 #include "logging/Log.h"
+#include "physics/Hinge.h"
 #include "physics/Polygon.h"
 #include "physics/Simulation.h"
+#include "physics/SpringJoint.h"
 #include "util/StringUtil.h"
 
 namespace app
@@ -15,6 +18,17 @@ namespace
 const float ON_GEOM_TOLERANCE = 0.001f;
 // Joints are grey until the user paints them.
 const math::Vec4 JOINT_COLOR(0.5f, 0.5f, 0.5f, 1.0f);
+
+// Hinges and springs stand in sets of their own in the simulation.
+physics::LinkSet<physics::Hinge>& SetOf(const physics::Hinge*)
+{
+    return physics::Simulation::GetInstancePtr()->Hinges();
+}
+
+physics::LinkSet<physics::Joint>& SetOf(const physics::Joint*)
+{
+    return physics::Simulation::GetInstancePtr()->Joints();
+}
 } // namespace
 
 JointEntity::JointEntity(float size) : m_size(size)
@@ -167,25 +181,63 @@ util::SharedPtr<physics::Circle> JointEntity::AsCircle() const
     return QLEX_NEW new physics::Circle(GetMidpoint(), m_size / 2.0f);
 }
 
-bool JointEntity::IsOnCircle(math::Vec2 p) const
+bool JointEntity::IsOnEntity(math::Vec2 worldPoint) const
 {
-    return AsCircle()->DistanceWorld(p) < 0.0f;
+    return AsCircle()->DistanceWorld(worldPoint) < 0.0f;
 }
 
-bool JointEntity::CircleErasedBy(const std::vector<physics::Linesegment>& stroke) const
+bool JointEntity::ErasedBy(const std::vector<physics::Linesegment>& stroke) const
 {
     return AsCircle()->IntersectCountWorld(stroke) > 1;
 }
 
-bool JointEntity::CircleContainedBy(const physics::Polygon& lasso) const
+bool JointEntity::IsContainedBy(const physics::Polygon& lasso) const
 {
     return lasso.DistanceWorld(GetMidpoint()) < -m_size / 2.0f;
 }
 
-math::BoundingBox2 JointEntity::CircleAABB() const
+math::BoundingBox2 JointEntity::GetAABB() const
 {
     const math::Vec2 half(m_size / 2.0f, m_size / 2.0f);
     return math::BoundingBox2(GetMidpoint() - half, GetMidpoint() + half);
 }
+
+float JointEntity::DefaultSize()
+{
+    return AppSettings::GetInstancePtr()->GetDefaultJointSize();
+}
+
+template <class P> void PhysicsJointEntity<P>::AddToSimulation()
+{
+    if (m_joint)
+        SetOf(m_joint.get()).Add(m_joint);
+}
+
+template <class P> void PhysicsJointEntity<P>::RemoveFromSimulation()
+{
+    if (m_joint)
+        SetOf(m_joint.get()).Remove(m_joint);
+}
+
+template <class P> bool PhysicsJointEntity<P>::IsAlive() const
+{
+    return JointEntity::IsAlive() && m_joint && SetOf(m_joint.get()).Has(m_joint);
+}
+
+template <class P> void PhysicsJointEntity<P>::Reassert()
+{
+    if (m_joint && !SetOf(m_joint.get()).Has(m_joint))
+        AddToSimulation();
+}
+
+template <class P> void PhysicsJointEntity<P>::CreateJoint()
+{
+    RemoveFromSimulation();
+    m_joint = MakeJoint();
+    AddToSimulation();
+}
+
+template class PhysicsJointEntity<physics::Hinge>;
+template class PhysicsJointEntity<physics::SpringJoint>;
 
 } // namespace app

@@ -19,6 +19,11 @@ public:
     ~JointEntity() override;
 
     void Update(float dt) override;
+    // A joint is picked, erased and bounded as the disc of diameter m_size about its midpoint.
+    bool IsOnEntity(math::Vec2 worldPoint) const override;
+    bool ErasedBy(const std::vector<physics::Linesegment>& stroke) const override;
+    bool IsContainedBy(const physics::Polygon& lasso) const override;
+    math::BoundingBox2 GetAABB() const override;
     bool IsAlive() const override;
     void Transform(const math::TMat2D<float>& m) override;
     void GetBoundPoints(std::vector<math::Vec2>& points) override;
@@ -53,11 +58,35 @@ public:
     math::Vec2 m_worldPos[2];
 
 protected:
-    // Hit tests of hinges and fixates, on AsCircle.
-    bool IsOnCircle(math::Vec2 p) const;
-    bool CircleErasedBy(const std::vector<physics::Linesegment>& stroke) const;
-    bool CircleContainedBy(const physics::Polygon& lasso) const;
-    math::BoundingBox2 CircleAABB() const;
+    // A joint of kind T at the default size, with this one's settings: what Clone makes.
+    template <class T> JointEntityPtr CloneAs() const
+    {
+        util::SharedPtr<T> clone = QLEX_NEW new T(DefaultSize());
+        clone->CopyFrom(this);
+        return clone;
+    }
+    static float DefaultSize();
+};
+
+// A joint with a physics object of its own, a hinge or a spring, which stands in the simulation while the
+// entity does and is made anew whenever the joint is attached again.
+template <class P> class PhysicsJointEntity : public JointEntity
+{
+public:
+    using JointEntity::JointEntity;
+
+    void AddToSimulation() override;
+    void RemoveFromSimulation() override;
+    bool IsAlive() const override;
+    void Reassert() override;
+    void CreateJoint() override;
+
+    // Null until the joint is first attached.
+    util::SharedPtr<P> m_joint;
+
+protected:
+    // A new physics object between the present geoms and points, with the entity's settings.
+    virtual util::SharedPtr<P> MakeJoint() = 0;
 };
 
 } // namespace app

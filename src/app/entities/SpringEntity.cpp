@@ -4,7 +4,6 @@
 #include "app/AppSettings.h"
 #include "app/EntitySerializer.h"
 #include "physics/Polygon.h"
-#include "physics/Simulation.h"
 
 #include <cmath>
 
@@ -17,8 +16,9 @@ const float PICK_WIDTH_FRACTION = 1.0f / 3.0f;
 } // namespace
 
 SpringEntity::SpringEntity(float size)
-    : JointEntity(size), m_strengthAttrib(this, "strengthFactor", this, &SpringEntity::GetStrengthFactor,
-                                          &SpringEntity::SetStrengthFactor),
+    : PhysicsJointEntity(size),
+      m_strengthAttrib(this, "strengthFactor", this, &SpringEntity::GetStrengthFactor,
+                       &SpringEntity::SetStrengthFactor),
       m_dampingAttrib(this, "dampingFactor", this, &SpringEntity::GetDampingFactor,
                       &SpringEntity::SetDampingFactor),
       m_lengthAttrib(this, "length", this, &SpringEntity::GetTargetLength, &SpringEntity::SetTargetLength)
@@ -107,32 +107,8 @@ float SpringEntity::CalcEnergy() const
     return m_joint ? m_joint->CalcEnergy() : 0.0f;
 }
 
-void SpringEntity::AddToSimulation()
+util::SharedPtr<physics::SpringJoint> SpringEntity::MakeJoint()
 {
-    if (m_joint)
-        physics::Simulation::GetInstancePtr()->AddJoint(m_joint);
-}
-
-void SpringEntity::RemoveFromSimulation()
-{
-    if (m_joint)
-        physics::Simulation::GetInstancePtr()->RemoveJoint(m_joint);
-}
-
-bool SpringEntity::IsAlive() const
-{
-    return JointEntity::IsAlive() && m_joint && physics::Simulation::GetInstancePtr()->HasJoint(m_joint);
-}
-
-void SpringEntity::Reassert()
-{
-    if (m_joint && !physics::Simulation::GetInstancePtr()->HasJoint(m_joint))
-        AddToSimulation();
-}
-
-void SpringEntity::CreateJoint()
-{
-    RemoveFromSimulation();
     const float length = GetTargetLength();
     const float strength = GetStrengthFactor();
     const float damping = GetDampingFactor();
@@ -141,8 +117,7 @@ void SpringEntity::CreateJoint()
     joint->SetTargetLength(length);
     joint->SetStrengthFactor(strength);
     joint->SetDampingFactor(damping);
-    m_joint = joint;
-    AddToSimulation();
+    return joint;
 }
 
 void SpringEntity::SerializeTo(EntitySerializer& serializer) const
@@ -164,10 +139,7 @@ void SpringEntity::CopyFrom(const Entity* source)
 
 JointEntityPtr SpringEntity::Clone() const
 {
-    util::SharedPtr<SpringEntity> clone =
-        QLEX_NEW new SpringEntity(AppSettings::GetInstancePtr()->GetDefaultJointSize());
-    clone->CopyFrom(this);
-    return clone;
+    return CloneAs<SpringEntity>();
 }
 
 void SpringEntity::Draw() const

@@ -7,25 +7,21 @@ namespace app
 {
 // A damped spring between two points. Its settings live in the physics spring while there is one, and in
 // shadow fields otherwise, so a spring keeps them while it has no joint.
-class SpringEntity final : public JointEntity
+class SpringEntity final : public PhysicsJointEntity<physics::SpringJoint>
 {
 public:
     explicit SpringEntity(float size);
 
     void Draw() const override;
+    // Picked, erased and bounded as the line it is drawn along.
     bool IsOnEntity(math::Vec2 worldPoint) const override;
     bool ErasedBy(const std::vector<physics::Linesegment>& stroke) const override;
     bool IsContainedBy(const physics::Polygon& lasso) const override;
-    void AddToSimulation() override;
-    void RemoveFromSimulation() override;
-    bool IsAlive() const override;
     math::BoundingBox2 GetAABB() const override;
     float CalcEnergy() const override;
     void SerializeTo(EntitySerializer& serializer) const override;
     void CopyFrom(const Entity* source) override;
     JointEntityPtr Clone() const override;
-    void Reassert() override;
-    void CreateJoint() override;
 
     physics::Linesegment GetLine() const;
     script::AttribWrapper<math::real>& StrengthAttrib() { return m_strengthAttrib; }
@@ -39,7 +35,8 @@ public:
     float GetTargetLength() const;
     void SetTargetLength(float length);
 
-    util::SharedPtr<physics::SpringJoint> m_joint;
+protected:
+    util::SharedPtr<physics::SpringJoint> MakeJoint() override;
 
 private:
     mutable float m_strengthFactor = 0.05f;

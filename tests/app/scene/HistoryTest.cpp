@@ -8,10 +8,13 @@
 #include "app/entities/BoxEntity.h"
 #include "app/entities/HingeEntity.h"
 #include "app/entities/PenEntity.h"
+#include "logging/Log.h"
 #include "physics/Particle.h"
 #include "util/FileSystem.h"
 
 #include <cstdio>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -187,6 +190,62 @@ TEST_F(SceneTest, Undoer_FailingUndoLeavesTheHistoryUsable)
     undoer->Undo();
     EXPECT_EQ(log, 1);
     EXPECT_EQ(undoer->GetRedoCount(), 1u);
+}
+
+// Fails when taken back, or when done again, as it is told.
+class FailingAction : public app::Action
+{
+public:
+    FailingAction(bool failUndo, bool failRedo)
+        : app::Action("UndoSnapshot"), m_failUndo(failUndo), m_failRedo(failRedo)
+    {
+    }
+    void Do() override {}
+    void Undo() override
+    {
+        if (m_failUndo)
+            throw BadDataException("undo failed");
+    }
+    void Redo() override
+    {
+        if (m_failRedo)
+            throw BadDataException("redo failed");
+    }
+
+private:
+    bool m_failUndo;
+    bool m_failRedo;
+};
+
+TEST_F(SceneTest, Undoer_FailedStepInEitherDirectionIsDroppedAndNamedInAWarning)
+{
+    app::Undoer* undoer = app::Undoer::GetInstancePtr();
+    util::SharedPtr<ChangeCounter> counter = QLEX_NEW new ChangeCounter();
+    undoer->AddOnChangeCallback(util::MakeCallback(&ChangeCounter::Count, counter.get()));
+    std::vector<std::string> warnings;
+    util::SharedPtr<logging::ILogger> sink = QLEX_NEW new logging::FunctionLogger(
+        logging::Warning, [&warnings](const std::string& text) { warnings.push_back(text); });
+    logging::Logger::GetInstancePtr()->AddLogger(sink);
+
+    undoer->Do(QLEX_NEW new FailingAction(false, true));
+    undoer->Undo();
+    EXPECT_EQ(undoer->GetRedoCount(), 1u);
+    EXPECT_TRUE(warnings.empty());
+    undoer->Redo();
+    EXPECT_EQ(undoer->GetUndoCount(), 0u);
+    EXPECT_EQ(undoer->GetRedoCount(), 0u);
+    ASSERT_EQ(warnings.size(), 1u);
+    EXPECT_NE(warnings.back().find("Undoer::Redo: redo failed"), std::string::npos) << warnings.back();
+
+    undoer->Do(QLEX_NEW new FailingAction(true, false));
+    undoer->Undo();
+    EXPECT_EQ(undoer->GetUndoCount(), 0u);
+    EXPECT_EQ(undoer->GetRedoCount(), 0u);
+    ASSERT_EQ(warnings.size(), 2u);
+    EXPECT_NE(warnings.back().find("Undoer::Undo: undo failed"), std::string::npos) << warnings.back();
+    // A failed step changes the history, so listeners hear of it too: two doings, three steps.
+    EXPECT_EQ(counter->count, 5);
+    logging::Logger::GetInstancePtr()->RemoveLogger(sink);
 }
 
 TEST_F(SceneTest, Undoer_SimStartUndoStopsAtTheStartAndRedoRunsAgain)

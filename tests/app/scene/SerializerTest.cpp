@@ -3,7 +3,12 @@
 #include "app/Camera.h"
 #include "app/entities/BoxEntity.h"
 #include "app/entities/CircleEntity.h"
+#include "app/entities/FixJointEntity.h"
 #include "app/entities/HingeEntity.h"
+#include "app/entities/PenEntity.h"
+#include "app/entities/PlaneEntity.h"
+#include "app/entities/PolyEntity.h"
+#include "app/entities/SpringEntity.h"
 #include "physics/Particle.h"
 
 #include <algorithm>
@@ -101,6 +106,42 @@ TEST_F(SceneTest, Serializer_OldFormatLoadsWithAlphaOne)
     ASSERT_EQ(boxes.size(), 1u);
     EXPECT_FLOAT_EQ(boxes[0]->GetColor().w, 1.0f);
     EXPECT_EQ(All<app::CircleEntity>().size(), 1u);
+}
+
+TEST_F(SceneTest, Serializer_OldFormatReadsJointsAndPensAfterTheShapesTheyName)
+{
+    // Every record that hangs on a shape comes before it in the file, and names it only by its id.
+    app::Serializer::GetInstancePtr()->Deserialize(R"(version = 1;
+{ type = "spring"; geom0 = 3; geom0pos = [0.5, 0]; geom1 = 4; geom1pos = [0, 0] };
+{ type = "fixjoint"; geom0 = 4; geom0pos = [0, 0.5]; geom1 = 6; geom1pos = [0, -0.5] };
+{ type = "pen"; geom = 5; relPoint = [0, 0] };
+{ type = "water"; vecs = [[5, 5]] };
+{ type = "plane"; pos = [0, -1]; id = 1 };
+{ type = "box"; pos = [0, 1]; size = [2, 1]; id = 3 };
+{ type = "box"; pos = [3, 1]; size = [1, 1]; id = 4 };
+{ type = "polygon"; vecs = [[5, 0], [6, 0], [5.5, 1]]; id = 5 };
+{ type = "circle"; pos = [3, 2]; radius = 0.5; id = 6 })");
+    EXPECT_EQ(All<app::PlaneEntity>().size(), 1u);
+    EXPECT_EQ(All<app::BoxEntity>().size(), 2u);
+    EXPECT_EQ(physics::Simulation::GetInstancePtr()->GetParticles().size(), 1u);
+
+    const auto springs = All<app::SpringEntity>();
+    ASSERT_EQ(springs.size(), 1u);
+    EXPECT_NEAR(springs[0]->m_worldPos[0].x, 0.5f, 1e-5f);
+    EXPECT_NEAR(springs[0]->m_worldPos[1].x, 3.0f, 1e-5f);
+
+    const auto welds = All<app::FixJointEntity>();
+    const auto circles = All<app::CircleEntity>();
+    ASSERT_EQ(welds.size(), 1u);
+    ASSERT_EQ(circles.size(), 1u);
+    EXPECT_EQ(welds[0]->m_geoms[1], circles[0]->GetGeom());
+    EXPECT_TRUE(welds[0]->IsAlive());
+
+    const auto pens = All<app::PenEntity>();
+    const auto polygons = All<app::PolyEntity>();
+    ASSERT_EQ(pens.size(), 1u);
+    ASSERT_EQ(polygons.size(), 1u);
+    EXPECT_EQ(pens[0]->m_geom, polygons[0]->GetGeom());
 }
 
 TEST_F(SceneTest, Serializer_WaterPositionsSurviveAndVelocitiesAreZero)
