@@ -26,7 +26,7 @@ if [[ "$program" == *[[:cntrl:]]* ]]; then
   exit 1
 fi
 
-# The base directory specification ignores a relative XDG_DATA_HOME.
+# XDG folders are absolute: a relative XDG_DATA_HOME is ignored, as the desktop ignores it.
 case "${XDG_DATA_HOME:-}" in
   /*) data_home=$XDG_DATA_HOME ;;
   *) data_home="${HOME:?neither XDG_DATA_HOME nor HOME is set}/.local/share" ;;
