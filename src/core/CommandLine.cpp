@@ -29,6 +29,7 @@ bool EqualsIgnoringCase(const std::string& a, const std::string& b)
                                                          std::tolower(static_cast<unsigned char>(y));
                                               });
 }
+
 int HexDigit(char c)
 {
     if (c >= '0' && c <= '9')
