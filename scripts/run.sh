@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Sets up the machine, builds Qlex, installs the runnable tree into QLEX_HOME (keeping the user's
-# scenes and configuration) and starts the program there.
+# scenes and configuration), makes it known to the desktop (menu entry, icon, scene file type) and starts
+# the program there.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/setup.sh"
@@ -26,4 +27,7 @@ cp -f "$stage/Qlex.bmp" "$home/"
 (cd "$stage" && find scenes -type f ! -name '_*') | while IFS= read -r f; do
   [ -e "$home/$f" ] || { mkdir -p "$home/$(dirname "$f")" && cp "$stage/$f" "$home/$f"; }
 done
+# The program runs without the desktop's entry, so a failure here is reported and passed by.
+"$root/scripts/install-desktop.sh" "$stage" "$home/qlex" ||
+  echo "run.sh: Qlex could not be added to the desktop's menu; it starts all the same" >&2
 exec "$home/qlex" "$@"

@@ -172,6 +172,40 @@ int CommandLine::Run()
     return EXIT_OK;
 }
 
+// What --help prints: one line for each argument, then the exit codes.
+const char* const HELP_TEXT =
+    "Usage: qlex-cli [ARGUMENT...]: the arguments run left to right; standard output carries only results\n"
+    "  --workdir DIR    work directory of scenes, configuration and Logfile.txt (default: the program's "
+    "folder)\n"
+    "  -e, --exec TEXT  runs TEXT as script and prints what it returns on one line\n"
+    "  --load FILE      loads a scene as the application does\n"
+    "  --save FILE      saves the scene\n"
+    "  --steps N        advances the world N fixed steps, each followed by the scene's update, as a frame\n"
+    "  --seconds S      as --steps, for S simulated seconds\n"
+    "  --stats          prints the simulation's statistics\n"
+    "  -                reads standard input, each line as -e; no argument at all does the same\n"
+    "  --help, -h       prints these lines and ends\n"
+    "Exit codes:\n"
+    "  0  every argument ran\n"
+    "  1  a file can't be read\n"
+    "  2  a bad argument\n"
+    "  3  a statement or record failed\n";
+
+// Whether --help stands among the arguments as one of its own, not as the text or file of another.
+bool AsksForHelp(const std::vector<util::String>& args)
+{
+    for (size_t i = 0; i < args.size(); ++i)
+    {
+        const util::String& arg = args[i];
+        if (arg == "--help" || arg == "-h")
+            return true;
+        if (arg == "--workdir" || arg == "-e" || arg == "--exec" || arg == "--load" || arg == "--save" ||
+            arg == "--steps" || arg == "--seconds")
+            ++i;
+    }
+    return false;
+}
+
 // The log and the work directory come first, so that everything after may log; a --workdir anywhere
 // on the line also decides where Logfile.txt goes.
 void SetUp(const std::vector<util::String>& args, const char* argv0)
@@ -202,6 +236,11 @@ void SetUp(const std::vector<util::String>& args, const char* argv0)
 int main(int argc, char** argv)
 {
     std::vector<util::String> args(argv + 1, argv + argc);
+    if (AsksForHelp(args))
+    {
+        std::cout << HELP_TEXT << std::flush;
+        _exit(EXIT_OK);
+    }
     int code = EXIT_OK;
     try
     {

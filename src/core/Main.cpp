@@ -16,6 +16,7 @@
 #include "script/Parser.h"
 #include "util/FileSystem.h"
 
+#include <filesystem>
 #include <iostream>
 
 namespace
@@ -66,12 +67,38 @@ void LoadConfiguration(core::Subsystem& subsystem)
     }
 }
 
+// A scene from the command line, wherever it lies; one that can't be opened leaves the welcome scene in
+// its place, so that the user sees both the program and, in the log, why.
+void OpenSceneArgument(const std::string& argument)
+{
+    std::error_code error;
+    const std::string path = core::ResolveScenePath(argument, std::filesystem::current_path(error).string(),
+                                                    util::FileSystem::GetInstancePtr()->SceneDir());
+    if (const std::optional<std::string> problem = core::WhyNoScene(path))
+    {
+        Log(logging::Error,
+            "Can't open the scene \"" + path + "\": " + *problem + ". Opening the welcome scene instead.");
+        if (util::FileSystem::FileExists(util::FileSystem::GetInstancePtr()->SceneDir() + app::Scene_Welcome))
+        {
+            app::App::GetInstancePtr()->GetAppGUI().LoadScene(app::Scene_Welcome, true);
+        }
+        return;
+    }
+    app::App::GetInstancePtr()->GetAppGUI().LoadScene(path, true);
+}
+
 [[noreturn]] void RunProgram(int argc, char** argv)
 {
+    const std::vector<std::string> arguments = core::ArgumentsOf(argc, argv);
+    // Help is all that is printed: it comes before the work directory, which reports itself.
+    if (core::AsksForHelp(arguments))
+    {
+        std::cout << core::HelpText() << std::flush;
+        os::ExitProcess(EXIT_ORDERLY);
+    }
     util::FileSystem* files = util::FileSystem::GetInstancePtr();
     files->CalcWorkDir(argc > 0 ? argv[0] : "");
     logging::SetWorkDirectory(files->WorkDir());
-    const std::vector<std::string> arguments = core::ArgumentsOf(argc, argv);
     if (core::AsksForVersion(arguments))
     {
         std::cout << util::FileSystem::NameAndVersion() << std::endl;
@@ -98,7 +125,7 @@ void LoadConfiguration(core::Subsystem& subsystem)
     if (const std::optional<std::string> scene = core::SceneToOpen(arguments))
     {
         Log(logging::Info, "Loading argument " + *scene);
-        app::App::GetInstancePtr()->GetAppGUI().LoadScene(*scene, true);
+        OpenSceneArgument(*scene);
     }
     else
     {

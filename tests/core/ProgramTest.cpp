@@ -139,8 +139,10 @@ protected:
         fs::remove_all(m_dir, ignored);
     }
 
-    // Starts the copy with these arguments; `extraEnv` entries are "NAME=value".
-    void Start(const std::vector<std::string>& arguments, const std::vector<std::string>& extraEnv = {})
+    // Starts the copy with these arguments; `extraEnv` entries are "NAME=value". The program starts in
+    // `folder`, or in the folder of the test where none is given.
+    void Start(const std::vector<std::string>& arguments, const std::vector<std::string>& extraEnv = {},
+               const fs::path& folder = {})
     {
         std::vector<std::string> args{(m_dir / "qlex").string()};
         args.insert(args.end(), arguments.begin(), arguments.end());
@@ -164,6 +166,8 @@ protected:
                                          O_WRONLY | O_CREAT | O_TRUNC, 0644);
         posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, (m_dir / "stderr.txt").c_str(),
                                          O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        if (!folder.empty())
+            posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
         ASSERT_EQ(posix_spawn(&m_pid, argv[0], &actions, nullptr, argv.data(), envp.data()), 0);
         posix_spawn_file_actions_destroy(&actions);
     }
@@ -213,6 +217,15 @@ protected:
         return WaitWhileRunning([&] { return LogSays(text); });
     }
     bool Exists(const std::string& name) const { return fs::exists(m_dir / name); }
+
+    // Writes a file of the test's own, making its folders; returns its path.
+    fs::path Write(const std::string& name, const std::string& text) const
+    {
+        const fs::path path = m_dir / name;
+        fs::create_directories(path.parent_path());
+        std::ofstream(path, std::ios::binary) << text;
+        return path;
+    }
 
     fs::path m_dir;
     pid_t m_pid = -1;
@@ -266,6 +279,19 @@ TEST_F(ProgramTest, Version_PrintsNameAndVersionAndEndsBeforeAnyLog)
         EXPECT_FALSE(Exists("Logfile.txt"));
         EXPECT_FALSE(Exists("config.cfg"));
     }
+}
+
+TEST_F(ProgramTest, Help_ListsEveryArgumentAndEndsBeforeAnyLog)
+{
+    Start({"boat.qlx", "--help"});
+    EXPECT_EQ(Wait(), 0);
+    const std::string output = ReadFile(m_dir / "stdout.txt");
+    // Nothing comes before the help, so that it reads as the answer it is.
+    EXPECT_EQ(output.rfind("Usage: qlex ", 0), 0u) << output;
+    for (const char* argument : {"SCENE.qlx", "file:///", "-version", "/version", "--help", "-h"})
+        EXPECT_TRUE(Contains(output, argument)) << argument << " in:\n" << output;
+    EXPECT_FALSE(Exists("Logfile.txt"));
+    EXPECT_FALSE(Exists("config.cfg"));
 }
 
 TEST_F(ProgramTest, WindowFailure_IsReportedAndEndsWithCodeOne)
@@ -352,4 +378,73 @@ TEST_F(WindowedProgramTest, Run_DrawsTheSkyThatTheConfigurationAsksFor)
     EXPECT_TRUE(showsSky(5, 5)) << seen;
     EXPECT_TRUE(showsSky(1000, 700)) << seen;
     EXPECT_EQ(Signal(SIGTERM), 0);
+}
+
+namespace
+{
+// A scene as a user keeps one: a box of a colour that no sample scene has, under a title of its own.
+const char* const BOAT_SCENE = "// Qlex scene created by Qlex beta 4.21\n"
+                               "FileInfo.title = \"Boat trip\";\n"
+                               "Scene.addBox {\n"
+                               "    pos = [1.5, 2.5];\n"
+                               "    size = [0.75, 0.25];\n"
+                               "    color = [0.25, 0.75, 0.5, 1.0]\n"
+                               "};\n";
+
+// A scene of the program's own folder: the one opened when the command line names none that can be opened.
+const char* const WELCOME_SCENE = "// Qlex scene created by Qlex beta 4.21\n"
+                                  "FileInfo.title = \"Welcome of the test\";\n";
+} // namespace
+
+TEST_F(WindowedProgramTest, SceneArgument_WithBlanksOutsideTheScenesFolderOpens)
+{
+    const fs::path scene = Write("my documents/boat trip.qlx", BOAT_SCENE);
+    Write("scenes/welcome.qlx", WELCOME_SCENE);
+    // As a desktop hands it over: the whole path as one argument.
+    Start({scene.string()});
+    ASSERT_TRUE(WaitForLog("Loaded scene " + scene.string())) << ReadFile(m_dir / "Logfile.txt");
+    EXPECT_EQ(Signal(SIGTERM), 0);
+
+    // The scene the program holds at its end is the one it was given.
+    const std::string saved = ReadFile(m_dir / "scenes" / "_ONEXITSAVE.qlx");
+    EXPECT_TRUE(Contains(saved, "\"Boat trip\"")) << saved;
+    EXPECT_TRUE(Contains(saved, "color = [0.25, 0.75, 0.5, 1.0]")) << saved;
+    EXPECT_FALSE(LogSays("Welcome of the test"));
+}
+
+TEST_F(WindowedProgramTest, SceneArgument_RelativeToTheFolderItWasStartedIn)
+{
+    Write("my documents/boat trip.qlx", BOAT_SCENE);
+    // A scene of the same name in the scenes folder must not be taken instead.
+    Write("scenes/boat trip.qlx", WELCOME_SCENE);
+    // A bare name, in two pieces as a path with a blank may arrive.
+    Start({"boat", "trip.qlx"}, {}, m_dir / "my documents");
+    ASSERT_TRUE(WaitForLog("Loaded scene " + (m_dir / "my documents" / "boat trip.qlx").string()))
+        << ReadFile(m_dir / "Logfile.txt");
+    EXPECT_EQ(Signal(SIGTERM), 0);
+    EXPECT_TRUE(Contains(ReadFile(m_dir / "scenes" / "_ONEXITSAVE.qlx"), "\"Boat trip\""));
+}
+
+TEST_F(WindowedProgramTest, SceneArgument_ThatIsNoSceneSaysWhyAndOpensTheWelcomeScene)
+{
+    Write("scenes/welcome.qlx", WELCOME_SCENE);
+    // A scene autosaved by an earlier run is no stand-in: the user asked for a scene of their own.
+    Write("scenes/_AUTOSAVE.qlx", BOAT_SCENE);
+    const fs::path picture = Write("pictures/holiday.qlx", std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16));
+    const fs::path missing = m_dir / "nowhere" / "lost boat.qlx";
+    const std::string welcome = "Loaded scene " + (m_dir / "scenes" / "welcome.qlx").string();
+    for (const auto& [path, reason] :
+         {std::pair{picture, "it is not text"}, {missing, "there is no such file"}})
+    {
+        // Each run is read from its own log.
+        fs::remove(m_dir / "Logfile.txt");
+        Start({path.string()});
+        ASSERT_TRUE(WaitForLog(welcome)) << ReadFile(m_dir / "Logfile.txt");
+        EXPECT_TRUE(LogSays("!! ERROR: Can't open the scene \"" + path.string() + "\": " + reason +
+                            ". Opening the welcome scene instead."))
+            << ReadFile(m_dir / "Logfile.txt");
+        EXPECT_FALSE(LogSays("Loaded scene " + path.string()));
+        EXPECT_EQ(Signal(SIGTERM), 0);
+        EXPECT_TRUE(Contains(ReadFile(m_dir / "scenes" / "_ONEXITSAVE.qlx"), "\"Welcome of the test\""));
+    }
 }
