@@ -235,6 +235,19 @@ void AssertShaderSupport()
     }
 }
 
+bool HasShaderSupport()
+{
+    try
+    {
+        AssertShaderSupport();
+        return true;
+    }
+    catch (const FatalException&)
+    {
+        return false;
+    }
+}
+
 ShaderVariable::ShaderVariable(ShaderProxy shader, util::String name)
     : m_shader(std::move(shader)), m_name(std::move(name))
 {

@@ -69,6 +69,8 @@ util::String GetShaderLog(GLhandleARB shader);
 util::String GetProgramLog(GLhandleARB program);
 // Throws FatalException naming what is missing when the driver can't run our shaders.
 void AssertShaderSupport();
+// The same test without the exception.
+bool HasShaderSupport();
 
 // A named variable of a shader that keeps its location across reloads: the location is looked up on first
 // use and forgotten when the shader is dropped with the window.

@@ -43,8 +43,8 @@ protected:
     void SetUp() override
     {
         QLEX_OPEN_GL_WINDOW(s_window, WIDTH, HEIGHT);
-        if (!GLEW_ARB_shader_objects)
-            GTEST_SKIP() << "this GL has no shader objects";
+        if (!rendering::HasShaderSupport())
+            GTEST_SKIP() << "this GL runs no shaders";
         if (!s_logger)
         {
             s_logger = QLEX_NEW new logging::FunctionLogger(logging::Warning, [](const std::string& text)
