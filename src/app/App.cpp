@@ -21,6 +21,7 @@
 #include "rendering/ColorPusher.h"
 #include "rendering/GLContext.h"
 #include "rendering/Renderer.h"
+#include "rendering/ShaderManager.h"
 #include "rendering/TextureManager.h"
 #include "script/Parser.h"
 #include "util/ColorUtil.h"
@@ -100,6 +101,7 @@ App::App() : m_settings(AppSettings::GetInstancePtr())
     m_metaBallTexture = rendering::TextureProxy(m_metaBallTextureMentor);
     m_simpleWaterTexture = rendering::TextureManager::GetInstancePtr()->Load(
         "simpleWater", rendering::TextureManager::DefaultImageType());
+    m_waterShader = rendering::ShaderManager::GetInstancePtr()->Load("water");
 
     m_background = QLEX_NEW new Background();
     m_background->SetFillOwner(true);
@@ -375,6 +377,21 @@ void App::DrawWater(const std::vector<WaterParticle>& particles) const
     util::ScopeProfiler profile("Water");
     rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
     const math::Vec4 color = m_settings->m_waterColor;
+    if (!m_settings->m_simpleWater && rendering::ShaderManager::IsUsable(m_waterShader))
+    {
+        // The program thresholds the field and keeps the colour's own alpha: see-through water needs no
+        // constant blend colour.
+        const rendering::Shader& shader = *m_waterShader.get();
+        shader.Bind();
+        shader.SetUniform("Cutoff", float(m_settings->m_metaCutoff));
+        shader.SetUniform("Color", color);
+        glEnable(GL_TEXTURE_2D);
+        glBindTexture(GL_TEXTURE_2D, m_waterTexture->GetName());
+        DrawBigTextureRect();
+        glBindTexture(GL_TEXTURE_2D, 0);
+        shader.Unbind();
+        return;
+    }
     if (!m_settings->m_simpleWater)
     {
         // No shader program draws the surface: the fixed-function alpha test thresholds the field.

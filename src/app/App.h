@@ -6,6 +6,7 @@
 #include "app/entities/Entity.h"
 #include "gui/components/Component.h"
 #include "math/Math.h"
+#include "rendering/Shader.h"
 #include "rendering/Texture.h"
 #include "script/AttribWrapper.h"
 #include "script/Reflected.h"
@@ -94,6 +95,7 @@ private:
     rendering::TextureProxy m_waterTexture;
     rendering::TextureProxy m_metaBallTexture;
     rendering::TextureProxy m_simpleWaterTexture;
+    rendering::ShaderProxy m_waterShader;
     util::SharedPtr<AppSettings> m_settings;
     bool m_firstTime = false;
 };

@@ -1,9 +1,12 @@
 #include "core/ResourceManager.h"
 
+#include "app/entities/GLEntityPainter.h"
 #include "logging/Log.h"
 #include "rendering/GLContext.h"
 #include "rendering/GraphicsResource.h"
 #include "rendering/ImageManager.h"
+#include "rendering/Shader.h"
+#include "rendering/ShaderManager.h"
 #include "rendering/Texture.h"
 #include "rendering/TextureManager.h"
 #include "util/Mentor.h"
@@ -17,6 +20,7 @@ ResourceManager::ResourceManager()
     : script::Reflected("Resources"), m_shaders(this, "shaders", false),
       m_force16BitTextures(this, "force16BitTextures", false)
 {
+    rendering::ShaderManager::SetShadersOn(m_shaders);
     m_shaders->AddChangeCallback(util::MakeCallback(&ResourceManager::OnShaderOnOffChange, this));
     m_force16BitTextures->AddChangeCallback(
         util::MakeCallback(&ResourceManager::OnForce16BitTexturesChange, this));
@@ -24,6 +28,7 @@ ResourceManager::ResourceManager()
     AddVoidCmd("loadAll", [this] { LoadAll(false); });
     AddVoidCmd("reloadAll", [this] { LoadAll(true); });
     AddMemberCmd("reloadTextures", &ResourceManager::ReloadTextures);
+    AddMemberCmd("reloadShaders", &ResourceManager::ReloadShaders);
     AddCmd("vramUsage", std::function<script::ObjectPtr()>(
                             [this] { return script::ValueToObject(static_cast<int>(CalcVRamUsage())); }));
 }
@@ -62,6 +67,8 @@ void ResourceManager::LoadAll(bool reload)
     }
     // Textures first: the rest (fonts among them) are made of them.
     LoadClass<rendering::Texture>(reload);
+    if (m_shaders)
+        LoadClass<rendering::Shader>(reload);
     Log(logging::Debug, "Loading the rest...");
     for (util::AbstractMentor* mentor : mentors)
         mentor->Load();
@@ -72,12 +79,25 @@ void ResourceManager::Prefetch()
 {
     Log(logging::Info, "Prefetching resources");
     rendering::TextureManager::GetInstancePtr()->Prefetch();
+    app::GLEntityPainter::LoadResources();
+    rendering::ShaderManager::GetInstancePtr()->Prefetch();
 }
 
 void ResourceManager::ReloadTextures()
 {
     rendering::ImageManager::GetInstancePtr()->ReloadAll();
     LoadClass<rendering::Texture>(true);
+}
+
+void ResourceManager::ReloadShaders()
+{
+    LoadClass<rendering::Shader>(true);
+}
+
+void ResourceManager::ReloadFonts()
+{
+    if (m_reloadFonts)
+        m_reloadFonts();
 }
 
 size_t ResourceManager::CalcVRamUsage() const
@@ -90,9 +110,15 @@ size_t ResourceManager::CalcVRamUsage() const
 
 void ResourceManager::OnShaderOnOffChange()
 {
+    rendering::ShaderManager::SetShadersOn(m_shaders);
     if (!HasGLLoaded())
         return;
     Log(logging::Debug, util::String("Resources.shaders changed value to ") + (m_shaders ? "true" : "false"));
+    // Turned off, the shaders stay loaded: the drawing asks whether they are on before it uses one.
+    if (!m_shaders)
+        return;
+    Log(logging::Debug, "LoadClass<Shader>");
+    LoadClass<rendering::Shader>(true);
 }
 
 void ResourceManager::OnForce16BitTexturesChange()

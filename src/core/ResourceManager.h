@@ -5,6 +5,7 @@
 #include "util/Singleton.h"
 
 #include <cstddef>
+#include <functional>
 #include <typeinfo>
 
 namespace core
@@ -28,6 +29,10 @@ public:
     // window.
     void Prefetch();
     void ReloadTextures();
+    void ReloadShaders();
+    // Makes the fonts again; what that takes is the font side's, which hands it in through SetFontReloader.
+    void ReloadFonts();
+    void SetFontReloader(std::function<void()> reload) { m_reloadFonts = std::move(reload); }
     // Bytes of video memory of all live graphics resources.
     size_t CalcVRamUsage() const;
     void OnShaderOnOffChange();
@@ -37,6 +42,8 @@ public:
 
 private:
     void OnForce16BitTexturesChange();
+
+    std::function<void()> m_reloadFonts;
 };
 
 } // namespace core

@@ -10,6 +10,7 @@
 #include "physics/Simulation.h"
 #include "platform/Os.h"
 #include "rendering/Renderer.h"
+#include "rendering/ShaderManager.h"
 #include "rendering/TextureManager.h"
 #include "script/Parser.h"
 #include "util/FileSystem.h"
@@ -121,6 +122,7 @@ Subsystem::~Subsystem()
     rendering::Renderer::Destroy();
     input::Input::Destroy();
     gui::GUI::Destroy();
+    rendering::ShaderManager::Destroy();
     rendering::TextureManager::Destroy();
     util::FileSystem::Destroy();
     script::Parser::Destroy();

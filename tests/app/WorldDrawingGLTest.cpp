@@ -13,6 +13,8 @@
 #include "physics/Simulation.h"
 #include "physics/testing/Scenes.h"
 #include "rendering/GLContext.h"
+#include "rendering/Shader.h"
+#include "rendering/ShaderManager.h"
 #include "util/Mentor.h"
 
 #include <gtest/gtest.h>
@@ -356,4 +358,36 @@ TEST_F(WorldDrawing, LineAndPointSizesThatGLRefusesDrawThinInsteadOfFailingTheFr
     m_app.GetSettings().m_lineWidth = 4.0f;
     m_app.GetSettings().m_pointSize = 4.0f;
     EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), {255, 0, 0, 255}));
+}
+
+TEST_F(WorldDrawing, WithShadersHalfTransparentWaterShowsTheSkyBehindItWhateverTheBlendConstant)
+{
+    if (!rendering::HasShaderSupport())
+        GTEST_SKIP() << "this GL runs no shaders";
+    FillWater(math::Vec2(-0.6f, -0.6f), math::Vec2(0.6f, 0.6f));
+    const math::Vec4 water(0.1f, 0.8f, 0.2f, 0.5f);
+    m_app.GetSettings().m_waterColor = water;
+    const size_t warningsBefore = s_warningTexts.size();
+    rendering::ShaderManager::SetShadersOn(true);
+    DrawFrame();
+    DrawFrame();
+    const bool shaded =
+        rendering::ShaderManager::IsUsable(rendering::ShaderManager::GetInstancePtr()->Load("water"));
+    rendering::ShaderManager::SetShadersOn(false);
+    ASSERT_TRUE(shaded);
+    // Deep in the water: half water, half sky.
+    const auto mix = [](float w, int sky) { return int(std::lround(w * 255 * 0.5f + sky * 0.5f)); };
+    const math::TVector4<int> expected(mix(water.x, SKY.x), mix(water.y, SKY.y), mix(water.z, SKY.z), 255);
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), expected, 4));
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0.3f, -0.3f}), expected, 4));
+    // Outside it, the sky alone; and nothing to warn of.
+    EXPECT_TRUE(ColorNear(PixelAtWorld({1.2f, 0}), SKY));
+    logging::Logger::GetInstancePtr()->Update();
+    EXPECT_EQ(s_warningTexts.size(), warningsBefore) << s_warningTexts.back();
+
+    // Switched off, the fixed picture is back: blended by the constant where GL has it, opaque otherwise.
+    DrawFrame();
+    const math::TVector4<int> fixed =
+        rendering::HasBlendColor() ? expected : math::TVector4<int>(26, 204, 51, 255);
+    EXPECT_TRUE(ColorNear(PixelAtWorld({0, 0}), fixed, 4));
 }

@@ -1,5 +1,6 @@
 // Linked into every test executable that makes textures or images.
 #include "rendering/ImageManager.h"
+#include "rendering/ShaderManager.h"
 #include "rendering/TextureManager.h"
 #include "util/Mentor.h"
 
@@ -18,6 +19,7 @@ public:
         for (util::AbstractMentor* mentor : util::AbstractMentor::GetAllClassInstances())
             mentor->Unload();
         // The managers hold mentors, which must go while the tracker of all mentors still exists.
+        rendering::ShaderManager::Destroy();
         rendering::TextureManager::Destroy();
         rendering::ImageManager::Destroy();
         if (SDL_WasInit(SDL_INIT_VIDEO))

@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
-"""Draws the textures of the world: the cloud sprites of the sky and the sprite of a water particle.
+"""Draws every picture the program loads: the cloud sprites of the sky, the sprite of a water particle,
+the icons of the tools, menus and panels, the cursors, the tinted world pictures and the language flags.
 
 Usage: make_textures.py OUTPUT_TEXTURE_DIR
 
-Writes background/cloud0.png .. cloud{N-1}.png, simpleWater.png and cursors/mouse.png below the given
-folder. Everything is
-computed from a fixed seed, so that every build makes the same pictures.
+Writes below the given folder: background/cloud0.png .. cloud{N-1}.png, simpleWater.png, cursors/*.png,
+tools/*.png, popup/*.png, file/*.png, gui/*.png and *.tga, and ring, pen, arrow, rotate_origo, rightarrow and
+blank; and the flags beside it, in ../language/. Everything is computed from a fixed seed, so that every build
+makes the same pictures.
 """
 
 import math
@@ -14,6 +16,8 @@ import random
 import struct
 import sys
 import zlib
+
+import icons
 
 CLOUD_COUNT = 4
 CLOUD_SIZE = 128
@@ -40,6 +44,20 @@ def write_png(path, width, height, rows):
     tmp = path + ".tmp"
     with open(tmp, "wb") as out:
         out.write(data)
+    os.replace(tmp, path)
+
+
+def write_tga(path, width, height, rows):
+    """Writes an uncompressed 32-bit TGA, rows from the top."""
+    header = struct.pack("<BBBHHBHHHHBB", 0, 0, 2, 0, 0, 0, 0, 0, width, height, 32, 8 | 0x20)
+    body = bytearray()
+    for row in rows:
+        for (r, g, b, a) in row:
+            body.extend((b, g, r, a))
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    tmp = path + ".tmp"
+    with open(tmp, "wb") as out:
+        out.write(header + bytes(body))
     os.replace(tmp, path)
 
 
@@ -161,7 +179,39 @@ def main(argv):
     write_png(os.path.join(out, "simpleWater.png"), WATER_SPRITE_SIZE, WATER_SPRITE_SIZE,
               water_sprite(WATER_SPRITE_SIZE))
     write_png(os.path.join(out, "cursors", "mouse.png"), CURSOR_SIZE, CURSOR_SIZE, cursor(CURSOR_SIZE))
+    write_interface_pictures(out)
     return 0
+
+
+# Sizes in pixels: toolbar icons show at 32, the panner and zoomer at 48, menu icons at 16 (drawn larger and
+# mipmapped down, so that a larger interface scale stays sharp).
+TOOL_ICON_SIZE = 48
+MENU_ICON_SIZE = 32
+GUI_PICTURE_SIZE = 32
+FLAG_HEIGHT = 32
+FLAG_WIDTH = 48
+# Check boxes and radio buttons are asked for by their TGA names.
+TGA_PICTURES = ("checkbox-off", "checkbox-on", "checkbox-unknown", "radio-off", "radio-on")
+
+
+def write_interface_pictures(out):
+    for folder, pictures, size in (("tools", icons.tool_pictures(), TOOL_ICON_SIZE),
+                                   ("popup", icons.popup_pictures(), MENU_ICON_SIZE),
+                                   ("file", icons.file_pictures(), MENU_ICON_SIZE),
+                                   ("cursors", icons.cursor_pictures(), CURSOR_SIZE)):
+        for name, layers in pictures.items():
+            write_png(os.path.join(out, folder, name + ".png"), size, size, icons.draw(size, *layers))
+    for name, layers in icons.gui_pictures().items():
+        rows = icons.draw(GUI_PICTURE_SIZE, *layers)
+        if name in TGA_PICTURES:
+            write_tga(os.path.join(out, "gui", name + ".tga"), GUI_PICTURE_SIZE, GUI_PICTURE_SIZE, rows)
+        else:
+            write_png(os.path.join(out, "gui", name + ".png"), GUI_PICTURE_SIZE, GUI_PICTURE_SIZE, rows)
+    for name, (size, layers) in icons.world_pictures().items():
+        write_png(os.path.join(out, name + ".png"), size, size, icons.draw(size, *layers))
+    language = os.path.join(os.path.dirname(os.path.normpath(out)), "language")
+    write_png(os.path.join(language, "english.png"), FLAG_WIDTH, FLAG_HEIGHT,
+              icons.flag_english(FLAG_WIDTH, FLAG_HEIGHT))
 
 
 if __name__ == "__main__":

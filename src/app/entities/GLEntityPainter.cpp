@@ -16,10 +16,14 @@
 #include "rendering/GLContext.h"
 #include "rendering/Image.h"
 #include "rendering/Renderer.h"
+#include "rendering/Shader.h"
+#include "rendering/ShaderManager.h"
 #include "rendering/TextureManager.h"
 #include "util/Profiler.h"
 
 #include <cmath>
+#include <map>
+#include <string>
 
 namespace app
 {
@@ -58,6 +62,97 @@ const float TAIL_WIDTH = 0.7f;
 const float RING_SCALE = 1.3f;
 
 bool s_toldTransparency = false;
+
+const AppSettings& Settings();
+
+// One shader of the pictures, with its uniforms, whose locations survive a reload of the program.
+class ShapeProgram
+{
+public:
+    explicit ShapeProgram(const char* name) : m_name(name) {}
+
+    // True when shaders are on and this one has a working program: the caller then draws with it.
+    bool IsUsable()
+    {
+        if (!rendering::ShaderManager::AreShadersOn())
+            return false;
+        if (!m_shader.GetMentor())
+            m_shader = rendering::ShaderManager::GetInstancePtr()->Load(m_name);
+        return rendering::ShaderManager::IsUsable(m_shader);
+    }
+    // Registers the program with the resources, without loading it.
+    void Prefetch()
+    {
+        if (!m_shader.GetMentor())
+            m_shader = rendering::ShaderManager::GetInstancePtr()->Load(m_name);
+    }
+    void Bind() const { m_shader->Bind(); }
+    void Unbind() const { m_shader->Unbind(); }
+
+    template <class T> void Set(const char* name, const T& value)
+    {
+        util::SharedPtr<rendering::Uniform>& uniform = m_uniforms[name];
+        if (!uniform)
+            uniform = QLEX_NEW new rendering::Uniform(m_shader, name);
+        uniform->Set(value);
+    }
+
+    // The uniforms every solid shape has: the border colour is the inside colour when no border shows,
+    // so that one program serves both looks.
+    void SetShapeUniforms(const Entity& entity, bool showBorder, float borderWidth, float pixelSize)
+    {
+        Set("InsideColor", entity.m_color);
+        Set("BorderColor", showBorder ? Settings().GetBorderColor(&entity) : entity.m_color);
+        Set("BorderWidth", borderWidth);
+        Set("PixelSize", pixelSize);
+    }
+
+private:
+    const char* m_name;
+    rendering::ShaderProxy m_shader;
+    std::map<std::string, util::SharedPtr<rendering::Uniform>> m_uniforms;
+};
+
+// Made once and kept to the end of the process: their mentors must not outlive the tracker of all mentors
+// in the order of static destruction.
+ShapeProgram& BoxProgram()
+{
+    static ShapeProgram* const program = new ShapeProgram("box");
+    return *program;
+}
+ShapeProgram& CircleProgram()
+{
+    static ShapeProgram* const program = new ShapeProgram("circle");
+    return *program;
+}
+ShapeProgram& PolygonProgram()
+{
+    static ShapeProgram* const program = new ShapeProgram("polygon");
+    return *program;
+}
+ShapeProgram& PlaneProgram()
+{
+    static ShapeProgram* const program = new ShapeProgram("plane");
+    return *program;
+}
+ShapeProgram& LineProgram()
+{
+    static ShapeProgram* const program = new ShapeProgram("line");
+    return *program;
+}
+
+// Binds a program for the scope of one picture.
+class ProgramBinding
+{
+public:
+    explicit ProgramBinding(ShapeProgram& program) : m_program(program) { m_program.Bind(); }
+    ~ProgramBinding() { m_program.Unbind(); }
+    ProgramBinding(const ProgramBinding&) = delete;
+    ProgramBinding& operator=(const ProgramBinding&) = delete;
+
+private:
+    ShapeProgram& m_program;
+};
 
 const AppSettings& Settings()
 {
@@ -214,6 +309,20 @@ void DrawFixedFunction(const math::Vec2 corners[4], const math::Vec4& color, flo
         glBlendColor(1, 1, 1, 1);
     }
 }
+
+// The inside in front, the whole shape in the border colour behind it, cut from the bound distance texture.
+void DrawPolygonFixedFunction(const PolyEntity& polygon, const math::Vec2 corners[4], float bw, float maxDist)
+{
+    if (ShowsBorder(polygon))
+    {
+        glEnable(GL_DEPTH_TEST);
+        DrawFixedFunction(corners, polygon.m_color, PolygonInsideThreshold(bw, maxDist));
+        DrawFixedFunction(corners, Settings().GetBorderColor(&polygon), 0.5f);
+        glDisable(GL_DEPTH_TEST);
+    }
+    else
+        DrawFixedFunction(corners, polygon.m_color, 0.5f);
+}
 } // namespace
 
 GLEntityPainter::TextureMentorPtr GLEntityPainter::s_circleTex;
@@ -231,6 +340,9 @@ void GLEntityPainter::LoadResources()
 {
     if (s_circleTex)
         return;
+    for (ShapeProgram* program :
+         {&BoxProgram(), &CircleProgram(), &PolygonProgram(), &PlaneProgram(), &LineProgram()})
+        program->Prefetch();
     s_circleTex = QLEX_NEW new util::Mentor<rendering::Texture>(
         [] { return MakeAlphaTexture(CircleTexture(CIRCLE_TEXTURE_SIZE, true), CIRCLE_TEXTURE_SIZE); });
     s_circleTexNoCake = QLEX_NEW new util::Mentor<rendering::Texture>(
@@ -246,7 +358,18 @@ void GLEntityPainter::Draw(const BoxEntity& box)
     const math::Vec2 half = box.GetHalfSize();
     glPushMatrix();
     box.m_geom->GetPose().MultToGL();
-    if (ShowsBorder(box))
+    ShapeProgram& program = BoxProgram();
+    if (program.IsUsable())
+    {
+        const AppSettings& settings = Settings();
+        const float pixel = settings.GetPixelSize();
+        ProgramBinding binding(program);
+        program.SetShapeUniforms(box, ShowsBorder(box), settings.GetObjectBorderWidth(), pixel);
+        program.Set("HalfSize", half);
+        // One pixel more on each side: the smoothed edge lies half in, half out of the true outline.
+        DrawBox(half + math::Vec2(pixel, pixel));
+    }
+    else if (ShowsBorder(box))
     {
         math::Vec2 inside;
         glEnable(GL_DEPTH_TEST);
@@ -284,7 +407,20 @@ void GLEntityPainter::Draw(const CircleEntity& circle)
     const math::Vec4 border = settings.GetBorderColor(&circle);
     glPushMatrix();
     circle.m_geom->GetPose().MultToGL();
-    if (circle.m_color.w < 1.0f || CircleEntity::IsTooBigForTexture(r, settings.GetPixelSize()))
+    const bool tooBig = CircleEntity::IsTooBigForTexture(r, settings.GetPixelSize());
+    ShapeProgram& program = CircleProgram();
+    if ((circle.m_color.w < 1.0f || tooBig) && program.IsUsable())
+    {
+        ProgramBinding binding(program);
+        program.SetShapeUniforms(circle, ShowsBorder(circle), settings.GetObjectBorderWidth(),
+                                 settings.GetPixelSize());
+        program.Set("Radius", r);
+        program.Set("SquareScale", SquareScale);
+        program.Set("CakeSize", CakeSize);
+        program.Set("CakeSlizeColor", border);
+        rendering::Renderer::GetInstancePtr()->DrawRect(math::Vec2(0, 0), 2.0f * r * SquareScale);
+    }
+    else if (circle.m_color.w < 1.0f || tooBig)
     {
         // Geometry: the inside in front, the whole disc in the border colour behind it. The inside leaves
         // the slice out, so the border colour shows the rotation.
@@ -383,18 +519,30 @@ void GLEntityPainter::Draw(const PolyEntity& polygon)
     glPushMatrix();
     polygon.m_geom->GetPose().MultToGL();
     DrawDebugPictures(polygon, settings);
-    glDisable(GL_BLEND);
-    resources.Bind();
-    if (ShowsBorder(polygon))
+    ShapeProgram& program = PolygonProgram();
+    if (rendering::HasMultiTexturing() && program.IsUsable())
     {
-        glEnable(GL_DEPTH_TEST);
-        DrawFixedFunction(corners, polygon.m_color, PolygonInsideThreshold(bw, maxDist));
-        DrawFixedFunction(corners, settings.GetBorderColor(&polygon), 0.5f);
-        glDisable(GL_DEPTH_TEST);
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+        glActiveTexture(GL_TEXTURE0);
+        resources.Bind();
+        {
+            ProgramBinding binding(program);
+            program.SetShapeUniforms(polygon, ShowsBorder(polygon), bw,
+                                     std::min(settings.GetPixelSize(), bw));
+            program.Set("DistSampler", 0);
+            program.Set("DistScale", maxDist);
+            DrawMap(corners);
+        }
+        resources.Unbind();
     }
     else
-        DrawFixedFunction(corners, polygon.m_color, 0.5f);
-    resources.Unbind();
+    {
+        glDisable(GL_BLEND);
+        resources.Bind();
+        DrawPolygonFixedFunction(polygon, corners, bw, maxDist);
+        resources.Unbind();
+    }
     if (settings.m_drawVertices)
     {
         glBegin(GL_POINTS);
@@ -429,7 +577,22 @@ void GLEntityPainter::Draw(const PlaneEntity& plane)
     math::Vec2 corners[4];
     float dists[4];
     plane.CalcVecsAndDist(corners, dists);
-    if (ShowsBorder(plane))
+    ShapeProgram& program = PlaneProgram();
+    if (program.IsUsable())
+    {
+        const AppSettings& settings = Settings();
+        const float bw = settings.GetObjectBorderWidth();
+        const float pixel = settings.GetPixelSize();
+        // The deep inside is flat: the program only runs over the band where the border and edge lie.
+        SetDrawColor(plane.m_color);
+        DrawPlaneSegment(corners, dists, -math::INF, -bw - pixel);
+        ProgramBinding binding(program);
+        program.SetShapeUniforms(plane, ShowsBorder(plane), bw, pixel);
+        const math::Plane2D& p = plane.m_plane->GetPlane();
+        program.Set("Plane", math::Vec3(p.normal.x, p.normal.y, p.distance));
+        DrawPlaneSegment(corners, dists, -bw - pixel, pixel);
+    }
+    else if (ShowsBorder(plane))
     {
         const float bw = Settings().GetObjectBorderWidth();
         glEnable(GL_DEPTH_TEST);
@@ -528,6 +691,17 @@ void GLEntityPainter::Draw(const PenEntity& pen)
             glMultMatrixf(m);
             w *= std::sqrt(std::fabs(scale(0, 0) * scale(1, 1)));
         }
+        ShapeProgram& program = LineProgram();
+        const bool shaded = program.IsUsable();
+        if (shaded)
+        {
+            // The program smooths the strip's edges over a pixel, which needs that pixel of room.
+            w += Settings().GetPixelSize();
+            program.Bind();
+            program.Set("Color", pen.m_color);
+            program.Set("Width", w);
+            program.Set("PixelSize", Settings().GetPixelSize());
+        }
         const float half = w / 2.0f;
         const math::Vec4& color = pen.m_color;
         // The tail fades through its alpha.
@@ -539,13 +713,24 @@ void GLEntityPainter::Draw(const PenEntity& pen)
         {
             const PenEntity::TailElem& e = tail[i];
             const float a = 1.0f - float(pen.m_time - e.time) / fadeTime;
-            SetDrawColor(math::Vec4(color.x, color.y, color.z, color.w * a));
             const math::Vec2 p0 = e.position - e.normal * half;
             const math::Vec2 p1 = e.position + e.normal * half;
+            if (shaded)
+            {
+                // Across the strip in s, the fade in t.
+                glTexCoord2f(0, a);
+                glVertex2f(p0.x, p0.y);
+                glTexCoord2f(1, a);
+                glVertex2f(p1.x, p1.y);
+                continue;
+            }
+            SetDrawColor(math::Vec4(color.x, color.y, color.z, color.w * a));
             glVertex2f(p0.x, p0.y);
             glVertex2f(p1.x, p1.y);
         }
         glEnd();
+        if (shaded)
+            program.Unbind();
         glPopAttrib();
         glPopMatrix();
     }

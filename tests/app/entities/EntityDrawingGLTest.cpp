@@ -9,14 +9,21 @@
 #include "app/entities/HingeEntity.h"
 #include "app/entities/PenEntity.h"
 #include "app/entities/SpringEntity.h"
+#include "logging/Log.h"
 #include "math/MatrixGL.h"
 #include "rendering/GLContext.h"
+#include "rendering/Shader.h"
+#include "rendering/ShaderManager.h"
 #include "util/Mentor.h"
 
 #include <GL/gl.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -77,6 +84,8 @@ protected:
         app::App& application = *app::App::GetInstancePtr();
         application.GetSettings().m_borders = true;
         application.GetSettings().m_borderWidth = 0.1f;
+        // The whole suite runs once more with the shaded pictures, which must pass the same checks.
+        rendering::ShaderManager::SetShadersOn(std::getenv("QLEX_TEST_SHADERS") != nullptr);
     }
     void TearDown() override
     {
@@ -87,6 +96,7 @@ protected:
         application.GetSettings().m_drawMapOBBs = false;
         application.GetSettings().m_drawBCs = false;
         application.GetSettings().m_drawVertices = false;
+        rendering::ShaderManager::SetShadersOn(false);
         World::TearDown();
     }
 
@@ -113,6 +123,45 @@ protected:
 };
 
 const Rgb BLACK(0, 0, 0, 255);
+
+// A box, a see-through circle (whose shaded picture is used), a polygon and a plane, each with points to
+// look at: the inside, the border, the cake slice, and the black just outside.
+struct ShapeProbe
+{
+    std::string shader;
+    std::function<util::SharedPtr<app::Entity>()> make;
+    std::vector<math::Vec2> points;
+};
+
+// Draws each shape alone with shaders off and on and compares the pixels at its points; `shaded` tells
+// whether the shaded path was there to be taken.
+void CompareShadedWithFixed(const std::vector<ShapeProbe>& probes, float px,
+                            const std::function<void(const app::Entity&)>& draw,
+                            const std::function<Rgb(math::Vec2)>& pixelAt, bool shaded)
+{
+    for (const ShapeProbe& probe : probes)
+    {
+        util::SharedPtr<app::Entity> entity = probe.make();
+        std::vector<Rgb> fixed;
+        rendering::ShaderManager::SetShadersOn(false);
+        glClear(GL_COLOR_BUFFER_BIT);
+        draw(*entity);
+        for (const math::Vec2& p : probe.points)
+            fixed.push_back(pixelAt(p));
+        rendering::ShaderManager::SetShadersOn(true);
+        EXPECT_EQ(rendering::ShaderManager::IsUsable(
+                      rendering::ShaderManager::GetInstancePtr()->Load(probe.shader)),
+                  shaded)
+            << probe.shader;
+        glClear(GL_COLOR_BUFFER_BIT);
+        draw(*entity);
+        for (size_t i = 0; i < probe.points.size(); ++i)
+            EXPECT_TRUE(ColorNear(pixelAt(probe.points[i]), fixed[i], 6))
+                << probe.shader << " at (" << probe.points[i].x / px << ", " << probe.points[i].y / px
+                << ") pixels";
+        rendering::ShaderManager::SetShadersOn(false);
+    }
+}
 
 TEST_F(EntityDrawingGLTest, RedBoxHasItsBorderAtTheEdge)
 {
@@ -339,8 +388,10 @@ TEST_F(EntityDrawingGLTest, TransparentPolygonBlendsItsInsideAndKeepsASelectedBo
     poly->SetColor(math::Vec4(0, 0, 1, 0.5f));
     poly->m_selectedLook = true;
     DrawAlone(*poly);
-    // Without the constant blend colour the polygon can only be opaque.
-    const int blue = rendering::HasBlendColor() ? 128 : 255;
+    // Without the constant blend colour the fixed picture can only be opaque; the shaded one blends.
+    const bool shaded =
+        rendering::ShaderManager::IsUsable(rendering::ShaderManager::GetInstancePtr()->Load("polygon"));
+    const int blue = rendering::HasBlendColor() || shaded ? 128 : 255;
     EXPECT_TRUE(Near(PixelAt(centre), Rgb(0, 0, blue, 255)));
     EXPECT_TRUE(Near(PixelAt(centre + math::Vec2(-radius + Px(1.5f), 0)), Rgb(255, 255, 255, 255)));
     EXPECT_TRUE(Near(PixelAt(centre + math::Vec2(0, radius - Px(1.5f))), Rgb(255, 255, 255, 255)));
@@ -583,3 +634,90 @@ TEST_F(EntityDrawingGLTest, PolygonDebugPicturesDrawOverItsShape)
     EXPECT_TRUE(Near(PixelAt(math::Vec2(0, 0.48f)), Rgb(51, 51, 128, 255)));
 }
 } // namespace
+
+class ShadedDrawingGLTest : public EntityDrawingGLTest
+{
+protected:
+    std::vector<ShapeProbe> Probes()
+    {
+        const float bw = app::AppSettings::GetInstancePtr()->GetObjectBorderWidth();
+        std::vector<ShapeProbe> probes;
+        probes.push_back({"box",
+                          [this]
+                          {
+                              util::SharedPtr<app::BoxEntity> box =
+                                  AddBox(math::Vec2(0.4f, 0.3f), math::Vec2(-0.6f, 0.3f));
+                              box->SetColor(math::Vec4(1, 0.5f, 0, 1));
+                              return util::SharedPtr<app::Entity>(box);
+                          },
+                          {{-0.6f, 0.3f},
+                           {-0.8f + Px(1.5f), 0.3f},
+                           {-0.6f, 0.45f - Px(1.5f)},
+                           {-0.8f + bw + Px(2), 0.3f},
+                           {-0.8f - Px(2), 0.3f},
+                           {-0.6f, 0.45f + Px(2)}}});
+        probes.push_back({"circle",
+                          [this]
+                          {
+                              util::SharedPtr<app::CircleEntity> circle =
+                                  AddCircle(0.3f, math::Vec2(0.4f, 0.2f));
+                              circle->SetColor(math::Vec4(0.2f, 1, 0.4f, 0.6f));
+                              return util::SharedPtr<app::Entity>(circle);
+                          },
+                          {{0.25f, 0.2f},
+                           {0.4f, 0.35f},
+                           {0.6f, 0.2f},
+                           {0.1f + Px(1.5f), 0.2f},
+                           {0.4f, 0.5f - Px(1.5f)},
+                           {0.1f - Px(2), 0.2f}}});
+        probes.push_back({"polygon",
+                          [this]
+                          {
+                              util::SharedPtr<app::PolyEntity> poly = QLEX_NEW new app::PolyEntity(
+                                  QLEX_NEW new physics::Polygon(physics::testing::RegularPolygonPoints(
+                                      math::Vec2(0.1f, -0.05f), 0.5f, 16)));
+                              TheScene().AddEntity(poly);
+                              poly->SetColor(math::Vec4(0.3f, 0.3f, 1, 1));
+                              return util::SharedPtr<app::Entity>(poly);
+                          },
+                          {{0.1f, -0.05f},
+                           {0.4f, 0.05f},
+                           {-0.4f + Px(1.5f), -0.05f},
+                           {0.1f, 0.45f - Px(1.5f)},
+                           {0.6f + Px(3), -0.05f}}});
+        probes.push_back(
+            {"plane",
+             [this]
+             {
+                 util::SharedPtr<app::PlaneEntity> floor = AddFloor(-0.5f);
+                 floor->SetColor(math::Vec4(1, 1, 0, 1));
+                 return util::SharedPtr<app::Entity>(floor);
+             },
+             {{-0.9f, -0.7f}, {0.9f, -0.5f - Px(1.5f)}, {0.0f, -0.5f - bw - Px(2)}, {0.0f, -0.5f + Px(2)}}});
+        return probes;
+    }
+};
+
+TEST_F(ShadedDrawingGLTest, ShadedShapesShowTheColoursOfTheFixedFunctionPictures)
+{
+    if (!rendering::HasShaderSupport())
+        GTEST_SKIP() << "this GL runs no shaders";
+    CompareShadedWithFixed(Probes(), Px(1), DrawAlone, PixelAt, true);
+}
+
+// Run by its own test entry with the shader objects hidden from GL.
+TEST_F(ShadedDrawingGLTest, WithoutShaderSupportTheFixedPicturesStandInAfterOneWarning)
+{
+    if (rendering::HasShaderSupport())
+        GTEST_SKIP() << "this GL runs shaders: hide GL_ARB_vertex_program with MESA_EXTENSION_OVERRIDE";
+    std::vector<std::string> warnings;
+    util::SharedPtr<logging::ILogger> sink = QLEX_NEW new logging::FunctionLogger(
+        logging::Warning, [&warnings](const std::string& text) { warnings.push_back(text); });
+    logging::Logger::GetInstancePtr()->AddLogger(sink);
+    // Twice over: the second round neither tries the programs again nor says anything.
+    CompareShadedWithFixed(Probes(), Px(1), DrawAlone, PixelAt, false);
+    CompareShadedWithFixed(Probes(), Px(1), DrawAlone, PixelAt, false);
+    logging::Logger::GetInstancePtr()->RemoveLogger(sink);
+    ASSERT_EQ(warnings.size(), 1u) << (warnings.empty() ? "" : warnings.back());
+    EXPECT_NE(warnings[0].find("This system doesn't support shaders"), std::string::npos) << warnings[0];
+}
