@@ -43,13 +43,16 @@ template <class Build> void RunScene(benchmark::State& state, Build build)
     scenes::ResetWorld();
 }
 
+// The second argument switches the broadphase: 1 on, 0 every pair.
 void Pyramid_Boxes(benchmark::State& state)
 {
     const int rows = static_cast<int>(state.range(0));
+    const bool broadphase = state.range(1) != 0;
     RunScene(state,
-             [rows]
+             [rows, broadphase]
              {
                  Simulation::GetInstancePtr()->m_airSwitch = false;
+                 Simulation::GetInstancePtr()->m_broadphase = broadphase;
                  scenes::BuildPyramid(rows, scenes::Shape::Box);
              });
 }
@@ -106,7 +109,10 @@ void Polygon_Construction(benchmark::State& state)
 }
 } // namespace
 
-BENCHMARK(Pyramid_Boxes)->Arg(10)->Arg(20)->Arg(30)->Unit(benchmark::kMillisecond);
+BENCHMARK(Pyramid_Boxes)
+    ->ArgsProduct({{10, 20, 30, 50, 100}, {0, 1}})
+    ->ArgNames({"rows", "broadphase"})
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(Pyramid_Polygons)->Arg(10)->Arg(20)->Arg(30)->Unit(benchmark::kMillisecond);
 BENCHMARK(Circles_InContainer)->Arg(500)->Unit(benchmark::kMillisecond);
 BENCHMARK(Water_Tank)->Arg(1000)->Arg(4000)->Arg(16000)->Unit(benchmark::kMillisecond);

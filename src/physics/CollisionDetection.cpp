@@ -491,6 +491,16 @@ void Collider::Collide(util::VectorPOD<Contact*>& out)
                 PlaneBox(*plane, *box, out);
         }
     }
+    if (m_useBroadphase)
+        CollideCandidatePairs(out);
+    else
+        CollideAllPairs(out);
+    if (!m_particles.empty())
+        CollideWater(out);
+}
+
+void Collider::CollideAllPairs(util::VectorPOD<Contact*>& out)
+{
     {
         const util::ScopeProfiler profile("Polygon-Polygon");
         const size_t n = m_polygons.size();
@@ -530,8 +540,70 @@ void Collider::Collide(util::VectorPOD<Contact*>& out)
             for (CircleHull& c : m_circles)
                 BoxCircle(*box, *c.circle, out);
     }
-    if (!m_particles.empty())
-        CollideWater(out);
+}
+
+template <class F> void Collider::RunStage(Broadphase::Stage stage, size_t& next, F collide)
+{
+    const size_t n = m_broadphase.GetPairCount();
+    for (; next < n; ++next)
+    {
+        const Broadphase::Pair pair = m_broadphase.GetPair(next);
+        if (pair.stage != stage)
+            break;
+        collide(pair.outer, pair.inner);
+    }
+}
+
+void Collider::CollideCandidatePairs(util::VectorPOD<Contact*>& out)
+{
+    {
+        const util::ScopeProfiler profile("Broadphase");
+        m_broadphase.Clear();
+        for (const PolyHull& p : m_polygons)
+            m_broadphase.AddPolygon(*p.polygon);
+        for (const CircleHull& c : m_circles)
+            m_broadphase.AddCircle(*c.circle);
+        for (const Box* box : m_boxes)
+            m_broadphase.AddBox(*box);
+        m_broadphase.FindPairs();
+    }
+    // The same pair functions as CollideAllPairs, on the candidates in the same order.
+    size_t next = 0;
+    {
+        const util::ScopeProfiler profile("Polygon-Polygon");
+        RunStage(Broadphase::POLYGON_POLYGON, next,
+                 [&](std::uint32_t i, std::uint32_t j)
+                 { PolygonPolygon(*m_polygons[i].polygon, *m_polygons[j].polygon, out); });
+    }
+    {
+        const util::ScopeProfiler profile("Circle-Circle");
+        RunStage(Broadphase::CIRCLE_CIRCLE, next,
+                 [&](std::uint32_t i, std::uint32_t j)
+                 { CircleCircle(*m_circles[i].circle, *m_circles[j].circle, out); });
+    }
+    {
+        const util::ScopeProfiler profile("Circle-Polygon");
+        RunStage(Broadphase::CIRCLE_POLYGON, next,
+                 [&](std::uint32_t c, std::uint32_t p)
+                 { CirclePolygon(*m_circles[c].circle, *m_polygons[p].polygon, out); });
+    }
+    {
+        const util::ScopeProfiler profile("Box-Box");
+        RunStage(Broadphase::BOX_BOX, next,
+                 [&](std::uint32_t i, std::uint32_t j) { BoxBox(*m_boxes[i], *m_boxes[j], out); });
+    }
+    {
+        const util::ScopeProfiler profile("Box-Polygon");
+        RunStage(Broadphase::BOX_POLYGON, next,
+                 [&](std::uint32_t b, std::uint32_t p)
+                 { BoxPolygon(*m_boxes[b], *m_polygons[p].polygon, out); });
+    }
+    {
+        const util::ScopeProfiler profile("Box-Circle");
+        RunStage(Broadphase::BOX_CIRCLE, next,
+                 [&](std::uint32_t b, std::uint32_t c)
+                 { BoxCircle(*m_boxes[b], *m_circles[c].circle, out); });
+    }
 }
 
 void Collider::CollideWater(util::VectorPOD<Contact*>& out)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "physics/Broadphase.h"
 #include "physics/ContactPool.h"
 #include "physics/Geom.h"
 #include "util/SharedPtr.h"
@@ -32,10 +33,11 @@ struct CircleHull
     BoundingCircle bounds;
 };
 
-// Turns the present poses into raw contacts, once a step. Shapes are sorted by kind into flat lists and
-// each pair of lists is walked by plain nested loops: the filter first, then a quick bounding test, then
-// exact work. Water takes its own path, in which whole shapes are tested against the box around all
-// particles before any particle is looked at.
+// Turns the present poses into raw contacts, once a step. Shapes are sorted by kind into flat lists, and
+// the pairs of each two lists are tried in the order of nested loops: the filter first, then a quick
+// bounding test, then exact work. With the broadphase only the pairs whose boxes meet are tried, in the
+// same order, so the contacts are the same, contact for contact. Water takes its own path, in which whole
+// shapes are tested against the box around all particles before any particle is looked at.
 class Collider
 {
 public:
@@ -44,8 +46,13 @@ public:
     // Appends contacts from the collider's pool; the caller takes references to those it keeps, and a
     // contact is reused in a later call once the pool is its only holder.
     void Collide(util::VectorPOD<Contact*>& out);
+    void SetBroadphase(bool on) { m_useBroadphase = on; }
 
 private:
+    void CollideAllPairs(util::VectorPOD<Contact*>& out);
+    void CollideCandidatePairs(util::VectorPOD<Contact*>& out);
+    // Runs `collide` on the candidates of the stage, from `next` on, and leaves `next` after them.
+    template <class F> void RunStage(Broadphase::Stage stage, size_t& next, F collide);
     void CollideWater(util::VectorPOD<Contact*>& out);
     // CollideParticle for every particle, from the copied positions.
     template <class T> void CollideWaterWith(T& shape, util::VectorPOD<Contact*>& out);
@@ -57,6 +64,8 @@ private:
     util::VectorPOD<Particle*> m_particles;
     util::VectorPOD<math::Vec2> m_positions;
     ContactPool m_contactPool;
+    Broadphase m_broadphase;
+    bool m_useBroadphase = true;
     // A particle meets shapes as a small circle of this radius; pressure among particles gives the rest of
     // the water's volume.
     float m_waterContactDistance = 0.0f;

@@ -82,8 +82,9 @@ Simulation::Simulation()
       m_solvePreSortConstraints(this, "solvePreSortConstraints", true), m_leapFrog(this, "leapFrog", true),
       m_adHocSolver(this, "adHocSolver", false), m_warmStart(this, "warmStart", true),
       m_warmStartFactor(this, "warmStartFactor", 0.5f),
-      m_maxPositionCorrection(this, "maxPositionCorrection", math::INF), m_solidBodies(3), m_joints(3),
-      m_hinges(3), m_contactCache(3), m_stepCallbacks(*new util::CallbackArgSet<float>())
+      m_maxPositionCorrection(this, "maxPositionCorrection", math::INF),
+      m_broadphase(this, "broadphase", true), m_solidBodies(3), m_joints(3), m_hinges(3), m_contactCache(3),
+      m_stepCallbacks(*new util::CallbackArgSet<float>())
 {
     m_running->AddChangeCallback(util::MakeCallback(&Simulation::OnRunningChange, this));
     AddCmd("time", [] { return script::ValueToObject(static_cast<float>(GetSimTime())); });
@@ -378,6 +379,7 @@ void Simulation::CalcContacts()
     {
         const util::ScopeProfiler stage("Finding contacts");
         m_collider.AssignBodies(m_solidBodiesList, m_particles);
+        m_collider.SetBroadphase(m_broadphase);
         m_rawContacts.clear();
         m_collider.Collide(m_rawContacts);
         m_contacts.clear();

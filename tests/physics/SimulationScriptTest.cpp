@@ -81,6 +81,7 @@ TEST_F(SimulationScriptTest, SettingsSaveUnderTheirNamesWithTheirDefaults)
                                   "Sim.airFrictionLinear = 0.00999999978;\n"
                                   "Sim.airFrictionQuadratic = 0.0;\n"
                                   "Sim.airSwitch = true;\n"
+                                  "Sim.broadphase = true;\n"
                                   "Sim.defaultBodyDensity = 2.0;\n"
                                   "Sim.defaultBodyFriction = 0.5;\n"
                                   "Sim.defaultBodyRestitution = 0.5;\n"
