@@ -2,7 +2,9 @@
 
 #include "input/Clipboard.h"
 #include "input/Clock.h"
+#include "input/JoyDirInput.h"
 #include "input/Key.h"
+#include "input/KeyState.h"
 #include "logging/Log.h"
 #include "util/Profiler.h"
 
@@ -34,9 +36,15 @@ Input::Input()
     : InputDelegator(PRIORITY), m_mousePos(0.0f, 0.0f), m_clickState(Idle), m_pressTime(0.0),
       m_pressPos(0.0f, 0.0f), m_pressButton(static_cast<SDLKey>(0)), m_clickCount(0)
 {
+    KeyState::SetSource([this](SDLKey key) { return IsKeyDown(key); });
+    DirInput::SetJoystickMaker(&MakeJoystickDirInput);
 }
 
-Input::~Input() = default;
+Input::~Input()
+{
+    KeyState::SetSource(nullptr);
+    DirInput::SetJoystickMaker(nullptr);
+}
 
 bool Input::IsUp()
 {
