@@ -176,12 +176,32 @@ class HingeKeyTurnsItsBody(Case):
         check(abs(by_x[2 if 2 in by_x else 1]) < 0.01, "the other box stood still: %s" % by_x)
 
 
+class DestroyAndMirrorKeys(Case):
+    """A box's destroy key takes it out of the scene; a mirror key turns the two boxes that share it over
+    together, about one axis, so that they change sides; a box with no key bound stays."""
+    scene = scene_text(STILL + box(-2.0, 1.0, 0.4, 'buttonDestroy = "d"; ') +
+                       box(-1.0, -1.0, 0.3, 'buttonMirror = "k"; ') + box(1.0, -1.0, 0.6, 'buttonMirror = "k"; ') +
+                       box(0.0, 2.0, 0.5))
+
+    def run(self, s):
+        s.key("d")
+        s.key("k")
+
+    def after(self, s):
+        found = {round(float(vector(b["size"])[0]), 1): vector(b["pos"]) for b in boxes(s)}
+        check(0.4 not in found, "the destroyed box is gone: %s" % found)
+        check(found.get(0.3, [0])[0] > 0.5 and found.get(0.6, [0])[0] < -0.5,
+              "the mirrored boxes changed sides: %s" % found)
+        check(near(found.get(0.5, []), (0.0, 2.0), 1e-3), "the free box stays: %s" % found)
+
+
 class SpaceStartsAndStops(Case):
     """Space starts the simulation (the box falls) and space again stops it (the picture stands)."""
     scene = scene_text("App.Background.drawClouds = false;\n" + box(0.0, 0.0, 0.6))
 
     def column(self, s):
-        return [s.pixel(512, y) for y in range(0, 768, 4)]
+        pixel = s.screen()
+        return [pixel(512, y) for y in range(0, 768, 4)]
 
     def run(self, s):
         s.wait(0.3)
@@ -211,4 +231,5 @@ CASES = {
     "middle_and_right_drags_pan": MiddleAndRightDragsPan,
     "hinge_key_turns_its_body": HingeKeyTurnsItsBody,
     "space_starts_and_stops": SpaceStartsAndStops,
+    "destroy_and_mirror_keys": DestroyAndMirrorKeys,
 }

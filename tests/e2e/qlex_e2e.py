@@ -15,6 +15,7 @@ import struct
 import subprocess
 import tempfile
 import time
+import zlib
 
 WINDOW = (1024, 768)
 ZOOM = 150.0
@@ -245,20 +246,37 @@ class Session:
     def saved_scene(self):
         return self.read("scenes/_ONEXITSAVE.qlx")
 
-    def pixel(self, x, y):
-        """The colour of a window pixel, from the frame buffer file of the Xvfb screen."""
+    def screen(self):
+        """A reader of window pixels over the frame buffer file of the Xvfb screen (an XWD image), as it is
+        now: pixel(x, y) gives (r, g, b)."""
         with open(os.path.join(self.fbdir, "Xvfb_screen0"), "rb") as f:
             data = f.read()
         fields = struct.unpack(">20I", data[:80])
         header_size, byte_order, bits_per_pixel, bytes_per_line = fields[0], fields[7], fields[11], fields[12]
-        red_mask, green_mask, blue_mask, ncolors = fields[14], fields[15], fields[16], fields[19]
-        offset = header_size + ncolors * 12 + y * bytes_per_line + x * bits_per_pixel // 8
-        value = struct.unpack("<I" if byte_order == 0 else ">I", data[offset:offset + 4])[0]
+        masks, ncolors = fields[14:17], fields[19]
+        shifts = [(m & -m).bit_length() - 1 for m in masks]
+        start = header_size + ncolors * 12
+        form = "<I" if byte_order == 0 else ">I"
 
-        def channel(mask):
-            shift = (mask & -mask).bit_length() - 1
-            return (value & mask) >> shift
-        return (channel(red_mask), channel(green_mask), channel(blue_mask))
+        def pixel(x, y):
+            offset = start + y * bytes_per_line + x * bits_per_pixel // 8
+            value = struct.unpack(form, data[offset:offset + 4])[0]
+            return tuple((value & m) >> sh for m, sh in zip(masks, shifts))
+        return pixel
+
+    def pixel(self, x, y):
+        return self.screen()(x, y)
+
+    def screenshot(self, path):
+        """The window as a PNG, to look at what a case left on the screen."""
+        pixel = self.screen()
+        rows = b"".join(b"\0" + bytes(c for x in range(WINDOW[0]) for c in pixel(x, y)) for y in range(WINDOW[1]))
+
+        def chunk(kind, body):
+            return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
+        with open(path, "wb") as f:
+            f.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", WINDOW[0], WINDOW[1], 8, 2, 0, 0, 0)) +
+                    chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
 
 
 def entity_records(scene, kind):
