@@ -8,7 +8,7 @@ packages=(
   libsdl1.2-dev libsdl-image1.2-dev libglew-dev libglu1-mesa-dev mesa-common-dev libgl1-mesa-dri
   libx11-dev libboost-dev libfreetype-dev fonts-dejavu-core
   libgtest-dev libgmock-dev libbenchmark-dev libbox2d-dev
-  xvfb xauth xdotool python3
+  xvfb xauth xdotool xclip python3
   desktop-file-utils shared-mime-info xdg-utils libfile-mimeinfo-perl libglib2.0-bin
 )
 

@@ -53,7 +53,13 @@ AppSettings::AppSettings()
       m_simpleWater(m_reflected.get(), "simpleWater", false),
       m_waterFanceyFactor(m_reflected.get(), "waterFanceyFactor", 10.0f),
       m_borders(m_reflected.get(), "borders", true), m_guiReflected(QLEX_NEW new script::Reflected("GUI")),
-      m_trapUser(m_guiReflected.get(), "trapUser", false), m_guiScale([] { return 1.0f; })
+      m_zoomFactor(m_guiReflected.get(), "zoomFactor", Camera::DEFAULT_ZOOM_FACTOR),
+      m_freeDrawing(m_guiReflected.get(), "freeDrawing", false),
+      m_autoGlue(m_guiReflected.get(), "autoGlue", false),
+      m_leftClickMenus(m_guiReflected.get(), "leftClickMenus", false),
+      m_drawHingesWhenRunning(m_guiReflected.get(), "drawHingesWhenRunning", true),
+      m_trapUser(m_guiReflected.get(), "trapUser", false),
+      m_simpleMode(m_guiReflected.get(), "simpleMode", false), m_guiScale([] { return 1.0f; })
 {
     m_reflected->AddReflectedChild(m_sky.GetReflected());
     m_reflected->AddReflectedChild(m_guiReflected);

@@ -97,8 +97,20 @@ private:
     util::SharedPtr<script::Reflected> m_guiReflected;
 
 public:
-    // "App.GUI.trapUser": no way out of the program while set.
+    // "App.GUI": the interface's settings. They stand here, with the document's, so that configuration and
+    // scene files that set them read the same in every program.
+    // The wheel zooms by 2 to the power of this per notch.
+    script::AttribWrapper<float> m_zoomFactor;
+    script::AttribWrapper<bool> m_freeDrawing;
+    // What is placed sticks to the background.
+    script::AttribWrapper<bool> m_autoGlue;
+    // A plain left click opens the popup menu as a right click does.
+    script::AttribWrapper<bool> m_leftClickMenus;
+    script::AttribWrapper<bool> m_drawHingesWhenRunning;
+    // No way out of the program while set.
     script::AttribWrapper<bool> m_trapUser;
+    // Menus and panels show less.
+    script::AttribWrapper<bool> m_simpleMode;
 
 private:
     std::function<float()> m_guiScale;

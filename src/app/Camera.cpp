@@ -1,5 +1,6 @@
 #include "app/Camera.h"
 
+#include "app/AppSettings.h"
 #include "app/Group.h"
 #include "app/entities/FiniteGeomEntity.h"
 #include "logging/Log.h"
@@ -100,7 +101,9 @@ void Camera::PanView(const math::Vec2& guiDelta)
 
 void Camera::ZoomView(float amount)
 {
-    m_zoom *= std::pow(2.0f, m_zoomFactor * amount);
+    const float factor =
+        AppSettings::Exists() ? AppSettings::GetInstancePtr()->m_zoomFactor.Get() : DEFAULT_ZOOM_FACTOR;
+    m_zoom *= std::pow(2.0f, factor * amount);
     OnChange();
 }
 

@@ -50,9 +50,8 @@ public:
 
     // Moves the view with a drag of `guiDelta`: the world follows the mouse.
     void PanView(const math::Vec2& guiDelta);
-    // Zooms by 2^(zoomFactor * amount).
+    // Zooms by 2^(zoomFactor * amount), with the interface's "zoomFactor" (App.GUI) where it stands.
     void ZoomView(float amount);
-    void SetZoomFactor(float factor) { m_zoomFactor = factor; }
     void Reset();
 
     // Following: the source gives the target's centre each update, or something not finite once the
@@ -78,7 +77,6 @@ private:
     CenterSource m_trackedSource;
 
     math::Vec2 m_viewSize;
-    float m_zoomFactor = DEFAULT_ZOOM_FACTOR;
     bool m_panToolActive = false;
 
     script::AttribWrapper<math::Vec2> m_panAttrib;

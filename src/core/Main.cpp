@@ -53,6 +53,17 @@ void JoinSubsystems(core::Subsystem& subsystem)
     gui->GetMainComponent()->AddComponent(app::App::GetInstancePtr());
     app::Scene::GetInstancePtr()->SetWindowTitleSink([&subsystem](const util::String& title)
                                                      { subsystem.SetTitle(title); });
+    app::AppGUI::ShellActions shell;
+    shell.exit = [&subsystem] { subsystem.Exit(); };
+    // Recreated later, outside the event delivery that asked for it: a new window reloads every resource.
+    shell.toggleFullscreen = [&subsystem]
+    {
+        subsystem.DoLater(QLEX_NEW new util::Callback(
+            [&subsystem]
+            { subsystem.CreateWindow(core::FullscreenToggled(subsystem.GetCurrentParams(), DisplaySize())); },
+            app::App::GetInstancePtr()));
+    };
+    app::AppGUI::SetShellActions(std::move(shell));
     Log(logging::Debug, "Application created");
 }
 

@@ -32,4 +32,24 @@ WindowParams FirstRunParams(const std::optional<math::TVector2<int>>& display)
     }
     return params;
 }
+WindowParams FullscreenToggled(WindowParams params, const std::optional<math::TVector2<int>>& display)
+{
+    const WindowParams standard;
+    const math::TVector2<int> size = display ? *display : standard.GetResolution();
+    if (params.fullscreen)
+    {
+        params.fullscreen = false;
+        params.resizable = true;
+        params.width = std::min(standard.width, size.x);
+        params.height = std::min(standard.height, size.y);
+    }
+    else
+    {
+        params.fullscreen = true;
+        params.resizable = false;
+        params.SetResolution(size);
+    }
+    return params;
+}
+
 } // namespace core

@@ -35,6 +35,10 @@ struct WindowParams
 // The size brought into 1..MAX_SIZE and, when the display's size is known, no larger than the display.
 WindowParams ClampWindowSize(WindowParams params, const std::optional<math::TVector2<int>>& display);
 
+// The other of full screen and window: full screen takes the display's size (1024 x 768 where it tells
+// nothing); a window is resizable and no larger than 1024 x 768 or the display.
+WindowParams FullscreenToggled(WindowParams params, const std::optional<math::TVector2<int>>& display);
+
 // The size for a first run: the default window, kept off the screen's edges (and task bars) by a margin.
 WindowParams FirstRunParams(const std::optional<math::TVector2<int>>& display);
 } // namespace core

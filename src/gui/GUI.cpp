@@ -1,6 +1,7 @@
 #include "gui/GUI.h"
 
 #include "gui/LookAndFeel.h"
+#include "input/ButtonInput.h"
 #include "input/Input.h"
 #include "rendering/AttribPusher.h"
 #include "rendering/Renderer.h"
@@ -58,6 +59,7 @@ GUI::GUI()
     input->AddListener(m_profilerKeys);
     // Added after the profiler at the same priority, the root gets events first.
     input->AddListener(m_rootComponent);
+    input::ButtonInput::SetHost(m_rootComponent.get());
     SetPriority(PRIORITY);
     input->AddListener(this);
     input::Input::SetSettings(this);
@@ -75,6 +77,7 @@ GUI::GUI()
 
 GUI::~GUI() noexcept
 {
+    input::ButtonInput::SetHost(nullptr);
     if (input::Input::IsUp())
     {
         input::Input* input = input::Input::GetInstancePtr();

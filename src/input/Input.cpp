@@ -2,7 +2,9 @@
 
 #include "input/Clipboard.h"
 #include "input/Clock.h"
+#include "input/JoyDirInput.h"
 #include "input/Key.h"
+#include "input/KeyState.h"
 #include "logging/Log.h"
 #include "util/Profiler.h"
 
@@ -34,9 +36,15 @@ Input::Input()
     : InputDelegator(PRIORITY), m_mousePos(0.0f, 0.0f), m_clickState(Idle), m_pressTime(0.0),
       m_pressPos(0.0f, 0.0f), m_pressButton(static_cast<SDLKey>(0)), m_clickCount(0)
 {
+    KeyState::SetSource([this](SDLKey key) { return IsKeyDown(key); });
+    DirInput::SetJoystickMaker(&MakeJoystickDirInput);
 }
 
-Input::~Input() = default;
+Input::~Input()
+{
+    KeyState::SetSource(nullptr);
+    DirInput::SetJoystickMaker(nullptr);
+}
 
 bool Input::IsUp()
 {
@@ -423,7 +431,20 @@ KeyEvent BuildKeyEvent(const SDL_Event& event, bool pressed)
     }
     const math::Vec2 position =
         Input::IsUp() ? Input::GetInstancePtr()->GetMousePos() : math::Vec2(0.0f, 0.0f);
-    return KeyEvent(key, character, pressed, position);
+    KeyEvent result(key, character, pressed, position);
+    if (Input::IsUp())
+    {
+        // The modifiers as they stood when this key went down or up. SDL's present modifier state has
+        // already seen every event of the queue: a quick Ctrl+Q arrives with Ctrl released by then.
+        const Input& input = *Input::GetInstancePtr();
+        const SDLMod mod = event.key.keysym.mod;
+        auto held = [&input, mod](int bits, SDLKey left, SDLKey right)
+        { return (mod & bits) != 0 && (input.IsKeyDown(left) || input.IsKeyDown(right)); };
+        result.shift = held(KMOD_SHIFT, SDLK_LSHIFT, SDLK_RSHIFT);
+        result.ctrl = held(KMOD_CTRL, SDLK_LCTRL, SDLK_RCTRL) || held(KMOD_META, SDLK_LMETA, SDLK_RMETA);
+        result.alt = held(KMOD_ALT, SDLK_LALT, SDLK_RALT);
+    }
+    return result;
 }
 
 std::string Plural(std::string word, int count)

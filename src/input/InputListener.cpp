@@ -1,6 +1,6 @@
 #include "input/InputListener.h"
 
-#include "input/Input.h"
+#include "input/KeyState.h"
 
 namespace input
 {
@@ -31,7 +31,7 @@ bool InputListener::IsKeyDown(SDLKey key) const
     auto found = m_keysPressed.find(key);
     if (found == m_keysPressed.end() || !found->second)
         return false;
-    return Input::IsUp() && Input::GetInstancePtr()->IsKeyDown(key);
+    return KeyState::IsDown(key);
 }
 
 } // namespace input

@@ -66,3 +66,25 @@ TEST(WindowParams, FirstRunKeepsAMarginToTheScreenEdges)
     EXPECT_EQ(unknown.width, 1024);
     EXPECT_EQ(unknown.height, 768);
 }
+
+TEST(WindowParams, FullscreenToggleTakesTheDisplayAndComesBackToAWindowThatFits)
+{
+    core::WindowParams window;
+    window.width = 800;
+    window.height = 600;
+    window.vSync = true;
+    const core::WindowParams full = core::FullscreenToggled(window, math::TVector2<int>(1920, 1080));
+    EXPECT_TRUE(full.fullscreen);
+    EXPECT_FALSE(full.resizable);
+    EXPECT_EQ(full.GetResolution(), math::TVector2<int>(1920, 1080));
+    EXPECT_TRUE(full.vSync);
+
+    const core::WindowParams back = core::FullscreenToggled(full, math::TVector2<int>(1920, 1080));
+    EXPECT_FALSE(back.fullscreen);
+    EXPECT_TRUE(back.resizable);
+    EXPECT_EQ(back.GetResolution(), math::TVector2<int>(1024, 768));
+    // A small display bounds the window; one that tells nothing counts as 1024 x 768.
+    EXPECT_EQ(core::FullscreenToggled(full, math::TVector2<int>(800, 600)).GetResolution(),
+              math::TVector2<int>(800, 600));
+    EXPECT_EQ(core::FullscreenToggled(window, std::nullopt).GetResolution(), math::TVector2<int>(1024, 768));
+}

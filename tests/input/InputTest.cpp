@@ -320,3 +320,22 @@ TEST(BuildKeyEvent, MakesUpTheCharacterWhereSDLGivesNone)
     input->HandleEvent(KeyboardEvent(false, SDLK_RSHIFT));
     SDL_SetModState(KMOD_NONE);
 }
+
+TEST(BuildKeyEvent, ModifiersAreThoseOfTheEventNotOfTheQueuesEnd)
+{
+    // A quick Ctrl+Q: by the time the q is handled, SDL's state has seen Ctrl go up already.
+    Input* input = Input::GetInstancePtr();
+    SDL_SetModState(KMOD_LCTRL);
+    input->HandleEvent(KeyboardEvent(true, SDLK_LCTRL));
+    const SDL_Event q = KeyboardEvent(true, SDLK_q);
+    SDL_SetModState(KMOD_NONE);
+    const KeyEvent event = BuildKeyEvent(q, true);
+    EXPECT_TRUE(event.ctrl);
+    EXPECT_FALSE(event.shift);
+    EXPECT_FALSE(event.alt);
+    // A modifier bit without its key down (a key held while the window had no focus) counts for nothing.
+    input->HandleEvent(KeyboardEvent(false, SDLK_LCTRL));
+    SDL_SetModState(KMOD_LCTRL);
+    EXPECT_FALSE(BuildKeyEvent(KeyboardEvent(true, SDLK_q), true).ctrl);
+    SDL_SetModState(KMOD_NONE);
+}

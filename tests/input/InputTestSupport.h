@@ -128,6 +128,8 @@ inline SDL_Event KeyboardEvent(bool down, SDLKey key, Uint16 unicode = 0)
     e.key.state = down ? SDL_PRESSED : SDL_RELEASED;
     e.key.keysym.sym = key;
     e.key.keysym.unicode = unicode;
+    // As SDL does: the modifiers as they stand when the event is queued.
+    e.key.keysym.mod = SDL_GetModState();
     return e;
 }
 

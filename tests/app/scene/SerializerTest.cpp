@@ -247,10 +247,9 @@ using scenetest::SceneTest;
 
 TEST_F(SceneTest, Serializer_FailedRecordsLeaveNoPhysicsBehind)
 {
-    // Each of these fails after its object was made: a key with no such button, a colour of one number, a
-    // negative chain index. None may leave a pin, a weld or a wall that the scene doesn't show.
+    // Each of these fails after its object was made: a colour of one number, a negative chain index. None may
+    // leave a weld or a wall that the scene doesn't show.
     Run("Scene.addBox {pos = [0, 0]; color = [0.5, 0.5, 0.5, 1]}");
-    Run("Scene.addHinge {pos = [0, 0]; buttonForward = \"zz\"}");
     Run("Scene.addFixjoint {pos = [0, 0]; color = [1]}");
     Run("Scene.addBox {pos = [3, 0]; body = 0; chain = 1; chainNr = -1}");
     Run("Scene.addCircle {pos = [3, 2]; radius = 0.5}");
@@ -265,6 +264,19 @@ TEST_F(SceneTest, Serializer_FailedRecordsLeaveNoPhysicsBehind)
     EXPECT_LT(boxes[0]->GetGeom()->GetPosition().y, -4.0f);
     EXPECT_LT(circles[0]->GetGeom()->GetPosition().y, -1.0f);
     EXPECT_EQ(physics::Simulation::GetInstancePtr()->GetWorldBody()->GetGeoms().size(), 1u);
+}
+
+TEST_F(SceneTest, Serializer_AnUnknownKeyNameLeavesTheHingeWithTheKeysItCouldRead)
+{
+    Run("Scene.addBox {pos = [0, 0]}");
+    Run("Scene.addHinge {pos = [0, 0]; buttonForward = \"zz\"; buttonBack = \"left_ctrl qq a\"}");
+    const auto hinges = All<app::HingeEntity>();
+    ASSERT_EQ(hinges.size(), 1u);
+    EXPECT_FALSE(hinges[0]->m_buttonForward.IsBound());
+    EXPECT_EQ(hinges[0]->m_buttonBack.Serialize(), "left_ctrl a");
+    const std::string saved = Save();
+    EXPECT_EQ(saved.find("buttonForward"), std::string::npos) << saved;
+    EXPECT_NE(saved.find("buttonBack = \"left_ctrl a\""), std::string::npos) << saved;
 }
 } // namespace
 
