@@ -280,8 +280,8 @@ void BoxBox(Box& a, Box& b, util::VectorPOD<Contact*>& out)
 
     // Separating axes: the two axes of each box.
     float bestSep[2];
-    math::Vec2 bestNormal[2];
-    int bestAxis[2];
+    math::Vec2 bestNormal[2] = {boxes[0]->axis[0], boxes[1]->axis[0]};
+    int bestAxis[2] = {0, 0};
     for (int i = 0; i < 2; ++i)
     {
         const math::OBB2D& own = *boxes[i];
@@ -294,7 +294,8 @@ void BoxBox(Box& a, Box& b, util::VectorPOD<Contact*>& out)
             const float proj = math::Dot(d, axis);
             const float sign = proj < 0.0f ? -1.0f : 1.0f;
             const float sep = std::fabs(proj) - own.ProjectedRadius(axis) - other.ProjectedRadius(axis);
-            if (sep > 0.0f)
+            // A NaN separation (a box with a non-finite pose) counts as separated: no contact can be made.
+            if (!(sep <= 0.0f))
                 return;
             if (sep >= bestSep[i])
             {
