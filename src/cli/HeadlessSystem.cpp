@@ -26,6 +26,7 @@ HeadlessSystem::HeadlessSystem()
 {
     AddMemberCmd("exit", &HeadlessSystem::Exit);
     script::AddClockAndObjectCountCommands(*this);
+    script::AddRandomSeedAttribute(*this);
     AddVoidCmd("recreateWindow", [] { Log(logging::Info, "There is no window to recreate in qlex-cli"); });
 }
 

@@ -143,6 +143,7 @@ void Subsystem::AddScriptMembers()
 
     system.AddVoidCmd("exit", [this] { Exit(); });
     script::AddClockAndObjectCountCommands(system);
+    script::AddRandomSeedAttribute(system);
     system.AddVoidCmd("recreateWindow", [this] { ApplyParserConfig(); });
 }
 
