@@ -146,8 +146,9 @@ template <class T> void TAttrib<T>::CalcValueFromObject()
         T value = ObjectToValue<T>(ExpandObject(GetObject()));
         if (!m_settingFromProgram && (HasNaN(value) || (m_finiteOnly && !IsFiniteValue(value))))
         {
-            Log(logging::Error, GetLongName() + " must be a finite number, not " + ValueToObject(value)->ToText() +
-                                    "; it keeps " + ValueToObject(GetImpl())->ToText());
+            Log(logging::Error, GetLongName() + " must be a finite number, not " +
+                                    ValueToObject(value)->ToText() + "; it keeps " +
+                                    ValueToObject(GetImpl())->ToText());
             Variable::SetObject(ValueToObject(GetImpl()));
             RemoveDynamicAttribute(this);
             return;

@@ -142,7 +142,8 @@ void Entity::Deserialize(const EntitySerializer& serializer)
     if (serializer.Has("zDepth"))
     {
         // Infinite depth is an entity's "no depth yet"; NaN would break the scene's ordering.
-        const float depth = script::ObjectToValue<float>(script::ExpandObject(serializer.GetObject("zDepth")));
+        const float depth =
+            script::ObjectToValue<float>(script::ExpandObject(serializer.GetObject("zDepth")));
         QLEX_DATA_ASSERT(!math::IsNaN(depth));
         m_zDepth = depth;
     }
