@@ -24,6 +24,8 @@ public:
     void SetOutside(float x) { m_outside = x < 0.0f ? 0.0f : x; }
     void OnSpeed() { ++m_speedChanges; }
 
+    // Before the attributes: the outside one reads it when it is made.
+    float m_outside = 2.0f;
     script::AttribWrapper<float> speed;
     script::AttribWrapper<bool> on;
     script::AttribWrapper<math::Vec2> gravity;
@@ -33,7 +35,6 @@ public:
     script::AttribWrapper<float> outside;
     int m_remoteValue = 7;
     script::AttribWrapper<int> remote;
-    float m_outside = 2.0f;
     int m_speedChanges = 0;
 };
 
