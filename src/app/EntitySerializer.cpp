@@ -25,6 +25,40 @@ template <class T> bool TypedValue(const script::VariablePtr& var, script::Objec
     return true;
 }
 
+// The numbers of a record are positions, sizes and angles: none of them may be NaN or infinite, which
+// would poison the simulation and could not be saved so that it reads back.
+template <class T> bool IsFiniteValue(const T&)
+{
+    return true;
+}
+bool IsFiniteValue(float x)
+{
+    return math::IsFiniteFloat(x);
+}
+template <class V> bool IsFiniteVector(const V& v)
+{
+    return math::IsFinite(v);
+}
+bool IsFiniteValue(const math::Vec2& v)
+{
+    return IsFiniteVector(v);
+}
+bool IsFiniteValue(const math::Vec3& v)
+{
+    return IsFiniteVector(v);
+}
+bool IsFiniteValue(const math::Vec4& v)
+{
+    return IsFiniteVector(v);
+}
+bool IsFiniteValue(const std::vector<math::Vec2>& points)
+{
+    for (const math::Vec2& p : points)
+        if (!math::IsFinite(p))
+            return false;
+    return true;
+}
+
 script::ObjectPtr ObjectOf(const script::VariablePtr& var)
 {
     script::ObjectPtr object;
@@ -60,7 +94,11 @@ script::ObjectPtr EntitySerializer::GetObject(const util::String& key) const
 
 template <class T> T EntitySerializer::Get(const util::String& key) const
 {
-    return script::ObjectToValue<T>(script::ExpandObject(GetObject(key)));
+    T value = script::ObjectToValue<T>(script::ExpandObject(GetObject(key)));
+    if (!IsFiniteValue(value))
+        QLEX_THROW(BadDataException("Attribute \"" + key + "\" must be finite, not " +
+                                    script::ValueToObject(value)->ToText()));
+    return value;
 }
 
 template <class T> void EntitySerializer::Set(const util::String& key, const T& value)

@@ -50,6 +50,15 @@ bool IsFinite(const math::BoundingBox2& box)
 }
 } // namespace
 
+std::vector<GroupPtr> InOrderOfMaking(const util::HashSet<GroupPtr>& groups)
+{
+    std::vector<GroupPtr> list(groups.begin(), groups.end());
+    // Every object's id counts up as objects are made.
+    std::sort(list.begin(), list.end(),
+              [](const GroupPtr& a, const GroupPtr& b) { return a->m_id < b->m_id; });
+    return list;
+}
+
 Group::Group() = default;
 
 Group::Group(const util::String& name) : m_name(name) {}

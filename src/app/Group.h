@@ -90,4 +90,8 @@ private:
     util::CallbackSet m_onChange;
 };
 
+// The groups in the order they were made: a set's own order follows their addresses, which differ from run
+// to run.
+std::vector<GroupPtr> InOrderOfMaking(const util::HashSet<GroupPtr>& groups);
+
 } // namespace app

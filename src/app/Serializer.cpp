@@ -306,7 +306,7 @@ util::String Serializer::SerializeScene()
         water.Set("vecs", positions);
         block->Add(water.ToFunctionCall("Scene.addWater"));
     }
-    for (const GroupPtr& group : scene->GetGroups())
+    for (const GroupPtr& group : InOrderOfMaking(scene->GetGroups()))
         block->Add(SerializeGroup(group));
     return Header(SCENE_HEADER, block);
 }

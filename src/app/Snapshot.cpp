@@ -92,7 +92,7 @@ Snapshot::Snapshot()
 
     Serializer* serializer = Serializer::GetInstancePtr();
     m_script = QLEX_NEW new script::CodeBlock();
-    for (const GroupPtr& group : scene->GetGroups())
+    for (const GroupPtr& group : InOrderOfMaking(scene->GetGroups()))
         m_script->Add(serializer->SerializeGroup(group));
     for (const script::VariablePtr& var : serializer->GetVarList(true, true))
     {

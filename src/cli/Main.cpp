@@ -22,8 +22,13 @@ namespace
 const int EXIT_OK = 0;
 const int EXIT_UNREADABLE_FILE = 1;
 const int EXIT_BAD_ARGUMENT = 2;
+// Everything ran, but some statement or record failed: the log holds its error.
+const int EXIT_ERRORS_LOGGED = 3;
 const unsigned ALL_LEVELS = 31;
 const char* const LOG_FILE = "Logfile.txt";
+
+// Errors logged during the run, counted by a sink of their own.
+unsigned long s_errorCount = 0;
 
 class CommandLine
 {
@@ -79,7 +84,16 @@ int CommandLine::Steps(long count)
 {
     for (long i = 0; i < count; ++i)
     {
-        m_world.step();
+        // A step that fails is reported and the next one runs: no scene ends the run.
+        try
+        {
+            m_world.step();
+        }
+        catch (std::exception& e)
+        {
+            CatchException(e, QLEX_SITE);
+            Log(logging::Error, util::String("A step of the simulation failed: ") + e.what());
+        }
         script::Parser::GetInstancePtr()->Update();
     }
     return EXIT_OK;
@@ -159,6 +173,24 @@ int CommandLine::Run()
             if (code != EXIT_OK)
                 return code;
         }
+        else if (arg == "--seed")
+        {
+            if (!Next(value))
+                return Fail(EXIT_BAD_ARGUMENT, "--seed needs a number");
+            long seed = 0;
+            try
+            {
+                seed = util::FromString<long>(value);
+            }
+            catch (std::exception& e)
+            {
+                return Fail(EXIT_BAD_ARGUMENT, "--seed: " + util::String(e.what()));
+            }
+            // Through the setting, as a script would set it: the setting then knows its value, and its poll
+            // doesn't start the sequence a second time.
+            const int bits = static_cast<int>(static_cast<unsigned>(seed));
+            script::Parser::GetInstancePtr()->Execute("System.randomSeed = " + util::ToString(bits));
+        }
         else if (arg == "--stats")
         {
             std::cout << m_world.stats();
@@ -182,6 +214,7 @@ const char* const HELP_TEXT =
     "  --save FILE      saves the scene\n"
     "  --steps N        advances the world N fixed steps, each followed by the scene's update, as a frame\n"
     "  --seconds S      as --steps, for S simulated seconds\n"
+    "  --seed N         makes every random choice repeatable from N (System.randomSeed)\n"
     "  --stats          prints the simulation's statistics\n"
     "  -                reads standard input, each line as -e; no argument at all does the same\n"
     "  --help, -h       prints these lines and ends\n"
@@ -189,7 +222,7 @@ const char* const HELP_TEXT =
     "  0  every argument ran\n"
     "  1  a file can't be read\n"
     "  2  a bad argument\n"
-    "  3  a statement or record failed\n";
+    "  3  every argument ran, but a statement or record failed (errors in the log)\n";
 
 // Whether --help stands among the arguments as one of its own, not as the text or file of another.
 bool AsksForHelp(const std::vector<util::String>& args)
@@ -200,7 +233,7 @@ bool AsksForHelp(const std::vector<util::String>& args)
         if (arg == "--help" || arg == "-h")
             return true;
         if (arg == "--workdir" || arg == "-e" || arg == "--exec" || arg == "--load" || arg == "--save" ||
-            arg == "--steps" || arg == "--seconds")
+            arg == "--steps" || arg == "--seconds" || arg == "--seed")
             ++i;
     }
     return false;
@@ -226,6 +259,8 @@ void SetUp(const std::vector<util::String>& args, const char* argv0)
     logging::Logger* logger = logging::Logger::GetInstancePtr();
     logger->AddLogger(QLEX_NEW new logging::StreamLogger(ALL_LEVELS, std::cerr));
     logger->AddLogger(QLEX_NEW new logging::FileLogger(ALL_LEVELS, fileSystem->WorkDir() + LOG_FILE, true));
+    logger->AddLogger(
+        QLEX_NEW new logging::FunctionLogger(logging::Error, [](const std::string&) { ++s_errorCount; }));
 
     script::Parser* parser = script::Parser::GetInstancePtr();
     parser->SetOutputFunction([](const util::String& text) { std::cout << text << '\n'; });
@@ -253,6 +288,8 @@ int main(int argc, char** argv)
         Log(logging::Error, util::String("Exception caught in qlex-cli: ") + e.what());
         code = EXIT_UNREADABLE_FILE;
     }
+    if (code == EXIT_OK && s_errorCount > 0)
+        code = EXIT_ERRORS_LOGGED;
     // No static destructors: the singletons die with the process, once the output is out.
     std::cout.flush();
     std::cerr.flush();

@@ -28,6 +28,7 @@ System::System()
                        m_exit();
                });
     script::AddClockAndObjectCountCommands(*this);
+    script::AddRandomSeedAttribute(*this);
     AddVoidCmd("recreateWindow", [this] { m_recreateWindow(); });
 }
 

@@ -420,9 +420,9 @@ template <class T> inline bool IsFinite(const TVector4<T>& v)
     return IsFiniteFloat(v.x) && IsFiniteFloat(v.y) && IsFiniteFloat(v.z) && IsFiniteFloat(v.w);
 }
 
-// The pair of points farthest apart: all pairs i < j are walked, i outer, and a pair replaces the best
-// only when strictly farther. With all points equal (or fewer than two) the pair stays (0, 0).
-template <class V> inline void FindFarthestPair(const V* points, int nPoints, int& bestI, int& bestJ)
+// The pair of points farthest apart: of all pairs i < j, the first (i outer) that is strictly farther than
+// every pair before it. With all points equal (or fewer than two) the pair stays (0, 0).
+template <class V> inline void FindFarthestPairAllPairs(const V* points, int nPoints, int& bestI, int& bestJ)
 {
     bestI = bestJ = 0;
     decltype(DistanceSq(points[0], points[0])) bestDistanceSq = 0;
@@ -437,6 +437,116 @@ template <class V> inline void FindFarthestPair(const V* points, int nPoints, in
                 bestJ = j;
             }
         }
+}
+
+namespace detail
+{
+// Up to this many points all pairs are cheaper than a hull, and the result is the same.
+constexpr int FARTHEST_PAIR_ALL_PAIRS_LIMIT = 256;
+
+template <class T> double Cross(const TVector2<T>& o, const TVector2<T>& a, const TVector2<T>& b)
+{
+    return (double(a.x) - o.x) * (double(b.y) - o.y) - (double(a.y) - o.y) * (double(b.x) - o.x);
+}
+
+// The convex hull as indices, counter-clockwise, without collinear or repeated points; of points in the
+// same place the lowest index stands for all. Andrew's monotone chain: O(n log n).
+template <class T> std::vector<int> ConvexHullIndices(const TVector2<T>* points, int nPoints)
+{
+    std::vector<int> order(static_cast<size_t>(nPoints));
+    for (int i = 0; i < nPoints; ++i)
+        order[static_cast<size_t>(i)] = i;
+    std::sort(order.begin(), order.end(),
+              [points](int a, int b)
+              {
+                  if (points[a].x != points[b].x)
+                      return points[a].x < points[b].x;
+                  if (points[a].y != points[b].y)
+                      return points[a].y < points[b].y;
+                  return a < b;
+              });
+    std::vector<int> unique;
+    for (int i : order)
+        if (unique.empty() || !(points[unique.back()] == points[i]))
+            unique.push_back(i);
+    if (unique.size() < 3)
+        return unique;
+    std::vector<int> hull(2 * unique.size());
+    size_t k = 0;
+    for (size_t i = 0; i < unique.size(); ++i)
+    {
+        while (k >= 2 && Cross(points[hull[k - 2]], points[hull[k - 1]], points[unique[i]]) <= 0)
+            --k;
+        hull[k++] = unique[i];
+    }
+    for (size_t i = unique.size() - 1, lower = k + 1; i-- > 0;)
+    {
+        while (k >= lower && Cross(points[hull[k - 2]], points[hull[k - 1]], points[unique[i]]) <= 0)
+            --k;
+        hull[k++] = unique[i];
+    }
+    hull.resize(k - 1);
+    return hull;
+}
+} // namespace detail
+
+// The same pair for many points: the farthest pair lies on the convex hull, where rotating calipers
+// visit every antipodal pair in linear time. Among pairs equally far the lowest (i, j) wins, as above.
+template <class T>
+inline void FindFarthestPair(const TVector2<T>* points, int nPoints, int& bestI, int& bestJ)
+{
+    if (nPoints <= detail::FARTHEST_PAIR_ALL_PAIRS_LIMIT)
+    {
+        FindFarthestPairAllPairs(points, nPoints, bestI, bestJ);
+        return;
+    }
+    bestI = bestJ = 0;
+    const std::vector<int> hull = detail::ConvexHullIndices(points, nPoints);
+    const size_t h = hull.size();
+    T bestDistanceSq = 0;
+    auto consider = [&](int a, int b)
+    {
+        const int i = std::min(a, b);
+        const int j = std::max(a, b);
+        if (i == j)
+            return;
+        const T d = DistanceSq(points[i], points[j]);
+        if (d > bestDistanceSq || (d == bestDistanceSq && d > 0 && (i < bestI || (i == bestI && j < bestJ))))
+        {
+            bestDistanceSq = d;
+            bestI = i;
+            bestJ = j;
+        }
+    };
+    if (h < 3)
+    {
+        if (h == 2)
+            consider(hull[0], hull[1]);
+        return;
+    }
+    size_t j = 1;
+    for (size_t i = 0; i < h; ++i)
+    {
+        const size_t ni = (i + 1) % h;
+        const TVector2<T> edge = points[hull[ni]] - points[hull[i]];
+        auto advance = [&](size_t k)
+        {
+            const TVector2<T> next = points[hull[(k + 1) % h]] - points[hull[k]];
+            return double(edge.x) * next.y - double(edge.y) * next.x;
+        };
+        for (size_t steps = 0; steps < h && advance(j) > 0; ++steps)
+            j = (j + 1) % h;
+        const size_t nj = (j + 1) % h;
+        consider(hull[i], hull[j]);
+        consider(hull[ni], hull[j]);
+        consider(hull[i], hull[nj]);
+        consider(hull[ni], hull[nj]);
+    }
+}
+
+template <class V> inline void FindFarthestPair(const V* points, int nPoints, int& bestI, int& bestJ)
+{
+    FindFarthestPairAllPairs(points, nPoints, bestI, bestJ);
 }
 
 } // namespace math

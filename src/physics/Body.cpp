@@ -4,6 +4,8 @@
 #include "logging/Log.h"
 #include "physics/WorldGeom.h"
 
+#include <algorithm>
+
 namespace physics
 {
 namespace
@@ -57,11 +59,19 @@ void Body::SetGeoms(const GeomSet& newGeoms)
     m_position = math::Vec2(0.0f, 0.0f);
     m_mass = m_inertia = m_area = 0.0f;
     math::Vec2 positionSum(0.0f, 0.0f);
-    std::vector<util::SharedPtr<Geom>> accepted;
+    // In the order the shapes were made (every object's id counts up): the set's own order follows addresses,
+    // and the sums below and the order of the parts (which the contacts follow) must be the same in every
+    // run.
+    std::vector<util::SharedPtr<Geom>> ordered;
     for (const util::SharedPtr<Geom>& g : geoms)
+        if (g)
+            ordered.push_back(g);
+    std::sort(ordered.begin(), ordered.end(),
+              [](const util::SharedPtr<Geom>& a, const util::SharedPtr<Geom>& b)
+              { return a->util::Pointee::m_id < b->util::Pointee::m_id; });
+    std::vector<util::SharedPtr<Geom>> accepted;
+    for (const util::SharedPtr<Geom>& g : ordered)
     {
-        if (!g)
-            continue;
         const float mass = g->Mass();
         const float area = g->Area();
         const float inertia = g->Inertia();

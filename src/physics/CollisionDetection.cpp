@@ -10,6 +10,7 @@
 #include "physics/Polygon.h"
 #include "physics/SPH.h"
 #include "util/Profiler.h"
+#include "util/StringUtil.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,6 +23,9 @@ namespace
 const float WATER_CONTACT_FACTOR = 0.1f;
 // Sub id of the one contact of a circle whose centre is inside a polygon.
 const std::uint32_t SUB_CENTRE_INSIDE = 0xFFFFFFFFu;
+// Contacts per step at most: some ten thousand bodies at rest. Shapes heaped on one spot would otherwise
+// meet every other shape, square in time and memory, and the solver could not serve them anyway.
+const size_t MAX_CONTACTS = 200000;
 
 // The pool of the collider whose Collide is running; the pair functions reach it through AddContact.
 ContactPool* s_activePool = nullptr;
@@ -63,6 +67,12 @@ void AddContact(util::VectorPOD<Contact*>& out, Geom& geomA, Geom& geomB, std::u
 {
     if (!(math::IsFinite(point) && math::IsFinite(normal) && math::IsFiniteFloat(depth)))
         Log(logging::Warning, "Collision detection reported bad contact");
+    else if (out.size() >= MAX_CONTACTS)
+    {
+        if (!s_activePool || s_activePool->FirstOverflow())
+            Log(logging::Warning,
+                "Too many contacts: only the first " + util::ToString(MAX_CONTACTS) + " of a step take part");
+    }
     else if (s_activePool)
         out.append(s_activePool->Make(geomA, geomB, subId, point, normal, depth));
     else
@@ -280,8 +290,8 @@ void BoxBox(Box& a, Box& b, util::VectorPOD<Contact*>& out)
 
     // Separating axes: the two axes of each box.
     float bestSep[2];
-    math::Vec2 bestNormal[2];
-    int bestAxis[2];
+    math::Vec2 bestNormal[2] = {boxes[0]->axis[0], boxes[1]->axis[0]};
+    int bestAxis[2] = {0, 0};
     for (int i = 0; i < 2; ++i)
     {
         const math::OBB2D& own = *boxes[i];
@@ -294,7 +304,8 @@ void BoxBox(Box& a, Box& b, util::VectorPOD<Contact*>& out)
             const float proj = math::Dot(d, axis);
             const float sign = proj < 0.0f ? -1.0f : 1.0f;
             const float sep = std::fabs(proj) - own.ProjectedRadius(axis) - other.ProjectedRadius(axis);
-            if (sep > 0.0f)
+            // A NaN separation (a box with a non-finite pose) counts as separated: no contact can be made.
+            if (!(sep <= 0.0f))
                 return;
             if (sep >= bestSep[i])
             {

@@ -50,14 +50,20 @@ protected:
 
     // Body A takes -impulse at r0, body B +impulse at r1. Reads the inverse masses that CacheInverseMasses
     // took, as nothing changes them during a solve.
+    // An immovable body is left alone: 0 times a NaN impulse of a broken neighbour would be NaN, and the
+    // ground would pass it to every body that rests on it.
     void ApplyImpulse(const math::Vec2& impulse)
     {
         AbstractBody& a = *m_bodies[0];
         AbstractBody& b = *m_bodies[1];
-        a.VelocityChange() -= impulse * m_massInv[0];
-        a.RotationChange() -= m_inertiaInv[0] * math::Cross(m_r0, impulse);
-        b.VelocityChange() += impulse * m_massInv[1];
-        b.RotationChange() += m_inertiaInv[1] * math::Cross(m_r1, impulse);
+        if (m_massInv[0] != 0.0f)
+            a.VelocityChange() -= impulse * m_massInv[0];
+        if (m_inertiaInv[0] != 0.0f)
+            a.RotationChange() -= m_inertiaInv[0] * math::Cross(m_r0, impulse);
+        if (m_massInv[1] != 0.0f)
+            b.VelocityChange() += impulse * m_massInv[1];
+        if (m_inertiaInv[1] != 0.0f)
+            b.RotationChange() += m_inertiaInv[1] * math::Cross(m_r1, impulse);
     }
     // The effective inverse masses of both bodies (zero while held), for this solve.
     void CacheInverseMasses()

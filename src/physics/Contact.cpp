@@ -110,6 +110,11 @@ bool Contact::SolveInit()
     m_targetT = math::Dot(v, m_tangent) * p.velocityFactor + math::Dot(acc, m_tangent) * p.accelerationFactor;
     m_targetN *= -m_activeMassN;
     m_targetT *= -m_activeMassT;
+    // A contact of a body gone bad (NaN velocity, a non-finite material) takes no part; the body is
+    // flushed before the next step.
+    if (!math::IsFiniteFloat(m_targetN) || !math::IsFiniteFloat(m_targetT) ||
+        !math::IsFiniteFloat(m_friction))
+        return false;
 
     if (!m_isNew && sim.m_warmStart)
     {

@@ -25,10 +25,18 @@ public:
 
     size_t GetSize() const { return m_contacts.size(); }
     size_t GetFreeCount() const { return m_free.size(); }
+    // True the first time it is asked: the collider's cap on contacts is told once.
+    bool FirstOverflow()
+    {
+        const bool first = !m_overflowed;
+        m_overflowed = true;
+        return first;
+    }
 
 private:
     std::vector<util::SharedPtr<Contact>> m_contacts;
     util::VectorPOD<Contact*> m_free;
+    bool m_overflowed = false;
 };
 
 } // namespace physics

@@ -1,6 +1,7 @@
 #include "physics/Hinge.h"
 
 #include "logging/Exception.h"
+#include "logging/Log.h"
 #include "physics/Body.h"
 #include "physics/Simulation.h"
 
@@ -90,7 +91,17 @@ bool Hinge::SolveInit()
     const float k00 = mA + mB + iA * r0.y * r0.y + iB * r1.y * r1.y + reg;
     const float k01 = -iA * r0.x * r0.y - iB * r1.x * r1.y;
     const float k11 = mA + mB + iA * r0.x * r0.x + iB * r1.x * r1.x + reg;
-    m_invMassMatrix = math::Inverted(math::TMatrix2<float>(k00, k01, k01, k11));
+    const math::TMatrix2<float> k(k00, k01, k01, k11);
+    // Without regularisation, bodies of vast mass make K vanish in float: no impulse can be found. The
+    // hinge sits this step out, and the bodies, as heavy as they are, hardly notice.
+    if (k.Determinant() == 0.0f)
+    {
+        if (!m_warnedSingular)
+            Log(logging::Warning, "A hinge whose bodies are too heavy to solve is skipped");
+        m_warnedSingular = true;
+        return false;
+    }
+    m_invMassMatrix = math::Inverted(k);
     // A stiffness of 0 makes the regularisation infinite: an infinitely soft hinge that takes no impulse,
     // where the inverse itself would be NaN.
     if (!math::IsFiniteFloat(m_invMassMatrix(0, 0)) || !math::IsFiniteFloat(m_invMassMatrix(0, 1)) ||

@@ -59,6 +59,7 @@ private:
     float m_impulseLimit = math::INF;
     float m_distanceLimit = math::INF;
     bool m_broken = false;
+    bool m_warnedSingular = false;
     math::TMatrix2<float> m_invMassMatrix;
     float m_motorMass = 0.0f;
     float m_motorImpulseLimit = 0.0f;

@@ -1,9 +1,11 @@
 #include "physics/SPH.h"
 
+#include "logging/Log.h"
 #include "script/Objects.h"
 #include "util/Callback.h"
 #include "util/Profiler.h"
 #include "util/Random.h"
+#include "util/StringUtil.h"
 
 #include <algorithm>
 #include <cmath>
@@ -28,12 +30,27 @@ const char* const HASH_INFO = "hashInfo";
 // Updates between two texts of "hashInfo" at most (a second at the default step): making the text costs
 // several allocations, and the diagnostics of a moving fluid change nearly every step.
 const unsigned int HASH_INFO_INTERVAL = 100;
+// Cells stop this far from the origin: a particle beyond (on its way out of the world) shares a border
+// cell, which keeps the integer and its neighbour x + 1 in range.
+const float CELL_LIMIT = 1073741824.0f;
+// Neighbour pairs per search at most: a few hundred thousand particles of ordinary water. Water heaped on
+// one point would otherwise pair every particle with every other, square in time and memory.
+const size_t MAX_WATER_PAIRS = 4000000;
+
+int CellCoordinate(float x)
+{
+    if (!(x > -CELL_LIMIT))
+        return -static_cast<int>(CELL_LIMIT);
+    if (!(x < CELL_LIMIT))
+        return static_cast<int>(CELL_LIMIT);
+    return static_cast<int>(x);
+}
 } // namespace
 
 math::TVector2<int> Cellify(const math::Vec2& position, float inverseCellSize)
 {
-    return math::TVector2<int>(static_cast<int>(position.x * inverseCellSize),
-                               static_cast<int>(position.y * inverseCellSize));
+    return math::TVector2<int>(CellCoordinate(position.x * inverseCellSize),
+                               CellCoordinate(position.y * inverseCellSize));
 }
 
 SPH::SPH()
@@ -166,6 +183,7 @@ void SPH::FindNeighbors()
         for (size_t s = 0; s < n; ++s)
             m_neighborCount[s] = 1;
         m_pairs.clear();
+        m_pairsCapped = false;
         const size_t cellsToMatch = m_searchable ? m_occupiedCells.size() : 0;
         // The slots of the cells at (x + 1, y - 1), (x + 1, y) and (x + 1, y + 1) of the last cell. Cells
         // tend to come up or down a column, and then two of the three are the last cell's.
@@ -209,6 +227,11 @@ void SPH::FindNeighbors()
                     MatchCells(begin, end, m_cellStart[slot], m_cellStart[slot + 1], limit);
         }
     }
+    // Told once while the water stays crowded, and again if it crowds anew.
+    if (m_pairsCapped && !m_lastSearchCapped)
+        Log(logging::Warning, "Water too crowded: only the first " + util::ToString(MAX_WATER_PAIRS) +
+                                  " pairs of neighbours take part in a step");
+    m_lastSearchCapped = m_pairsCapped;
     ReportHashInfo();
 }
 
@@ -282,6 +305,11 @@ void SPH::MatchCells(unsigned int beginA, unsigned int endA, unsigned int beginB
 {
     const bool same = beginA == beginB;
     const math::Vec2* position = m_position.data();
+    if (m_pairs.size() >= MAX_WATER_PAIRS)
+    {
+        m_pairsCapped = true;
+        return;
+    }
     for (unsigned int i = beginA; i < endA; ++i)
     {
         const math::Vec2 pi = position[i];
@@ -298,6 +326,11 @@ void SPH::MatchCells(unsigned int beginA, unsigned int endA, unsigned int beginB
                 m_pairs.append(Pair{i, j, d});
             ++m_neighborCount[i];
             ++m_neighborCount[j];
+            if (m_pairs.size() >= MAX_WATER_PAIRS)
+            {
+                m_pairsCapped = true;
+                return;
+            }
         }
     }
 }

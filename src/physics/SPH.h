@@ -165,6 +165,9 @@ private:
     util::VectorPOD<math::Vec2> m_gradientSum;
     util::VectorPOD<math::Vec2> m_viscositySum;
     util::VectorPOD<Pair> m_pairs;
+    // Whether this search, and the one before, stopped at the cap of pairs.
+    bool m_pairsCapped = false;
+    bool m_lastSearchCapped = false;
 
     // Counts each search, so that a particle knows whether its place in the arrays above is current.
     std::uint32_t m_generation = 0;

@@ -26,6 +26,18 @@ float Sign(float x)
 {
     return x > 0.0f ? 1.0f : (x < 0.0f ? -1.0f : 0.0f);
 }
+
+// The members of a set in the order they were made (every object's id counts up). A set's own order follows
+// addresses, which differ from run to run; forces and impulses added in another order round differently.
+template <class T>
+void InOrderOfMaking(const util::HashSet<util::SharedPtr<T>>& set, util::VectorPOD<T*>& out)
+{
+    out.clear();
+    for (const util::SharedPtr<T>& member : set)
+        out.append(member.get());
+    std::sort(out.begin(), out.end(),
+              [](const T* a, const T* b) { return a->util::Pointee::m_id < b->util::Pointee::m_id; });
+}
 } // namespace
 
 double GetSimTime()
@@ -367,7 +379,8 @@ void Simulation::CalcForces()
                 AddAirBuoyancy(airDensity, g, particle, area, noArm);
         }
     }
-    for (const util::SharedPtr<Joint>& joint : m_joints.Get())
+    InOrderOfMaking(m_joints.Get(), m_jointOrder);
+    for (Joint* joint : m_jointOrder)
         joint->ApplyForce();
     if (m_running)
         SPH::GetInstancePtr()->Update(m_particles, m_timeDelta);
@@ -455,9 +468,10 @@ void Simulation::RunSolver()
             body->RotationChange() = 0.0f;
         }
     }
+    InOrderOfMaking(m_hinges.Get(), m_hingeOrder);
     m_solverList.clear();
-    for (const util::SharedPtr<Hinge>& hinge : m_hinges.Get())
-        m_solverList.append(hinge.get());
+    for (Hinge* hinge : m_hingeOrder)
+        m_solverList.append(hinge);
     for (const util::SharedPtr<Contact>& contact : m_contacts)
         m_solverList.append(contact.get());
     {

@@ -210,6 +210,9 @@ private:
     Collider m_collider;
     util::VectorPOD<Contact*> m_rawContacts;
     util::VectorPOD<Constraint*> m_solverList;
+    // The joints and hinges of this step in the order they were made.
+    util::VectorPOD<Joint*> m_jointOrder;
+    util::VectorPOD<Hinge*> m_hingeOrder;
     util::VectorPOD<Constraint*> m_sweepList;
     std::function<double()> m_clock;
 };

@@ -8,6 +8,48 @@ namespace script
 
 namespace
 {
+template <class T> bool HasNaN(const T&)
+{
+    return false;
+}
+bool HasNaN(float x)
+{
+    return x != x;
+}
+template <class T> bool HasNaN(const math::TVector2<T>& v)
+{
+    return HasNaN(v.x) || HasNaN(v.y);
+}
+template <class T> bool HasNaN(const math::TVector3<T>& v)
+{
+    return HasNaN(v.x) || HasNaN(v.y) || HasNaN(v.z);
+}
+template <class T> bool HasNaN(const math::TVector4<T>& v)
+{
+    return HasNaN(v.x) || HasNaN(v.y) || HasNaN(v.z) || HasNaN(v.w);
+}
+
+template <class T> bool IsFiniteValue(const T&)
+{
+    return true;
+}
+bool IsFiniteValue(float x)
+{
+    return math::IsFiniteFloat(x);
+}
+bool IsFiniteValue(const math::Vec2& v)
+{
+    return math::IsFinite(v);
+}
+bool IsFiniteValue(const math::Vec3& v)
+{
+    return math::IsFinite(v);
+}
+bool IsFiniteValue(const math::Vec4& v)
+{
+    return math::IsFinite(v);
+}
+
 typedef util::ReentrantOrderedSet<util::WeakPtr<AbstractAttrib>> DynAttribSet;
 
 // The attributes bound to a function, recalculated each frame.
@@ -102,6 +144,15 @@ template <class T> void TAttrib<T>::CalcValueFromObject()
     try
     {
         T value = ObjectToValue<T>(ExpandObject(GetObject()));
+        if (!m_settingFromProgram && (HasNaN(value) || (m_finiteOnly && !IsFiniteValue(value))))
+        {
+            Log(logging::Error, GetLongName() + " must be a finite number, not " +
+                                    ValueToObject(value)->ToText() + "; it keeps " +
+                                    ValueToObject(GetImpl())->ToText());
+            Variable::SetObject(ValueToObject(GetImpl()));
+            RemoveDynamicAttribute(this);
+            return;
+        }
         SetImpl(value);
     }
     catch (BadCoderException&)
@@ -129,8 +180,18 @@ template <class T> void TAttrib<T>::Set(const T& value)
 {
     if (value != GetImpl())
     {
-        SetImpl(value);
-        SetObject(ValueToObject(GetImpl()));
+        m_settingFromProgram = true;
+        try
+        {
+            SetImpl(value);
+            SetObject(ValueToObject(GetImpl()));
+        }
+        catch (...)
+        {
+            m_settingFromProgram = false;
+            throw;
+        }
+        m_settingFromProgram = false;
     }
 }
 

@@ -61,10 +61,18 @@ public:
     const T& GetDefault() const { return m_default; }
     // For owners that must react at once to a new value.
     void AddChangeCallback(util::CallbackPtr callback);
+    // Scripts may then give only finite numbers. NaN is refused by every attribute: it means nothing as a
+    // setting, and its text would not read back.
+    void RequireFinite() { m_finiteOnly = true; }
 
 protected:
     util::CallbackSet m_changeCallbacks;
     T m_default;
+
+private:
+    bool m_finiteOnly = false;
+    // While the program sets a value: its own values aren't checked.
+    bool m_settingFromProgram = false;
 };
 
 template <class T> class Attrib : public TAttrib<T>

@@ -171,7 +171,6 @@ FunctionCall::FunctionCall(ExpressionPtr head, CodeBlockPtr tail) : m_head(head)
 ObjectPtr FunctionCall::Evaluate(const ClosurePtr& closure)
 {
     EvalGuard::Tick();
-    util::String code = ToCode();
     // A name followed by empty brackets, `System.exit()`, calls what the name holds once, just as the
     // name alone does; expanding it first would call a command and then call its result.
     Identifier* name = dynamic_cast<Identifier*>(m_head.get());
@@ -179,7 +178,7 @@ ObjectPtr FunctionCall::Evaluate(const ClosurePtr& closure)
         name && m_args->GetExpressions().empty() ? name->GetValue(closure) : m_head->Evaluate(closure);
     util::SharedPtr<AbstractFunction> function = util::dynamic_pointer_cast<AbstractFunction>(head);
     if (!function)
-        QLEX_THROW(ScriptException("Function call applied to non-function: " + code));
+        QLEX_THROW(ScriptException("Function call applied to non-function: " + ToCode()));
     ObjectList args;
     {
         util::ScopeProfiler profile("Argument eval");

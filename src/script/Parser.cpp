@@ -107,6 +107,7 @@ CodeBlockPtr Parser::Parse(const TokenList& tokens)
         m_tokenBegin = tokens.begin();
         m_tokenEnd = tokens.end();
         m_parseDepth = 0;
+        FindFunctionOpeners(tokens);
         TokenIt it = tokens.begin();
         CodeBlockPtr block = ParseCodeBlock(m_rootScope, it);
         if (it != m_tokenEnd)
@@ -185,22 +186,30 @@ ExpressionPtr Parser::ParseListDeclaration(const util::SharedPtr<Scope>& scope, 
     return list;
 }
 
+void Parser::FindFunctionOpeners(const TokenList& tokens)
+{
+    // One pass with a stack of open brackets: asking at each bracket would rescan the rest of the text, and
+    // deeply nested text would cost the square of its length.
+    m_functionOpeners.assign(tokens.size(), false);
+    std::vector<size_t> open;
+    for (size_t i = 0; i < tokens.size(); ++i)
+    {
+        if (tokens[i].Is("("))
+            open.push_back(i);
+        else if (tokens[i].Is(")") && !open.empty())
+        {
+            m_functionOpeners[open.back()] = i + 1 < tokens.size() && tokens[i + 1].Is("=>");
+            open.pop_back();
+        }
+    }
+}
+
 bool Parser::IsFunctionDeclaration(TokenIt it) const
 {
     if (AtEnd(it) || !it->Is("("))
         return false;
-    int depth = 0;
-    for (; !AtEnd(it); ++it)
-    {
-        if (it->Is("("))
-            ++depth;
-        else if (it->Is(")") && --depth == 0)
-            break;
-    }
-    if (AtEnd(it))
-        return false;
-    ++it;
-    return !AtEnd(it) && it->Is("=>");
+    const size_t index = static_cast<size_t>(it - m_tokenBegin);
+    return index < m_functionOpeners.size() && m_functionOpeners[index];
 }
 
 ExpressionPtr Parser::ParseFunctionDeclaration(const util::SharedPtr<Scope>& scope, TokenIt& it)
@@ -278,9 +287,14 @@ ExpressionPtr Parser::ParseExpression(const util::SharedPtr<Scope>& scope, Token
 
     const Token& first = *it;
     TermList terms;
+    // Each term of a chain and each member access nests the tree one level deeper; evaluating, printing
+    // and freeing it recurse that deep.
+    unsigned links = 0;
     while (!AtEnd(it))
     {
         const Token& token = *it;
+        if (++links + m_parseDepth > EvalGuard::MAX_PARSE_DEPTH)
+            ParserAssert(token.pos, "Expression nested too deeply");
         switch (token.type)
         {
         case TOKEN_STRING:

@@ -68,6 +68,7 @@ private:
     ExpressionPtr ParseFunctionDeclaration(const util::SharedPtr<Scope>& scope, TokenIt& it);
     ExpressionPtr ParseBlock(const util::SharedPtr<Scope>& scope, TokenIt& it);
     ExpressionPtr ParseListDeclaration(const util::SharedPtr<Scope>& scope, TokenIt& it);
+    void FindFunctionOpeners(const TokenList& tokens);
     bool IsFunctionDeclaration(TokenIt it) const;
     void SwallowToken(TokenIt& it, const char* text);
     bool AtEnd(TokenIt it) const { return it == m_tokenEnd; }
@@ -83,6 +84,8 @@ private:
     TokenIt m_tokenEnd;
     TokenIt m_tokenBegin;
     unsigned m_parseDepth = 0;
+    // For each token of the text being parsed: an opening bracket whose closing one is followed by "=>".
+    std::vector<bool> m_functionOpeners;
 };
 
 } // namespace script

@@ -1,6 +1,8 @@
 #include "script/SystemCommands.h"
 
+#include "script/Attributes.h"
 #include "script/Reflected.h"
+#include "util/Random.h"
 #include "util/SharedPtr.h"
 #include "util/Timer.h"
 
@@ -36,6 +38,16 @@ void AddClockAndObjectCountCommands(Reflected& system)
     system.AddCmd("objectCurrent", &ObjectCurrent);
     system.AddCmd("objectHandleCurrent", &ObjectHandleCurrent);
     system.AddCmd("objectTotal", &ObjectTotal);
+}
+
+void AddRandomSeedAttribute(Reflected& system)
+{
+    // The seed is unsigned; scripts see its bits as an int.
+    util::SharedPtr<AttribGetSet<int>> seed = QLEX_NEW new AttribGetSet<int>(
+        "randomSeed", [] { return static_cast<int>(util::Random::GetSeed()); },
+        [](const int& value) { util::Random::SetSeed(static_cast<unsigned>(value)); });
+    seed->SetSaved(false);
+    system.AddVariable(seed);
 }
 
 } // namespace script

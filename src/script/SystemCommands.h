@@ -8,4 +8,9 @@ class Reflected;
 
 // Adds "time", "objectCurrent", "objectHandleCurrent" and "objectTotal" to `system`.
 void AddClockAndObjectCountCommands(Reflected& system);
+
+// Adds the attribute "randomSeed": the seed of every random choice of the run. Setting it starts the
+// sequence again. It isn't written to configuration files, so that each run starts from the clock unless
+// a script or the command line sets it.
+void AddRandomSeedAttribute(Reflected& system);
 } // namespace script

@@ -75,7 +75,7 @@ void Variable::HandOwnerTo(const ObjectPtr& object)
 
 ExpressionPtr Variable::ToExpression() const
 {
-    if (!m_object)
+    if (!m_object || !m_saved)
         return nullptr;
     ClassObject* owner = GetOwner();
     if (ClassObject* child = dynamic_cast<ClassObject*>(m_object.get()))

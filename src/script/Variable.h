@@ -25,8 +25,10 @@ public:
     void SetOwner(util::WeakPtr<ClassObject> owner);
 
     // An assignment of the dotted name to the value's code, the flat block of a class object's
-    // variables, or null for what has no code.
+    // variables, or null for what has no code or isn't saved.
     ExpressionPtr ToExpression() const;
+    // A variable that isn't saved has no code: configuration text leaves it out.
+    void SetSaved(bool saved) { m_saved = saved; }
 
 protected:
     // Replaces the object; a class object that belonged to the old one's place is let go, and the new
@@ -41,6 +43,7 @@ private:
     util::String m_name;
     ObjectPtr m_object;
     bool m_constant;
+    bool m_saved = true;
 };
 
 } // namespace script

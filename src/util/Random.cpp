@@ -7,17 +7,38 @@
 namespace util
 {
 
-unsigned Random::s_seed = static_cast<unsigned>(std::clock());
+unsigned Random::s_runSeed = static_cast<unsigned>(std::clock());
+unsigned Random::s_seed = Random::s_runSeed;
+unsigned Random::s_seedGeneration = 0;
 
-Random::Random() : m_twister(s_seed++), m_normal(0.0f, 1.0f) {}
+Random::Random() : m_twister(s_seed++), m_normal(0.0f, 1.0f), m_seedGeneration(s_seedGeneration) {}
+
+void Random::SetSeed(unsigned seed)
+{
+    s_runSeed = seed;
+    s_seed = seed;
+    ++s_seedGeneration;
+}
+
+void Random::Reseed()
+{
+    m_twister.seed(s_seed++);
+    m_uniform.reset();
+    m_normal.reset();
+    m_seedGeneration = s_seedGeneration;
+}
 
 float Random::Uniform01()
 {
+    if (m_seedGeneration != s_seedGeneration)
+        Reseed();
     return m_uniform(m_twister);
 }
 
 float Random::Normal()
 {
+    if (m_seedGeneration != s_seedGeneration)
+        Reseed();
     return m_normal(m_twister);
 }
 

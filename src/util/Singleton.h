@@ -12,10 +12,12 @@ namespace util
 template <class T> class Singleton
 {
 public:
+    // Only the base is built here: the instance is taken as a T once T's constructor has finished, since a
+    // cast to T before then would name an object that doesn't exist yet.
     Singleton()
     {
-        QLEX_ASSERT(!s_instance);
-        s_instance.Reset(static_cast<T*>(this));
+        QLEX_ASSERT(!s_instance && !s_underConstruction);
+        s_underConstruction = this;
     }
     // As loose as Pointee's, which every singleton derives from too.
     virtual ~Singleton() noexcept(false) {}
@@ -25,19 +27,36 @@ public:
     static T* GetInstancePtr()
     {
         if (!s_instance)
+        {
+            // What T's constructor calls may ask for the instance: it gets the object being made, which is a T
+            // by then.
+            if (s_underConstruction)
+                return static_cast<T*>(s_underConstruction);
             Create();
+        }
         return s_instance.get();
     }
     static T& GetInstance() { return *GetInstancePtr(); }
 
     static void Create()
     {
-        if (s_instance)
+        if (s_instance || s_underConstruction)
             return;
         if (s_createCount != 0)
             QLEX_THROW(BadCoderException("Phoenix singleton detected: " + TypeName<T>()));
         s_createCount = 1;
-        new T;
+        T* made = nullptr;
+        try
+        {
+            made = new T;
+        }
+        catch (...)
+        {
+            s_underConstruction = nullptr;
+            throw;
+        }
+        s_underConstruction = nullptr;
+        s_instance.Reset(made);
     }
 
     static void Destroy()
@@ -47,9 +66,10 @@ public:
     }
 
     // Whether the service is up, without making it.
-    static bool Exists() { return bool(s_instance); }
+    static bool Exists() { return s_instance || s_underConstruction; }
 
     inline static SharedPtr<T> s_instance;
+    inline static Singleton* s_underConstruction = nullptr;
     inline static int s_createCount = 0;
 };
 

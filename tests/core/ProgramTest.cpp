@@ -46,6 +46,14 @@ bool Contains(const std::string& text, const std::string& part)
     return text.find(part) != std::string::npos;
 }
 
+size_t Count(const std::string& text, const std::string& part)
+{
+    size_t count = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
+        ++count;
+    return count;
+}
+
 bool WaitFor(const std::function<bool()>& condition)
 {
     const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
@@ -331,17 +339,42 @@ TEST_F(WindowedProgramTest, Run_OpensTheWindowAndEndsInOrderOnSigterm)
 
 TEST_F(WindowedProgramTest, Crash_LeavesTheAutosaveAndTheNextRunRecovers)
 {
-    Start({});
-    ASSERT_TRUE(WaitWhileRunning([&] { return Exists("config.autosave.cfg"); }));
+    // The user's scene: what the crash must not lose.
+    {
+        std::ofstream scene(m_dir / "scenes" / "boat.qlx");
+        scene << "FileInfo.title = \"Boat before the crash\";\n"
+                 "Scene.addBox {pos = [2.5, 1.5]; size = [3.0, 0.5]; color = [0.25, 0.5, 0.75, 1.0]}\n";
+    }
+    Start({(m_dir / "scenes" / "boat.qlx").string()});
+    ASSERT_TRUE(WaitForLog("Entering game loop")) << ReadFile(m_dir / "stderr.txt");
+    ASSERT_TRUE(WaitWhileRunning(
+        [&]
+        {
+            return Exists("config.autosave.cfg") &&
+                   Contains(ReadFile(m_dir / "scenes" / "_AUTOSAVE.qlx"), "Boat before the crash");
+        }));
     EXPECT_EQ(Signal(SIGKILL), -SIGKILL);
     EXPECT_TRUE(Exists("config.autosave.cfg"));
+    EXPECT_TRUE(Exists("scenes/_AUTOSAVE.qlx"));
+    EXPECT_FALSE(Exists("scenes/_ONEXITSAVE.qlx"));
 
+    // The next start reads the autosaved settings and scene, without being told.
     Start({});
     EXPECT_TRUE(WaitForLog("config.autosave.cfg from previous crash"));
     EXPECT_TRUE(LogSays("Recovering "));
-    ASSERT_TRUE(WaitForLog("Entering game loop"));
+    // The log goes on from the first run: its own lines tell that this one got going.
+    ASSERT_TRUE(WaitForLog("Loaded scene " + (m_dir / "scenes" / "_AUTOSAVE.qlx").string()))
+        << ReadFile(m_dir / "Logfile.txt");
+    ASSERT_TRUE(
+        WaitWhileRunning([&] { return Count(ReadFile(m_dir / "Logfile.txt"), "Entering game loop") == 2; }));
+
+    // An orderly end keeps the scene in the exit save and leaves no sign of a crash.
     EXPECT_EQ(Signal(SIGTERM), 0);
     EXPECT_FALSE(Exists("config.autosave.cfg"));
+    EXPECT_FALSE(Exists("scenes/_AUTOSAVE.qlx"));
+    const std::string saved = ReadFile(m_dir / "scenes" / "_ONEXITSAVE.qlx");
+    EXPECT_TRUE(Contains(saved, "FileInfo.title = \"Boat before the crash\";")) << saved;
+    EXPECT_TRUE(Contains(saved, "size = [3.0, 0.5];")) << saved;
 }
 
 TEST_F(WindowedProgramTest, SceneArgument_InPiecesIsJoinedIntoOnePath)

@@ -1,6 +1,7 @@
 #include "MathTestUtil.h"
 
 #include <cmath>
+#include <cstdint>
 #include <vector>
 
 using namespace math;
@@ -177,4 +178,55 @@ TEST(OBB2D, FindMainAxisSimpleTakesTheFirstFarthestPair)
 
     EXPECT_NE(std::string::npos,
               FailedAssertionText([&] { FindMainAxisSimple(points, 1); }).find("nPoints > 1"));
+}
+
+// Beyond a few hundred points the pair is found on the convex hull; it must be the very pair that the walk
+// over all pairs finds, ties and repeated points included, or bounding shapes would change with the count.
+TEST(FarthestPair, HullSearchFindsThePairOfTheWalkOverAllPairs)
+{
+    std::uint32_t state = 12345u;
+    auto next = [&state]
+    {
+        state = state * 1664525u + 1013904223u;
+        return static_cast<float>(state >> 8) / 16777216.0f;
+    };
+    auto check = [](const std::vector<Vec2>& points, const char* what)
+    {
+        int i = -1, j = -1, ei = -1, ej = -1;
+        FindFarthestPair(points.data(), static_cast<int>(points.size()), i, j);
+        FindFarthestPairAllPairs(points.data(), static_cast<int>(points.size()), ei, ej);
+        EXPECT_EQ(ei, i) << what;
+        EXPECT_EQ(ej, j) << what;
+    };
+
+    for (int round = 0; round < 20; ++round)
+    {
+        std::vector<Vec2> cloud;
+        for (int k = 0; k < 600; ++k)
+            cloud.push_back(Vec2(next() * 10 - 5, next() * 3 - 1));
+        check(cloud, "random cloud");
+    }
+
+    // A square grid: both diagonals tie, and corners repeat at higher indices.
+    std::vector<Vec2> grid;
+    for (int x = 0; x < 20; ++x)
+        for (int y = 0; y < 20; ++y)
+            grid.push_back(Vec2(float(x), float(y)));
+    grid.push_back(Vec2(19, 19));
+    grid.push_back(Vec2(0, 0));
+    check(grid, "grid");
+
+    std::vector<Vec2> line;
+    for (int k = 0; k < 400; ++k)
+        line.push_back(Vec2(float(k % 37), float(k % 37) * 2));
+    check(line, "collinear points");
+
+    const std::vector<Vec2> same(300, Vec2(2, 2));
+    check(same, "one place");
+
+    // A regular polygon of many vertices: every vertex is on the hull.
+    std::vector<Vec2> circle;
+    for (int k = 0; k < 1000; ++k)
+        circle.push_back(Vec2(std::cos(k * 2 * PIf / 1000), std::sin(k * 2 * PIf / 1000)));
+    check(circle, "circle");
 }

@@ -452,3 +452,40 @@ TEST_F(WorldTest, Contact_MixAndIds)
 }
 
 } // namespace physics
+
+namespace physics
+{
+TEST_F(WorldTest, Collision_BoxWithANonFinitePoseMakesNoContact)
+{
+    for (float angle : {std::numeric_limits<float>::quiet_NaN(), math::INF})
+    {
+        testing::ResetWorld();
+        // A body wraps a non-finite angle to 0, but a shape's own pose takes what it is given.
+        testing::AddDynamic(QLEX_NEW new Box(math::Vec2(1.0f, 1.0f), math::Vec2(0.0f, 0.5f)));
+        util::SharedPtr<Box> odd = QLEX_NEW new Box(math::Vec2(1.0f, 1.0f), math::Vec2(0.0f, 0.0f));
+        odd->SetWorldPose(math::Mat2D::TranslationRotation(math::Vec2(0.0f, 1.0f), angle));
+        testing::AddDynamic(odd);
+        EXPECT_EQ(Contacts().size(), 0u) << angle;
+        EXPECT_FALSE(Logged("Collision detection reported bad contact")) << angle;
+    }
+}
+
+TEST_F(WorldTest, Collision_ContactsOfAStepAreCappedWithOneWarning)
+{
+    // Boxes heaped on one spot: every pair overlaps, two contacts each, far more than the cap.
+    for (int i = 0; i < 700; ++i)
+        testing::AddDynamic(QLEX_NEW new Box(math::Vec2(1.0f, 1.0f), math::Vec2(0.0f, 1.0f)));
+    Collider collider;
+    collider.AssignBodies(Sim().GetBodies(), Sim().GetParticles());
+    for (int step = 0; step < 2; ++step)
+    {
+        util::VectorPOD<Contact*> contacts;
+        collider.Collide(contacts);
+        EXPECT_EQ(contacts.size(), 200000u);
+    }
+    const size_t warnings = std::count_if(m_log.begin(), m_log.end(),
+                                          [](const std::string& line)
+                                          { return line.find("Too many contacts") != std::string::npos; });
+    EXPECT_EQ(warnings, 1u);
+}
+} // namespace physics

@@ -275,4 +275,31 @@ TEST_F(JointTest, StiffnessOfZero_LetsTheChainFallApartWithoutNaN)
     EXPECT_LT(links.front()->GetPosition().y, top - 4.0f);
     EXPECT_FALSE(Logged("Removing bad object"));
 }
+TEST_F(JointTest, SingularHinge_SitsTheStepOutWithAWarningAndTheRunGoesOn)
+{
+    // Without regularisation, bodies of vast mass make the hinge's matrix vanish in float.
+    Sim().m_adHocSolver = true;
+    util::SharedPtr<Box> a = QLEX_NEW new Box(math::Vec2(1.0f, 1.0f), math::Vec2(0.0f, 3.0f));
+    util::SharedPtr<Box> b = QLEX_NEW new Box(math::Vec2(1.0f, 1.0f), math::Vec2(1.0f, 3.0f));
+    a->SetDensity(1e25f);
+    b->SetDensity(1e25f);
+    testing::AddDynamic(a);
+    testing::AddDynamic(b);
+    util::SharedPtr<Hinge> hinge = QLEX_NEW new Hinge(a, b, math::Vec2(0.5f, 3.0f));
+    Sim().AddConstraint(hinge);
+    RunSteps(5);
+    EXPECT_TRUE(Logged("A hinge whose bodies are too heavy to solve is skipped"));
+    EXPECT_TRUE(Sim().HasConstraint(hinge));
+    EXPECT_EQ(hinge->GetSum(), math::Vec2(0.0f, 0.0f));
+    // Both fall freely, and stay sound.
+    EXPECT_LT(a->GetBody()->GetPosition().y, 3.0f);
+    EXPECT_FALSE(a->GetBody()->IsBad());
+
+    // Once is enough to tell.
+    const size_t warnings = std::count_if(m_log.begin(), m_log.end(),
+                                          [](const std::string& line)
+                                          { return line.find("too heavy to solve") != std::string::npos; });
+    EXPECT_EQ(warnings, 1u);
+}
+
 } // namespace physics

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 #include <random>
 
@@ -162,6 +163,39 @@ TEST_F(WaterTest, Neighbours_AcrossTheAxisAndAtOnePoint)
     EXPECT_FLOAT_EQ(a->GetNeighbors()[1].distance, 0.01f * Water().m_radius);
     EXPECT_FALSE(a->IsBad());
     EXPECT_NE(a->GetPosition(), b->GetPosition());
+}
+
+TEST_F(WaterTest, FarParticles_ShareTheBorderCellsAndLeaveTheRestAlone)
+{
+    // Cells stop at 2^30 from the origin, whatever the position, NaN included.
+    EXPECT_EQ(Cellify(math::Vec2(1e30f, -1e30f), 10.0f), math::TVector2<int>(1073741824, -1073741824));
+    EXPECT_EQ(Cellify(math::Vec2(std::numeric_limits<float>::quiet_NaN(), 0.0f), 10.0f).x, -1073741824);
+
+    Sim().m_gravitySwitch = false;
+    util::SharedPtr<Particle> far = AddParticle(math::Vec2(1e30f, 1e30f));
+    util::SharedPtr<Particle> farther = AddParticle(math::Vec2(3e38f, 1e30f));
+    util::SharedPtr<Particle> a = AddParticle(math::Vec2(0.0f, 0.0f));
+    util::SharedPtr<Particle> b = AddParticle(math::Vec2(0.05f, 0.0f));
+    UpdateWater();
+    EXPECT_EQ(far->GetNeighbors().size(), 1u);
+    EXPECT_EQ(farther->GetNeighbors().size(), 1u);
+    EXPECT_EQ(a->GetNeighbors().size(), 2u);
+    EXPECT_FALSE(a->IsBad());
+}
+
+TEST_F(WaterTest, Pairs_OfWaterHeapedOnOnePointAreCappedWithOneWarning)
+{
+    // 4,000 particles at one point would make 8 million pairs: twice the cap.
+    Sim().m_gravitySwitch = false;
+    for (int i = 0; i < 4000; ++i)
+        AddParticle(math::Vec2(1.0f, 1.0f));
+    UpdateWater(2);
+    const float average = 1.0f + 2.0f * 4000000.0f / 4000.0f;
+    EXPECT_FLOAT_EQ(Water().GetReportedValue("AVG_neighCount"), average);
+    const size_t warnings = std::count_if(m_log.begin(), m_log.end(),
+                                          [](const std::string& line)
+                                          { return line.find("Water too crowded") != std::string::npos; });
+    EXPECT_EQ(warnings, 1u);
 }
 
 TEST_F(WaterTest, Neighbours_AreEveryPairWithinTheInfluenceDistance)

@@ -183,6 +183,25 @@ TEST_F(SimulationUpdateTest, NaN_BodyIsFlushedAndTheRestGoesOn)
     EXPECT_FALSE(good->IsBad());
 }
 
+TEST_F(SimulationUpdateTest, NaN_MaterialSpoilsOnlyItsOwnContacts)
+{
+    // The ground is shared: an impulse of NaN on it would reach every body that rests there.
+    testing::AddGround();
+    std::vector<util::SharedPtr<Body>> boxes;
+    for (float x : {-3.0f, 0.0f, 3.0f})
+        boxes.push_back(testing::AddDynamic(QLEX_NEW new Box(math::Vec2(1.0f, 1.0f), math::Vec2(x, 0.49f))));
+    boxes[1]->GetParts()[0].geom->SetRestitution(std::numeric_limits<float>::quiet_NaN());
+    for (int i = 0; i < 100; ++i)
+        Frame(0.01);
+    for (const util::SharedPtr<Body>& box : {boxes[0], boxes[2]})
+    {
+        EXPECT_TRUE(Sim().HasBody(box));
+        EXPECT_FALSE(box->IsBad());
+        EXPECT_NEAR(box->GetPosition().y, 0.5f, 0.02f);
+    }
+    EXPECT_FALSE(Logged("Removing bad object"));
+}
+
 TEST_F(SimulationUpdateTest, Clear_LeavesOnlyTheWorldBody)
 {
     testing::BuildPyramid(3, testing::Shape::Box);

@@ -2,6 +2,8 @@
 
 #include "script/AttribWrapper.h"
 
+#include <limits>
+
 namespace
 {
 // A program object with settings of several kinds.
@@ -22,6 +24,8 @@ public:
     void SetOutside(float x) { m_outside = x < 0.0f ? 0.0f : x; }
     void OnSpeed() { ++m_speedChanges; }
 
+    // Before the attributes: the outside one reads it when it is made.
+    float m_outside = 2.0f;
     script::AttribWrapper<float> speed;
     script::AttribWrapper<bool> on;
     script::AttribWrapper<math::Vec2> gravity;
@@ -31,7 +35,6 @@ public:
     script::AttribWrapper<float> outside;
     int m_remoteValue = 7;
     script::AttribWrapper<int> remote;
-    float m_outside = 2.0f;
     int m_speedChanges = 0;
 };
 
@@ -106,6 +109,35 @@ TEST_F(Attributes, ABadTypeIsLoggedAndTheOldValueStays)
     EXPECT_EQ(3, int(s.count));
     EXPECT_FALSE(s.speed->IsBound());
     EXPECT_EQ(0u, script::AbstractAttrib::GetDynamicAttributeCount());
+}
+
+TEST_F(Attributes, NaNIsRefusedAndInfinityWhereOnlyFiniteNumbersMayGo)
+{
+    Settings& s = *m_settings;
+    s.gravity->RequireFinite();
+    Run("Settings.speed = 0.0 / 0.0");
+    EXPECT_TRUE(Reported("!! ERROR: speed must be a finite number, not NaN; it keeps 1.5"));
+    Run("Settings.gravity = [1.0 / 0.0, 0.0]");
+    EXPECT_TRUE(
+        Reported("!! ERROR: gravity must be a finite number, not [+inf, 0]; it keeps [0, -9.80000019]"));
+    Run("Settings.outside = 0.0 / 0.0");
+    EXPECT_TRUE(Reported("!! ERROR: outside must be a finite number, not NaN; it keeps 2"));
+    EXPECT_EQ(1.5f, float(s.speed));
+    EXPECT_EQ(math::Vec2(0.0f, -9.8f), s.gravity.Get());
+    EXPECT_EQ(2.0f, float(s.outside));
+
+    // Where nothing forbids it, infinity stays: it prints as +inf and reads back.
+    EXPECT_EQ("+inf", Run("Settings.speed = 1.0 / 0.0"));
+    EXPECT_EQ("+inf", Run("Settings.speed"));
+    // A binding that turns NaN unbinds and keeps the last good value.
+    Run("Settings.speed = 2.0");
+    Run("Settings.speed = { 0.0 / 0.0 }");
+    EXPECT_EQ(2.0f, float(s.speed));
+    EXPECT_FALSE(s.speed->IsBound());
+
+    // The program's own values are its business.
+    s.speed = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_TRUE(math::IsNaN(float(s.speed)));
 }
 
 TEST_F(Attributes, BoundExpressionsAreRecalculatedEachUpdate)

@@ -125,3 +125,26 @@ TEST_F(Parser, DeepNestingIsRefusedNotFollowed)
         fine = "(" + fine + " + 1)";
     EXPECT_EQ("101", Run(fine));
 }
+
+TEST_F(Parser, LongChainsAndMemberPathsAreRefusedAsNesting)
+{
+    // Each term of a chain nests one call deeper, and `+1` is a number, so `1+1+1` is a chain too.
+    for (const std::string& term : {std::string(" 1"), std::string("+1"), std::string(".a")})
+    {
+        std::string chain = "x";
+        for (int i = 0; i < 50000; ++i)
+            chain += term;
+        m_errors.clear();
+        EXPECT_EQ("", Run(chain)) << term;
+        EXPECT_TRUE(Reported("Expression nested too deeply")) << term;
+    }
+    std::string shortChain = "(a) => {(b) => {a}}";
+    for (int i = 0; i < 100; ++i)
+        shortChain += " 1";
+    EXPECT_EQ("", Run(shortChain));
+    EXPECT_TRUE(Reported("Function call applied to non-function: "));
+
+    // A function declaration is still told from a bracket, however deep the brackets around it.
+    EXPECT_EQ("3", Run("(((((a) => {a + 1}) 2)))"));
+    EXPECT_EQ("2", Run("((1) + ((1)))"));
+}

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <stdexcept>
+#include <vector>
 
 namespace
 {
@@ -191,6 +192,31 @@ TEST(FileSystem_Random, TwoGeneratorsDiffer)
     for (int i = 0; i < 10 && !differ; ++i)
         differ = a.GetUniform(0.0f, 1.0f) != b.GetUniform(0.0f, 1.0f);
     EXPECT_TRUE(differ);
+}
+
+TEST(FileSystem_Random, ASeedRepeatsEveryDrawOfOldAndNewGenerators)
+{
+    // A generator made before the seed, used before and after it, and generators made after it.
+    util::Random old;
+    old.GetUniform(0.0f, 1.0f);
+    auto draws = [&old]
+    {
+        std::vector<float> values;
+        for (int i = 0; i < 3; ++i)
+            values.push_back(old.GetUniform(0.0f, 1.0f));
+        util::Random fresh;
+        values.push_back(fresh.GetNormalVec2().x);
+        util::Random another;
+        values.push_back(another.GetUniform(0.0f, 1.0f));
+        return values;
+    };
+    util::Random::SetSeed(42);
+    EXPECT_EQ(42u, util::Random::GetSeed());
+    const std::vector<float> first = draws();
+    util::Random::SetSeed(42);
+    EXPECT_EQ(first, draws());
+    util::Random::SetSeed(43);
+    EXPECT_NE(first, draws());
 }
 
 TEST(FileSystem_Timer, CountsUpInWholeMilliseconds)

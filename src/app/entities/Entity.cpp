@@ -9,6 +9,7 @@
 #include "app/Snapshot.h"
 #include "app/Undoer.h"
 #include "logging/Log.h"
+#include "script/ValueConversions.h"
 
 #include <algorithm>
 #include <cmath>
@@ -139,7 +140,13 @@ void Entity::Deserialize(const EntitySerializer& serializer)
         }
     }
     if (serializer.Has("zDepth"))
-        m_zDepth = serializer.Get<float>("zDepth");
+    {
+        // Infinite depth is an entity's "no depth yet"; NaN would break the scene's ordering.
+        const float depth =
+            script::ObjectToValue<float>(script::ExpandObject(serializer.GetObject("zDepth")));
+        QLEX_DATA_ASSERT(!math::IsNaN(depth));
+        m_zDepth = depth;
+    }
     if (serializer.Has("tracked") && serializer.Get<bool>("tracked"))
         TrackWithCamera();
     if (serializer.Has("buttonDestroy"))

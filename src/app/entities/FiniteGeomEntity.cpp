@@ -31,6 +31,9 @@ FiniteGeomEntity::FiniteGeomEntity(GeomPtr geom)
       m_controllerInvertY(this, "controllerInvertY", false)
 {
     physics::Geom* g = m_geom.get();
+    m_density->RequireFinite();
+    m_airFrictionMult->RequireFinite();
+    m_controllerAcc->RequireFinite();
     script::TAttrib<math::real>* density = &*m_density.GetAttrib();
     script::TAttrib<math::real>* air = &*m_airFrictionMult.GetAttrib();
     m_density->AddChangeCallback(

@@ -27,6 +27,8 @@ GeomEntity::GeomEntity(GeomPtr geom)
                    geom->GetKind() == physics::Geom::Kind::Plane ? COLLIDE_ALL : COLLIDE_DEFAULT_GROUP)
 {
     physics::Geom* g = m_geom.get();
+    m_friction->RequireFinite();
+    m_restitution->RequireFinite();
     Forward(m_friction, g, this, &physics::Geom::SetFriction);
     Forward(m_restitution, g, this, &physics::Geom::SetRestitution);
     Forward(m_collideWater, g, this, &physics::Geom::SetWaterCollide);

@@ -25,6 +25,9 @@ HingeEntity::HingeEntity(float size)
       m_autoBrake(this, "autoBrake", false), m_impulseLimit(this, "impulseLimit", math::INF),
       m_distanceLimit(this, "distanceLimit", math::INF)
 {
+    // The limits may be infinite: that is their default, no limit.
+    m_motorSpeed->RequireFinite();
+    m_motorTorque->RequireFinite();
 }
 
 void HingeEntity::Update(float dt)

@@ -36,6 +36,7 @@ PenEntity::PenEntity(float size)
     : m_size(this, "size", size), m_fadeTime(this, "fadeTime", 10.0f),
       m_time(physics::Simulation::GetInstancePtr()->GetSimulatedTime())
 {
+    m_size->RequireFinite();
     physics::Simulation::GetInstancePtr()->AddStepCallback(
         util::MakeCallbackArg<float>(&PenEntity::OnSimUpdate, this));
 }

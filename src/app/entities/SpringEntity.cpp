@@ -23,6 +23,9 @@ SpringEntity::SpringEntity(float size)
                       &SpringEntity::SetDampingFactor),
       m_lengthAttrib(this, "length", this, &SpringEntity::GetTargetLength, &SpringEntity::SetTargetLength)
 {
+    m_strengthAttrib->RequireFinite();
+    m_dampingAttrib->RequireFinite();
+    m_lengthAttrib->RequireFinite();
 }
 
 float SpringEntity::GetStrengthFactor() const
