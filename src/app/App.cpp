@@ -1,4 +1,5 @@
 #include "app/App.h"
+#include "app/TextEditAction.h"
 #include "app/Undoer.h"
 
 #include "app/AppGUI.h"
@@ -133,6 +134,7 @@ App::App()
     m_reflected->AddReflectedChild(m_appGUI->GetReflected());
     GetCamera().Reset();
 
+    TextUndoSink::Register();
     m_reflected->AddVoidCmd("undo", [] { Undoer::GetInstancePtr()->Undo(); });
     m_reflected->AddVoidCmd("redo", [] { Undoer::GetInstancePtr()->Redo(); });
     // Only a history that exists has stacks to trim.
@@ -147,6 +149,7 @@ App::App()
 
 App::~App()
 {
+    TextUndoSink::Unregister();
     // Scripts that still hold "App" find no settings of a dead application.
     if (!script::Parser::Exists())
         return;

@@ -2,6 +2,7 @@
 #include "app/SceneFiles.h"
 
 #include "app/App.h"
+#include "app/Undoer.h"
 #include "core/ProgramFiles.h"
 #include "logging/Log.h"
 #include "script/Configuration.h"
@@ -30,6 +31,20 @@ void AppGUI::Update(float dt)
         SaveSceneAs(Scene_Autosave, true);
         m_lastAutosave = now;
     }
+}
+
+void AppGUI::OnKeyEvent(const input::KeyEvent& event)
+{
+    gui::Component::OnKeyEvent(event);
+    if (event.IsHandled() || !event.pressed || !event.ctrl)
+        return;
+    if (event.key == SDLK_z)
+        Undoer::GetInstancePtr()->Undo();
+    else if (event.key == SDLK_y)
+        Undoer::GetInstancePtr()->Redo();
+    else
+        return;
+    event.SetHandled();
 }
 
 void AppGUI::LoadScene(const util::String& name, bool automatic)

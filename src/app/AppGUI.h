@@ -19,6 +19,8 @@ public:
 
     // The base, then the configuration's autosave once App's "autosaveTime" has passed.
     void Update(float dt) override;
+    // Of the shortcut table only Ctrl+Z (undo) and Ctrl+Y (redo) stand here so far.
+    void OnKeyEvent(const input::KeyEvent& event) override;
 
     // No way out of the program while set: the shell neither asks for nor honours a quit.
     bool IsUserTrapped() const { return m_trapUser; }

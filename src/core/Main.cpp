@@ -50,6 +50,8 @@ void JoinSubsystems(core::Subsystem& subsystem)
     physics::SPH::GetInstancePtr()->AddToRoot();
     gui::GUI* gui = gui::GUI::GetInstancePtr();
     gui->GetReflected()->AddToRoot();
+    gui->AddFontChangeCallback(
+        util::MakeCallback(&core::ResourceManager::ReloadFonts, core::ResourceManager::GetInstancePtr()));
 
     util::SharedPtr<app::App> application = app::App::GetInstancePtr();
     gui->GetMainComponent()->AddComponent(application);

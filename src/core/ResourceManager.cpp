@@ -1,5 +1,6 @@
 #include "core/ResourceManager.h"
 
+#include "gui/Font.h"
 #include "logging/Log.h"
 #include "rendering/GLContext.h"
 #include "rendering/GraphicsResource.h"
@@ -78,6 +79,11 @@ void ResourceManager::ReloadTextures()
 {
     rendering::ImageManager::GetInstancePtr()->ReloadAll();
     LoadClass<rendering::Texture>(true);
+}
+
+void ResourceManager::ReloadFonts()
+{
+    LoadClass<gui::Font>(true);
 }
 
 size_t ResourceManager::CalcVRamUsage() const

@@ -28,6 +28,8 @@ public:
     // window.
     void Prefetch();
     void ReloadTextures();
+    // Makes every font again from its files: the change callback of the GUI's "font".
+    void ReloadFonts();
     // Bytes of video memory of all live graphics resources.
     size_t CalcVRamUsage() const;
     void OnShaderOnOffChange();

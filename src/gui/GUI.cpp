@@ -1,6 +1,7 @@
 #include "gui/GUI.h"
 
 #include "gui/LookAndFeel.h"
+#include "gui/TextProbe.h"
 #include "input/Input.h"
 #include "rendering/AttribPusher.h"
 #include "rendering/Renderer.h"
@@ -83,6 +84,7 @@ GUI::~GUI() noexcept
         input::Input::SetSettings(nullptr);
     }
     LookAndFeel::ResetDefault();
+    DropFallbackFont();
 }
 
 void GUI::AddFontChangeCallback(util::CallbackPtr callback)
@@ -131,6 +133,12 @@ void GUI::OnScaleChange()
 
 void GUI::Update(float dt)
 {
+    // A focused field joins the GUI's root as a listener, which it can't while the GUI is being made.
+    if (!m_textProbeChecked)
+    {
+        m_textProbeChecked = true;
+        AddTextProbe(*m_rootComponent);
+    }
     UpdateMouseOverComp();
     m_rootComponent->Update(dt);
 }
