@@ -67,7 +67,9 @@ void Quad(float x0, float y0, float x1, float y1, float u0, float v0, float u1, 
     glVertex2f(x1, y0);
 }
 
-rendering::ImageRGBA32Ptr BuiltinImage()
+} // namespace
+
+rendering::ImageRGBA32Ptr Font::BuiltinFontImage()
 {
     // Made once and never freed: fonts are made again with every GL context, the picture is not.
     static rendering::ImageRGBA32Ptr* s_image = nullptr;
@@ -88,7 +90,6 @@ rendering::ImageRGBA32Ptr BuiltinImage()
     }
     return *s_image;
 }
-} // namespace
 
 Font::Font(rendering::TextureProxy texture, int textureWidth)
     : m_texture(std::move(texture)), m_textureWidth(textureWidth)
@@ -122,7 +123,7 @@ FontProxy Font::Load(std::string imageFile, std::string widthsFile)
 
 Font* Font::BuiltinFontLoader()
 {
-    const rendering::ImageRGBA32Ptr image = BuiltinImage();
+    const rendering::ImageRGBA32Ptr image = BuiltinFontImage();
     Font* font = new Font(rendering::TextureManager::GetInstancePtr()->Load(image, FontImageType()),
                           BUILTIN_FONT_SIDE);
     const float toUnits = float(CELLS) / float(BUILTIN_FONT_SIDE);

@@ -41,6 +41,8 @@ public:
     static FontProxy Load(std::string imageFile, std::string widthsFile);
     // The font made into the program: readable when the font files are not.
     static Font* BuiltinFontLoader();
+    // Its picture, made once from the data built into the program.
+    static rendering::ImageRGBA32Ptr BuiltinFontImage();
 
     // 256 entries of one byte, or of two bytes little-endian: the width of each character in pixels of
     // the texture. Any other file leaves every width at 1 and says why in the log.

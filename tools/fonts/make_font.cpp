@@ -15,6 +15,7 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -85,31 +86,34 @@ Atlas Render(const char* fontPath, int cell, bool antialiased)
         if (FT_Load_Char(face, FT_ULong(c), flags))
             Fail("cannot render character " + std::to_string(c));
         const FT_GlyphSlot glyph = face->glyph;
-        int advance = int((glyph->advance.x + 32) / 64);
-        if (advance > cell)
-            advance = cell;
-        // The program centres the advance box in the cell; with a width of the cell's parity the box
-        // starts on a whole pixel and the glyph isn't resampled across two columns.
-        if ((cell - advance) % 2 != 0)
-            ++advance;
-        if (advance > cell)
-            advance -= 2;
-        atlas.widths[size_t(c)] = (unsigned char)advance;
+        const FT_Bitmap& bitmap = glyph->bitmap;
+        // The box a character is drawn in: its advance, widened where the glyph's ink sticks out of it
+        // (accents over narrow letters, the hook of a j), since nothing outside the box is drawn.
+        const int advance = int((glyph->advance.x + 32) / 64);
+        const int inkLeft = std::min(0, glyph->bitmap_left);
+        const int inkRight = std::max(advance, glyph->bitmap_left + int(bitmap.width));
+        int box = std::min(inkRight - inkLeft, cell);
+        // The program centres the box in the cell; with a width of the cell's parity the box starts on a
+        // whole pixel and the glyph isn't resampled across two columns.
+        if ((cell - box) % 2 != 0)
+            box += box < cell ? 1 : -1;
+        atlas.widths[size_t(c)] = (unsigned char)box;
 
         const int cellX = (c % GRID) * cell;
         const int cellY = (c / GRID) * cell;
-        const int penX = cellX + (cell - advance) / 2;
-        const FT_Bitmap& bitmap = glyph->bitmap;
+        const int boxX = cellX + (cell - box) / 2;
+        const int penX = boxX - inkLeft;
         for (unsigned row = 0; row < bitmap.rows; ++row)
         {
             const int y = cellY + int(baseline) - glyph->bitmap_top + int(row);
-            if (y < cellY || y >= cellY + cell)
+            // The first and the last row of a cell are not drawn.
+            if (y < cellY + 1 || y >= cellY + cell - 1)
                 continue;
             const unsigned char* source = bitmap.buffer + long(row) * bitmap.pitch;
             for (unsigned col = 0; col < bitmap.width; ++col)
             {
                 const int x = penX + glyph->bitmap_left + int(col);
-                if (x < cellX || x >= cellX + cell)
+                if (x < boxX || x >= boxX + box)
                     continue;
                 unsigned char value;
                 if (bitmap.pixel_mode == FT_PIXEL_MODE_MONO)
