@@ -29,11 +29,13 @@ namespace
 const size_t NARROW_WIDTHS_SIZE = Font::CHARS;
 const size_t WIDE_WIDTHS_SIZE = 2 * Font::CHARS;
 
-// Mipmapped and linear: the glyphs are drawn larger and smaller than their cells, and each cell is
-// sampled apart from its neighbours, which clamping keeps at the picture's edge.
+// Mipmapped, with the nearest texel of the nearest level: a row of text 16 pixels high shows a cell of the
+// first level below the picture almost texel for texel, and one of the picture itself at a scale of 2, so
+// that each texel lands on a pixel whole instead of being smeared over two. Clamped at the picture's
+// edge.
 rendering::Texture::ImageType FontImageType()
 {
-    return rendering::Texture::ImageType(GL_RGBA, true, rendering::Texture::Quality(1, 1, 1, 1, 0));
+    return rendering::Texture::ImageType(GL_RGBA, true, rendering::Texture::Quality(1, 1, 0, 0, 0));
 }
 
 // What the "fontShadow", "crispFonts" and related settings of the GUI hold, or their defaults while there
