@@ -227,7 +227,8 @@ float Font::Draw(const std::string& text, Flags flags) const
     // bleeds in; the picture is square.
     const float texel = 1.0f / float(m_textureWidth);
     const float cell = 1.0f / float(CELLS);
-    const bool shadow = ShadowOn();
+    // A shadow sets light text off any background; under dark text on its own light quad it only smears.
+    const bool shadow = ShadowOn() && !(flags & INVERSE);
     const math::Vec2 offset = ShadowOffset();
     glBegin(GL_QUADS);
     // Every shadow goes below every glyph, so that no shadow darkens the glyph before it.

@@ -185,3 +185,61 @@ TEST_F(TextGLTest, InvertedTextIsDarkOnTheColour)
     EXPECT_GT(dark, (lit + dark) / 10);
     EXPECT_EQ(Measure(pixels, box, 0).outside, 0);
 }
+
+TEST_F(TextGLTest, AFormaterDrawsItsRowsWithinTheFormatsSize)
+{
+    FontFormater formater = LookAndFeel::GetDefault()->GetFontFormater();
+    const TextFormat format = formater.FormatText("two rows\nof text");
+    ASSERT_EQ(format.fragments.size(), 2u);
+    m_window.SetGUIProjection();
+    glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
+    glClear(GL_COLOR_BUFFER_BIT);
+    rendering::Renderer::GetInstancePtr()->InvalidateColor();
+    rendering::Renderer::GetInstancePtr()->SetColor4(1.0f, 1.0f, 1.0f, 1.0f);
+    const math::Vec2 size = formater.DrawText(LABEL_POS, format);
+    ASSERT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+    EXPECT_FLOAT_EQ(size.y, 2.0f * formater.GetCharHeight());
+
+    const Pixels pixels(m_window);
+    const Ink ink = Measure(pixels, math::BoundingBox2f(LABEL_POS, LABEL_POS + size), 0);
+    EXPECT_EQ(ink.outside, 0);
+    EXPECT_GT(ink.inside, 100);
+    // Both rows have ink.
+    const Ink second = Measure(
+        pixels, math::BoundingBox2f(LABEL_POS + math::Vec2(0.0f, formater.GetCharHeight()), LABEL_POS + size),
+        0);
+    EXPECT_GT(second.inside, 40);
+}
+
+TEST_F(TextGLTest, AFocusedBoxShowsItsSelectionInverted)
+{
+    util::SharedPtr<TextBox> box = Label("hello world");
+    box->SetEnableByClick(true);
+    box->SetEnabled(true);
+    box->GetTextEditor()->SetCursor(TextSelection(TextPos(0, 0), TextPos(0, 5)));
+    Draw(*box, 1.0f);
+    const Pixels pixels(m_window);
+    const float split = box->GetInnerPos().x + box->CursorToPos(TextPos(0, 5)).x;
+    const math::Vec2 inner = box->GetInnerPos();
+    int selectedLit = 0, selectedAll = 0, restLit = 0, restAll = 0;
+    for (int y = int(inner.y) + 2; y < int(inner.y + box->GetInnerSize().y) - 2; ++y)
+        for (int x = int(inner.x) + 1; x < int(inner.x + box->GetInnerSize().x) - 2; ++x)
+        {
+            const bool lit = pixels.Value(x, y) > 200;
+            if (x < int(split) - 1)
+            {
+                ++selectedAll;
+                selectedLit += lit;
+            }
+            else if (x > int(split) + 1)
+            {
+                ++restAll;
+                restLit += lit;
+            }
+        }
+    // The selected part is a light quad under dark glyphs and their shadows; the rest is light glyphs
+    // on the dark: far more of the selected part is lit.
+    EXPECT_GT(selectedLit * 10, selectedAll * 3) << selectedLit << " of " << selectedAll;
+    EXPECT_GT(selectedLit * restAll, 2 * restLit * selectedAll) << restLit << " of " << restAll;
+    EXPECT_GT(restLit, 10);
+}
