@@ -6,7 +6,9 @@
 //     c % 16, row c / 16; its advance box is centred in the cell, and the line (ascender to descender)
 //     fills the cell but for one row at the top and one at the bottom, which the program leaves out when
 //     it samples a cell.
-//     OUT.dat: 256 bytes, the advance of each character in pixels of the picture.
+//     OUT.dat: 256 bytes, the width of each character's box in pixels of the picture. The glyphs are
+//     fitted to a grid of two pixels, so that the picture halved (its first mipmap level) is as crisp as
+//     the picture itself.
 //   make_font builtin FONT.ttf CELL OUT.cpp NAMESPACE
 //     The same picture in one bit a pixel (rendered without anti-aliasing), and the widths, as arrays.
 //
@@ -14,6 +16,7 @@
 // control codes among them) is left empty, with width 0.
 #include <ft2build.h>
 #include FT_FREETYPE_H
+#include FT_OUTLINE_H
 
 #include <algorithm>
 #include <cstdio>
@@ -43,22 +46,26 @@ struct Atlas
     std::exit(1);
 }
 
-// The largest pixel size whose line, ascender to descender, fits in the rows of a cell that show.
-int FitPixelSize(FT_Face face, int cell)
+// The largest pixel size whose line, ascender to descender, fits in `rows`.
+int FitPixelSize(FT_Face face, int rows)
 {
-    for (int size = cell; size > 1; --size)
+    for (int size = rows + 2; size > 1; --size)
     {
         if (FT_Set_Pixel_Sizes(face, 0, FT_UInt(size)))
             Fail("the font has no size " + std::to_string(size));
         const long ascender = (face->size->metrics.ascender + 63) / 64;
         const long descender = (-face->size->metrics.descender + 63) / 64;
-        if (ascender + descender <= cell - CELL_MARGIN_ROWS)
+        if (ascender + descender <= rows)
             return size;
     }
     Fail("cells are too small for any size of the font");
 }
 
-Atlas Render(const char* fontPath, int cell, bool antialiased)
+// `grid`: pixels of the picture to a pixel of the grid the glyphs are fitted to. With 2, each glyph is
+// hinted at half the size and drawn at the full one: its stems and its baseline fall on even pixels, so
+// that the picture's first mipmap level, which shows the text at a GUI scale of 1, holds the glyphs as
+// crisp as if rendered for that size, while the full size keeps smooth curves for a scale of 2.
+Atlas Render(const char* fontPath, int cell, int grid, bool antialiased)
 {
     FT_Library library;
     if (FT_Init_FreeType(&library))
@@ -66,43 +73,74 @@ Atlas Render(const char* fontPath, int cell, bool antialiased)
     FT_Face face;
     if (FT_New_Face(library, fontPath, 0, &face))
         Fail(std::string("cannot read the font ") + fontPath);
-    FitPixelSize(face, cell);
+    const int rowsShown = cell - CELL_MARGIN_ROWS;
+    FitPixelSize(face, rowsShown / grid);
 
     Atlas atlas;
     atlas.cell = cell;
     atlas.side = GRID * cell;
     atlas.alpha.assign(size_t(atlas.side) * size_t(atlas.side), 0);
     atlas.widths.assign(CHARS, 0);
-    const long ascender = (face->size->metrics.ascender + 63) / 64;
-    const long descender = (-face->size->metrics.descender + 63) / 64;
-    // The line sits in the middle of the rows that show.
-    const long baseline = 1 + ascender + (cell - CELL_MARGIN_ROWS - ascender - descender) / 2;
-    const FT_Int32 flags = FT_LOAD_RENDER | (antialiased ? FT_LOAD_TARGET_NORMAL : FT_LOAD_TARGET_MONO);
+    const long ascender = grid * ((face->size->metrics.ascender + 63) / 64);
+    const long descender = grid * ((-face->size->metrics.descender + 63) / 64);
+    // The line sits in the middle of the rows that show, its baseline on the grid.
+    long baseline = 1 + ascender + (rowsShown - ascender - descender) / 2;
+    baseline -= baseline % grid;
+    // Full hinting, across as well as up: the stems are fitted to the grid.
+    const FT_Int32 flags = FT_LOAD_NO_BITMAP | FT_LOAD_TARGET_MONO;
+    const FT_Render_Mode mode = antialiased ? FT_RENDER_MODE_NORMAL : FT_RENDER_MODE_MONO;
+    const FT_Matrix scale = {grid * 0x10000, 0, 0, grid * 0x10000};
 
+    const auto load = [&](int c)
+    {
+        if (FT_Load_Char(face, FT_ULong(c), flags))
+            Fail("cannot load character " + std::to_string(c));
+        FT_Outline_Transform(&face->glyph->outline, &scale);
+        if (FT_Render_Glyph(face->glyph, mode))
+            Fail("cannot render character " + std::to_string(c));
+        return face->glyph;
+    };
+    const auto inkLeftOf = [](FT_GlyphSlot glyph) { return std::min(0, glyph->bitmap_left); };
+
+    // The box a character is drawn in: its advance, widened where the glyph's ink sticks out of it
+    // (accents over narrow letters, the hook of a j), since nothing outside the box is drawn.
+    std::vector<int> boxes(CHARS, 0);
     for (int c = 0; c < CHARS; ++c)
     {
         if (FT_Get_Char_Index(face, FT_ULong(c)) == 0)
             continue;
-        if (FT_Load_Char(face, FT_ULong(c), flags))
-            Fail("cannot render character " + std::to_string(c));
-        const FT_GlyphSlot glyph = face->glyph;
-        const FT_Bitmap& bitmap = glyph->bitmap;
-        // The box a character is drawn in: its advance, widened where the glyph's ink sticks out of it
-        // (accents over narrow letters, the hook of a j), since nothing outside the box is drawn.
-        const int advance = int((glyph->advance.x + 32) / 64);
-        const int inkLeft = std::min(0, glyph->bitmap_left);
-        const int inkRight = std::max(advance, glyph->bitmap_left + int(bitmap.width));
-        int box = std::min(inkRight - inkLeft, cell);
+        const FT_GlyphSlot glyph = load(c);
+        const int advance = grid * int((glyph->advance.x + 32) / 64);
+        const int inkRight = std::max(advance, glyph->bitmap_left + int(glyph->bitmap.width));
+        int box = std::min(inkRight - inkLeftOf(glyph), cell);
         // The program centres the box in the cell; with a width of the cell's parity the box starts on a
         // whole pixel and the glyph isn't resampled across two columns.
         if ((cell - box) % 2 != 0)
             box += box < cell ? 1 : -1;
-        atlas.widths[size_t(c)] = (unsigned char)box;
+        boxes[size_t(c)] = box;
+    }
+    // A fixed-width font stays one: every character gets the widest box.
+    if (FT_IS_FIXED_WIDTH(face))
+    {
+        const int widest = *std::max_element(boxes.begin(), boxes.end());
+        for (int& box : boxes)
+            box = box > 0 ? widest : 0;
+    }
 
+    for (int c = 0; c < CHARS; ++c)
+    {
+        const int box = boxes[size_t(c)];
+        if (box == 0)
+            continue;
+        atlas.widths[size_t(c)] = (unsigned char)box;
+        const FT_GlyphSlot glyph = load(c);
+        const FT_Bitmap& bitmap = glyph->bitmap;
         const int cellX = (c % GRID) * cell;
         const int cellY = (c / GRID) * cell;
         const int boxX = cellX + (cell - box) / 2;
-        const int penX = boxX - inkLeft;
+        // A box that starts between two pixels of the grid is shown from its second pixel on where the
+        // grid's pixels are shown whole: the glyph moves with it.
+        const int penX = boxX - inkLeftOf(glyph) + (boxX % grid);
         for (unsigned row = 0; row < bitmap.rows; ++row)
         {
             const int y = cellY + int(baseline) - glyph->bitmap_top + int(row);
@@ -177,14 +215,14 @@ int main(int argc, char** argv)
     const std::string mode = argc > 1 ? argv[1] : "";
     if (mode == "atlas" && argc == 6)
     {
-        const Atlas atlas = Render(argv[2], CellArgument(argv[3]), true);
+        const Atlas atlas = Render(argv[2], CellArgument(argv[3]), 2, true);
         WriteFile(argv[4], atlas.alpha);
         WriteFile(argv[5], atlas.widths);
         return 0;
     }
     if (mode == "builtin" && argc == 6)
     {
-        WriteBuiltin(Render(argv[2], CellArgument(argv[3]), false), argv[4], argv[5]);
+        WriteBuiltin(Render(argv[2], CellArgument(argv[3]), 1, false), argv[4], argv[5]);
         return 0;
     }
     std::fprintf(stderr, "usage: make_font atlas FONT.ttf CELL OUT.raw OUT.dat\n"
