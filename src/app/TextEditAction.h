@@ -1,6 +1,6 @@
 #pragma once
 // Text edits of the toolkit as steps of the document's history: the toolkit hands each edit to the sink
-// that the undoer registers, and the step restores the text and selection of before or after.
+// that the application registers, and the step restores the text and selection of before or after.
 
 #include "app/Action.h"
 #include "gui/components/AutoUndoer.h"
