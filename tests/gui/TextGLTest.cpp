@@ -3,6 +3,7 @@
 #include "GLTestWindow.h"
 
 #include "gui/Font.h"
+#include "gui/GUI.h"
 #include "gui/LookAndFeel.h"
 #include "gui/components/TextBox.h"
 #include "rendering/Renderer.h"
@@ -242,4 +243,47 @@ TEST_F(TextGLTest, AFocusedBoxShowsItsSelectionInverted)
     EXPECT_GT(selectedLit * 10, selectedAll * 3) << selectedLit << " of " << selectedAll;
     EXPECT_GT(selectedLit * restAll, 2 * restLit * selectedAll) << restLit << " of " << restAll;
     EXPECT_GT(restLit, 10);
+}
+
+TEST_F(TextGLTest, CrispFontsAreCutAtTheAlphaAndShadowsFallBehindLightText)
+{
+    GUI* gui = GUI::GetInstancePtr();
+    util::SharedPtr<TextBox> label = Label(SAMPLE);
+    // On grey, a shadow shows as pixels darker than the background.
+    const auto countDark = [&]
+    {
+        m_window.SetGUIProjection();
+        glClearColor(0.5f, 0.5f, 0.5f, 1.0f);
+        glClear(GL_COLOR_BUFFER_BIT);
+        rendering::Renderer::GetInstancePtr()->InvalidateColor();
+        rendering::Renderer::GetInstancePtr()->SetColor4(1.0f, 1.0f, 1.0f, 1.0f);
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+        const math::Vec2 pos = label->GetInnerPos();
+        glTranslatef(pos.x, pos.y, 0.0f);
+        label->DrawCompAndChildren();
+        const Pixels pixels(m_window);
+        int dark = 0, between = 0;
+        for (int y = 0; y < pixels.Height(); ++y)
+            for (int x = 0; x < pixels.Width(); ++x)
+            {
+                const int v = pixels.Value(x, y);
+                dark += v < 100 ? 1 : 0;
+                between += (v > 140 && v < 230) ? 1 : 0;
+            }
+        return std::make_pair(dark, between);
+    };
+    const auto soft = countDark();
+    EXPECT_GT(soft.first, 50);
+    EXPECT_GT(soft.second, 50);
+    gui->m_fontShadow = false;
+    EXPECT_EQ(countDark().first, 0);
+
+    // Cut at the alpha: every pixel is the text's or the background's, none between.
+    gui->m_crispFonts = true;
+    const auto crisp = countDark();
+    EXPECT_EQ(crisp.second, 0);
+    gui->m_crispFonts = false;
+    gui->m_fontShadow = true;
+    GUI::Destroy();
 }
