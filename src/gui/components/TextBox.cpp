@@ -62,6 +62,8 @@ void TextBox::Attach(bool attach)
     if (!GUI::Exists())
         return;
     const util::SharedPtr<Component>& root = GUI::GetInstancePtr()->GetRootComponent();
+    if (!root)
+        return;
     if (attach)
     {
         m_text->SetPriority(FOCUSED_TEXT_PRIORITY);
