@@ -1,4 +1,5 @@
 #include "app/App.h"
+#include "app/TextEditAction.h"
 #include "app/entities/EntityPainter.h"
 #include "app/entities/GLEntityPainter.h"
 
@@ -109,10 +110,13 @@ App::App() : m_settings(AppSettings::GetInstancePtr())
     m_appGUI = QLEX_NEW new AppGUI();
     AddComponent(m_appGUI);
     GetCamera().Reset();
+
+    TextUndoSink::Register();
 }
 
 App::~App()
 {
+    TextUndoSink::Unregister();
     // Entities drawn after the window's root has gone draw nothing, rather than into a dead window.
     if (EntityPainter::Get() == &GLEntityPainter::GetInstance())
         EntityPainter::Register(nullptr);

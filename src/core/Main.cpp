@@ -50,6 +50,8 @@ void JoinSubsystems(core::Subsystem& subsystem)
                              core::ResourceManager::GetInstancePtr()->AddToRoot();
                              gui->GetReflected()->AddToRoot();
                          });
+    gui->AddFontChangeCallback(
+        util::MakeCallback(&core::ResourceManager::ReloadFonts, core::ResourceManager::GetInstancePtr()));
     gui->GetMainComponent()->AddComponent(app::App::GetInstancePtr());
     app::Scene::GetInstancePtr()->SetWindowTitleSink([&subsystem](const util::String& title)
                                                      { subsystem.SetTitle(title); });

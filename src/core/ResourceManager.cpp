@@ -1,6 +1,7 @@
 #include "core/ResourceManager.h"
 
 #include "app/entities/GLEntityPainter.h"
+#include "gui/Font.h"
 #include "logging/Log.h"
 #include "rendering/GLContext.h"
 #include "rendering/GraphicsResource.h"
@@ -96,8 +97,7 @@ void ResourceManager::ReloadShaders()
 
 void ResourceManager::ReloadFonts()
 {
-    if (m_reloadFonts)
-        m_reloadFonts();
+    LoadClass<gui::Font>(true);
 }
 
 size_t ResourceManager::CalcVRamUsage() const

@@ -30,9 +30,8 @@ public:
     void Prefetch();
     void ReloadTextures();
     void ReloadShaders();
-    // Makes the fonts again; what that takes is the font side's, which hands it in through SetFontReloader.
+    // Makes every font again from its files: the change callback of the GUI's "font".
     void ReloadFonts();
-    void SetFontReloader(std::function<void()> reload) { m_reloadFonts = std::move(reload); }
     // Bytes of video memory of all live graphics resources.
     size_t CalcVRamUsage() const;
     void OnShaderOnOffChange();
@@ -43,7 +42,6 @@ public:
 private:
     void OnForce16BitTexturesChange();
 
-    std::function<void()> m_reloadFonts;
 };
 
 } // namespace core

@@ -1,5 +1,12 @@
 #include "gui/FontFormater.h"
 
+#include "logging/Exception.h"
+#include "rendering/ColorPusher.h"
+#include "rendering/Renderer.h"
+#include "util/Profiler.h"
+
+#include <GL/gl.h>
+
 #include <cctype>
 #include <cmath>
 
@@ -21,15 +28,42 @@ void TextFormat::AddFragment(const TextFragment& fragment)
     height = std::max(height, fragment.y + fragment.height);
 }
 
-FontFormater::FontFormater(util::SharedPtr<TextMetrics> metrics)
-    : m_metrics(std::move(metrics)), m_scale(DEFAULT_SCALE, DEFAULT_SCALE), m_color(1.0f, 0.0f, 0.0f, 1.0f),
+math::BoundingBox2f TextFormat::GetCharBounds(unsigned long i) const
+{
+    const float rowHeight = formater ? formater->GetCharHeight() : 0.0f;
+    if (text.empty())
+        return math::BoundingBox2f(math::Vec2(0.0f, 0.0f), math::Vec2(0.0f, rowHeight));
+    const bool pastEnd = i >= text.size();
+    if (pastEnd)
+        i = text.size() - 1;
+    const auto box = [&](const TextFragment& fragment, bool inside)
+    {
+        float x = fragment.x;
+        for (size_t j = fragment.begin; j < i; ++j)
+            x += formater->GetCharWidth(text[j]);
+        const float width = inside ? formater->GetCharWidth(text[i]) : 0.0f;
+        const float left = pastEnd ? x + width : x;
+        return math::BoundingBox2f(math::Vec2(left, fragment.y),
+                                   math::Vec2(x + width, fragment.y + fragment.height));
+    };
+    for (const TextFragment& fragment : fragments)
+        if (i >= fragment.begin && i < fragment.end)
+            return box(fragment, true);
+    for (const TextFragment& fragment : fragments)
+        if (i == fragment.end)
+            return box(fragment, false);
+    QLEX_THROW(BadCoderException("Error in TextFormat::GetCharBounds"));
+}
+
+FontFormater::FontFormater(FontProxy font)
+    : m_font(std::move(font)), m_scale(DEFAULT_SCALE, DEFAULT_SCALE), m_color(1.0f, 0.0f, 0.0f, 1.0f),
       m_maxWidth(math::INF)
 {
 }
 
 float FontFormater::GetCharWidth(char c) const
 {
-    return m_metrics->GetWidth(static_cast<unsigned char>(c)) * m_scale.x;
+    return m_font->GetWidth(static_cast<unsigned char>(c)) * m_scale.x;
 }
 
 float FontFormater::NextTabPos(float x) const
@@ -43,8 +77,35 @@ math::Vec2 FontFormater::GetTextSize(const std::string& text) const
     return FormatText(text).GetSize();
 }
 
+math::Vec2 FontFormater::DrawText(math::Vec2 pos, const std::string& text, Font::Flags flags) const
+{
+    return DrawText(pos, FormatText(text, 0.0f), flags);
+}
+
+math::Vec2 FontFormater::DrawText(math::Vec2 pos, const TextFormat& format, Font::Flags flags) const
+{
+    util::ScopeProfiler profiler("FF::DrawText");
+    rendering::ColorPusher color;
+    rendering::Renderer::GetInstancePtr()->MulColor4(m_color);
+    const Font& font = *m_font.operator->();
+    font.BeginDraw();
+    for (const TextFragment& fragment : format.fragments)
+    {
+        if (fragment.end <= fragment.begin)
+            continue;
+        glPushMatrix();
+        glTranslatef(pos.x + fragment.x, pos.y + fragment.y, 0.0f);
+        glScalef(m_scale.x, m_scale.y, 1.0f);
+        font.Draw(format.text.substr(fragment.begin, fragment.end - fragment.begin), flags);
+        glPopMatrix();
+    }
+    font.EndDraw();
+    return format.GetSize();
+}
+
 TextFormat FontFormater::FormatText(const std::string& text, float startX) const
 {
+    util::ScopeProfiler profiler("FF::FormatText");
     const float rowHeight = GetCharHeight();
     TextFormat format;
     format.formater = this;

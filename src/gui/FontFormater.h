@@ -1,6 +1,7 @@
 #pragma once
 
-#include "gui/TextMetrics.h"
+#include "gui/Font.h"
+#include "math/BoundingBox.h"
 #include "math/Math.h"
 
 #include <string>
@@ -27,6 +28,9 @@ struct TextFormat
 {
     void AddFragment(const TextFragment& fragment);
     math::Vec2 GetSize() const { return math::Vec2(width, height); }
+    // The box of character i in screen units. An index at or past the end gives the right edge of the
+    // last character; a line break or a tab, which no fragment holds, the end of the row before it.
+    math::BoundingBox2f GetCharBounds(unsigned long i) const;
 
     const FontFormater* formater = nullptr;
     std::string text;
@@ -35,12 +39,12 @@ struct TextFormat
     float height = 0.0f;
 };
 
-// How a component writes text: the font's widths, the size of a font unit on screen (the y scale is the
-// row height), the colour, and the width at which rows break.
+// How a component writes text: the font, the size of a font unit on screen (the y scale is the row
+// height), the colour, and the width at which rows break.
 class FontFormater
 {
 public:
-    explicit FontFormater(util::SharedPtr<TextMetrics> metrics = FixedWidthMetrics::Get());
+    explicit FontFormater(FontProxy font);
 
     float GetCharHeight() const { return m_scale.y; }
     float GetCharWidth(char c) const;
@@ -50,9 +54,12 @@ public:
     // Breaks at line feeds, at tab stops that pass the maximal width, and where a row would pass the
     // maximal width: behind the last blank of the row, or inside a word that has none.
     TextFormat FormatText(const std::string& text, float startX = 0.0f) const;
+    // At pos, in the formater's colour times the present one. Both give the size of the text drawn.
+    math::Vec2 DrawText(math::Vec2 pos, const std::string& text, Font::Flags flags = Font::PLAIN) const;
+    math::Vec2 DrawText(math::Vec2 pos, const TextFormat& format, Font::Flags flags = Font::PLAIN) const;
 
-    const util::SharedPtr<TextMetrics>& GetMetrics() const { return m_metrics; }
-    void SetMetrics(util::SharedPtr<TextMetrics> metrics) { m_metrics = std::move(metrics); }
+    const FontProxy& GetFont() const { return m_font; }
+    void SetFont(FontProxy font) { m_font = std::move(font); }
     math::Vec2 GetScale() const { return m_scale; }
     void SetScale(const math::Vec2& scale) { m_scale = scale; }
     math::Vec4 GetColor() const { return m_color; }
@@ -61,7 +68,7 @@ public:
     void SetMaxWidth(float maxWidth) { m_maxWidth = maxWidth; }
 
 private:
-    util::SharedPtr<TextMetrics> m_metrics;
+    FontProxy m_font;
     math::Vec2 m_scale;
     math::Vec4 m_color;
     float m_maxWidth;

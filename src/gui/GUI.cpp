@@ -2,6 +2,7 @@
 
 #include "gui/LookAndFeel.h"
 #include "input/ButtonInput.h"
+#include "gui/TextProbe.h"
 #include "input/Input.h"
 #include "rendering/AttribPusher.h"
 #include "rendering/Renderer.h"
@@ -86,6 +87,7 @@ GUI::~GUI() noexcept
         input::Input::SetSettings(nullptr);
     }
     LookAndFeel::ResetDefault();
+    DropFallbackFont();
 }
 
 void GUI::AddFontChangeCallback(util::CallbackPtr callback)
@@ -134,6 +136,12 @@ void GUI::OnScaleChange()
 
 void GUI::Update(float dt)
 {
+    // A focused field joins the GUI's root as a listener, which it can't while the GUI is being made.
+    if (!m_textProbeChecked)
+    {
+        m_textProbeChecked = true;
+        AddTextProbe(*m_rootComponent);
+    }
     UpdateMouseOverComp();
     m_rootComponent->Update(dt);
 }

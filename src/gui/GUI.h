@@ -103,6 +103,7 @@ private:
     rendering::TextureProxy m_defaultCursor;
     int m_windowWidth = 0;
     int m_windowHeight = 0;
+    bool m_textProbeChecked = false;
 };
 
 // Sets the mouse-over flags of c and all under it for a mouse at pos (in c's local coordinates): among

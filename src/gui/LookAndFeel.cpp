@@ -14,6 +14,8 @@ const math::Vec4 WHITE(1.0f, 1.0f, 1.0f, 1.0f);
 
 LookAndFeel::LookAndFeel()
     : m_backgroundColor(0.1f, 0.1f, 0.1f, 1.0f), m_foregroundColor(WHITE),
+      m_font(QLEX_NEW new util::Mentor<Font>(&DefaultFontLoader)), m_fixedFont(LoadFont("fixedsys")),
+      m_fontFormater(m_font), m_fixedFontFormater(m_fixedFont),
       m_emptyBorder(QLEX_NEW new SimpleBorder(0.0f, CLEAR, CLEAR)),
       m_defaultBorder(QLEX_NEW new SimpleBorder(1.0f, CLEAR, CLEAR)),
       m_tooltipBorder(QLEX_NEW new SimpleBorder(1.0f, GREY, math::Vec4(0.0f, 0.0f, 0.0f, 1.0f))),

@@ -20,7 +20,10 @@ public:
 
     virtual math::Vec4 GetBackgroundColor() const { return m_backgroundColor; }
     virtual math::Vec4 GetForegroundColor() const { return m_foregroundColor; }
+    // The interface's font, named by the GUI's "font" attribute, and the fixed-width "fixedsys".
+    virtual FontProxy GetFont() const { return m_font; }
     virtual const FontFormater& GetFontFormater() const { return m_fontFormater; }
+    virtual FontProxy GetFixedFont() const { return m_fixedFont; }
     virtual const FontFormater& GetFixedFontFormater() const { return m_fixedFontFormater; }
     virtual util::SharedPtr<Border> GetDefaultBorder() const { return m_defaultBorder; }
     virtual util::SharedPtr<Border> GetEmptyBorder() const { return m_emptyBorder; }
@@ -34,6 +37,8 @@ public:
 private:
     math::Vec4 m_backgroundColor;
     math::Vec4 m_foregroundColor;
+    FontProxy m_font;
+    FontProxy m_fixedFont;
     FontFormater m_fontFormater;
     FontFormater m_fixedFontFormater;
     util::SharedPtr<Border> m_emptyBorder;

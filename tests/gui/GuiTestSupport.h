@@ -1,5 +1,6 @@
 #pragma once
 
+#include "gui/Font.h"
 #include "gui/GUI.h"
 #include "gui/components/Component.h"
 #include "input/Clock.h"
@@ -21,6 +22,14 @@ struct ManualClock
     ~ManualClock() { input::Clock::SetSource(nullptr); }
     double now = 100.0;
 };
+
+// A font whose every character is one cell wide, as a font is before its widths file is read: text
+// measures the same whatever the fonts on disk look like.
+inline FontProxy FixedWidthFont()
+{
+    return FontProxy(
+        QLEX_NEW new util::Mentor<Font>([] { return new Font(rendering::TextureProxy(), 256); }));
+}
 
 // A plain component of a given inner size.
 inline util::SharedPtr<Component> Box(float w, float h)

@@ -27,7 +27,9 @@ TEST(ListLayout, VerticalListSizesItsOwnerToTheChildrenAndWrapsTextToItsWidth)
     auto a = Box(30, 10);
     auto b = Box(50, 20);
     // 16 units a character: "aaaa " is 80 wide and a sixth character passes 100.
-    util::SharedPtr<TextBox> text = QLEX_NEW new TextBox("aaaa bbbb cccc");
+    util::SharedPtr<TextBox> text = QLEX_NEW new TextBox();
+    text->SetFont(FixedWidthFont());
+    text->SetText("aaaa bbbb cccc");
     ExpectVec(text->GetInnerSize(), 14 * 16.0f, 16.0f);
     list->AddComponent(a);
     list->AddComponent(b);
@@ -37,8 +39,9 @@ TEST(ListLayout, VerticalListSizesItsOwnerToTheChildrenAndWrapsTextToItsWidth)
     ExpectVec(b->GetOuterPos(), 0, 12);
     ExpectVec(text->GetOuterPos(), 0, 34);
     // Three rows; the box keeps its width, clipped to the limit (a box only grows).
-    ASSERT_EQ(text->GetFormat().fragments.size(), 3u);
-    ExpectVec(text->GetFormat().GetSize(), 80, 48);
+    ASSERT_EQ(text->GetTextEditor()->NRows(), 3u);
+    EXPECT_EQ(text->GetTextEditor()->GetLines()[0].GetRow(1), "bbbb ");
+    ExpectVec(text->GetTextEditor()->GetSize() * 16.0f, 80, 48);
     ExpectVec(text->GetInnerSize(), 100, 48);
     // Bounding box: the text box's outer width (one unit of border each side); the spacing stands only
     // between children.
@@ -139,7 +142,7 @@ TEST(BorderLayout, FirstChildAtTheStartAndTheOthersAgainstTheFarEnd)
 
 TEST(FontFormater, BreaksRowsAtLineFeedsTabsAndTheMaximalWidth)
 {
-    FontFormater f;
+    FontFormater f(FixedWidthFont());
     f.SetScale(math::Vec2(10.0f, 20.0f));
     ExpectVec(f.GetTextSize(""), 0, 20);
     ExpectVec(f.GetTextSize("\n"), 0, 40);
