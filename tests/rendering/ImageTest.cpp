@@ -131,6 +131,46 @@ TEST_F(ImageFiles, RawThatIsNotSquareFailsWithItsMessageAndEmptyIsNothing)
     EXPECT_EQ(empty.GetHeight(), 0u);
 }
 
+TEST_F(ImageFiles, EnormousTruncatedAndForeignFilesAreRefusedWithTheirPath)
+{
+    const PixelRGBA grey(128, 128, 128, 255);
+    const PixelRGBA pixels[4] = {grey, grey, grey, grey};
+    // A picture whose header claims 60,000 by 60,000 pixels: refused by its size, whatever its decoder did.
+    std::vector<uint8_t> huge = Bmp24(pixels);
+    for (size_t at : {18u, 22u})
+    {
+        huge[at] = 0x60;
+        huge[at + 1] = 0xEA;
+        huge[at + 2] = 0;
+        huge[at + 3] = 0;
+    }
+    std::vector<uint8_t> truncated = Bmp24(pixels);
+    truncated.resize(30);
+    std::vector<uint8_t> foreign(300);
+    for (size_t i = 0; i < foreign.size(); ++i)
+        foreign[i] = static_cast<uint8_t>(i * 37 + 11);
+    for (const auto& [name, bytes] :
+         {std::make_pair("huge.bmp", huge), std::make_pair("cut.bmp", truncated),
+          std::make_pair("noise.png", foreign), std::make_pair("empty.tga", std::vector<uint8_t>())})
+    {
+        const std::string path = Write(name, bytes);
+        try
+        {
+            ImageRGBA32 image;
+            image.LoadFile(path);
+            FAIL() << name << " loaded as " << image.GetWidth() << " x " << image.GetHeight();
+        }
+        catch (FileReadException& e)
+        {
+            EXPECT_NE(std::string(e.what()).find(path), std::string::npos) << e.what();
+        }
+        EXPECT_FALSE(rendering::TryLoad(path)) << name;
+    }
+    ImageRGBA32 raw;
+    EXPECT_THROW(raw.LoadRAW(Write("wide.raw", {1, 2, 3}), ImageRGBA32::RAW_ALPHA, 100000, 100000),
+                 FileReadException);
+}
+
 TEST_F(ImageFiles, RawRgbIsOpaqueAndRawRgbaKeepsItsAlpha)
 {
     ImageRGBA32 rgb;
