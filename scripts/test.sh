@@ -15,6 +15,24 @@ cd "$build"
 xvfb-run -a -s "-screen 0 1280x1024x24 -noreset" \
   ctest --output-on-failure -j"$(nproc)" --timeout 600
 
+# The same tests once more, built with AddressSanitizer and UndefinedBehaviorSanitizer in a build of their
+# own: the first fault ends the test with its report. Debug information with light optimisation (-O1), so
+# that the physics tests, which step thousands of bodies, stay within minutes. The benchmarks are left out.
+sanitized="$root/build-sanitize"
+sanitizers="-fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined -O1"
+cmake -S "$root" -B "$sanitized" -DCMAKE_BUILD_TYPE=Debug -DQLEX_BUILD_BENCH=OFF \
+  -DCMAKE_CXX_FLAGS="$sanitizers" -DCMAKE_C_FLAGS="$sanitizers" \
+  -DCMAKE_EXE_LINKER_FLAGS="-fsanitize=address,undefined" >/dev/null
+cmake --build "$sanitized" -j"$(nproc)"
+(
+  cd "$sanitized"
+  # The programs end with _exit, without static destructors, by design: what they hold then is no leak.
+  export ASAN_OPTIONS="halt_on_error=1:detect_leaks=0:abort_on_error=0:strict_string_checks=1"
+  export UBSAN_OPTIONS="halt_on_error=1:print_stacktrace=1"
+  xvfb-run -a -s "-screen 0 1280x1024x24 -noreset" \
+    ctest --output-on-failure -j"$(nproc)" --timeout 900
+)
+
 # The script fuzzer: one minute of libFuzzer over the interpreter, where clang is installed. An input
 # that breaks it is left in build-fuzz/artifacts/ and belongs in tests/script/fuzz_regressions/.
 if command -v clang++ >/dev/null 2>&1; then

@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <vector>
 
 using rendering::ImageRGBA32;
@@ -169,6 +171,34 @@ TEST_F(ImageFiles, EnormousTruncatedAndForeignFilesAreRefusedWithTheirPath)
     ImageRGBA32 raw;
     EXPECT_THROW(raw.LoadRAW(Write("wide.raw", {1, 2, 3}), ImageRGBA32::RAW_ALPHA, 100000, 100000),
                  FileReadException);
+}
+
+// The inputs kept from the image fuzzer: the first byte picks the kind of file the rest is read as.
+TEST_F(ImageFiles, FuzzRegressionInputsLoadOrAreRefused)
+{
+    const char* source = std::getenv("QLEX_SOURCE");
+    ASSERT_TRUE(source) << "QLEX_SOURCE names the source tree";
+    const std::filesystem::path dir = std::filesystem::path(source) / "tests/fuzz_regressions/image_fuzzer";
+    const char* const extensions[] = {".png", ".tga", ".bmp", ".jpg", ".raw"};
+    size_t loaded = 0;
+    size_t inputs = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(dir))
+    {
+        std::ifstream file(entry.path(), std::ios::binary);
+        std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+        ASSERT_FALSE(bytes.empty()) << entry.path();
+        const std::string name = "input" + std::string(extensions[bytes[0] % 5]);
+        const rendering::ImageRGBA32Ptr image =
+            rendering::TryLoad(Write(name, std::vector<uint8_t>(bytes.begin() + 1, bytes.end())));
+        if (image)
+        {
+            EXPECT_LE(image->GetWidth() * image->GetHeight(), 8192u * 8192u) << entry.path();
+            ++loaded;
+        }
+        ++inputs;
+    }
+    EXPECT_GT(inputs, loaded);
+    EXPECT_GT(loaded, 0u);
 }
 
 TEST_F(ImageFiles, RawRgbIsOpaqueAndRawRgbaKeepsItsAlpha)
