@@ -17,9 +17,13 @@ failed=0
 run() {
   local name=$1
   shift
+  local seeds=()
+  for dir in "$@"; do
+    if [ -d "$dir" ]; then seeds+=("$dir"); fi
+  done
   mkdir -p "$fuzz/${name}_corpus" "$fuzz/${name}_artifacts"
   echo "== $name: $seconds s"
-  if ! "$fuzz/$name" "$fuzz/${name}_corpus" "$@" -max_total_time="$seconds" -detect_leaks=0 -timeout=60 \
+  if ! "$fuzz/$name" "$fuzz/${name}_corpus" "${seeds[@]}" -max_total_time="$seconds" -detect_leaks=0 -timeout=60 \
       -rss_limit_mb=4096 -artifact_prefix="$fuzz/${name}_artifacts/" >"$fuzz/$name.log" 2>&1; then
     tail -n 40 "$fuzz/$name.log"
     echo "$name found a failing input: see $fuzz/${name}_artifacts/" >&2
@@ -28,5 +32,5 @@ run() {
 }
 run script_fuzzer "$root/tests/script/fuzz_regressions" "$root/tests/cli/cases"
 run scene_fuzzer "$root/scenes" "$root/tests/cli/cases" "$root/tests/fuzz_regressions/scene_fuzzer"
-run image_fuzzer "$root/data" "$root/tests/fuzz_regressions/image_fuzzer"
+run image_fuzzer "$root/tests/fuzz_regressions/image_fuzzer" "$root/build/stage/data/textures"
 exit $failed
