@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <string>
 
 namespace rendering
 {
@@ -32,6 +33,16 @@ unsigned IntegerSqrt(unsigned long n)
     return unsigned(side);
 }
 
+// Pictures of more pixels are refused: 8192 x 8192, a quarter of a gigabyte, beyond any texture we use.
+const unsigned long MAX_PIXELS = 8192UL * 8192UL;
+
+void RefuseIfEnormous(const std::string& path, unsigned long width, unsigned long height)
+{
+    if (width * height > MAX_PIXELS || width > MAX_PIXELS || height > MAX_PIXELS)
+        QLEX_THROW(FileReadException("The image \"" + path + "\" is too large: " + std::to_string(width) +
+                                     " x " + std::to_string(height) + " pixels"));
+}
+
 unsigned BytesPerPixel(ImageRGBA32::RAWFormat format)
 {
     return format == ImageRGBA32::RAW_ALPHA ? 1 : format == ImageRGBA32::RAW_RGB ? 3 : 4;
@@ -50,6 +61,12 @@ void ImageRGBA32::LoadFile(const std::string& path)
     if (!loaded)
         QLEX_THROW(FileReadException("Could not load image file \"" + path + "\". SDL_image error: \"" +
                                      IMG_GetError() + "\""));
+    if (loaded->w <= 0 || loaded->h <= 0 || (unsigned long)loaded->w * (unsigned long)loaded->h > MAX_PIXELS)
+    {
+        const std::string size = std::to_string(loaded->w) + " x " + std::to_string(loaded->h);
+        SDL_FreeSurface(loaded);
+        QLEX_THROW(FileReadException("The image \"" + path + "\" has no usable size: " + size + " pixels"));
+    }
     m_hasAlpha = loaded->format->BitsPerPixel == 32 || loaded->format->BitsPerPixel == 8;
 
     SDL_Surface* pic = loaded;
@@ -101,6 +118,7 @@ void ImageRGBA32::LoadRAW(const std::string& path, RAWFormat format)
         QLEX_THROW(FileReadException("Failed to open file \"" + path + "\""));
     const unsigned long length = (unsigned long)file.tellg();
     const unsigned long n = length / BytesPerPixel(format);
+    RefuseIfEnormous(path, n, 1);
     const unsigned side = IntegerSqrt(n);
     if ((unsigned long)side * side != n)
         QLEX_THROW(FileReadException("The RAW-file \"" + path + "\" contained a non quadratic picture."));
@@ -110,6 +128,7 @@ void ImageRGBA32::LoadRAW(const std::string& path, RAWFormat format)
 void ImageRGBA32::LoadRAW(const std::string& path, RAWFormat format, unsigned width, unsigned height)
 {
     SetName(path);
+    RefuseIfEnormous(path, width, height);
     std::ifstream file(path, std::ios::binary);
     if (!file)
         QLEX_THROW(FileReadException("Failed to open file \"" + path + "\""));

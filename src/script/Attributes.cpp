@@ -14,7 +14,7 @@ template <class T> bool HasNaN(const T&)
 }
 bool HasNaN(float x)
 {
-    return x != x;
+    return math::IsNaN(x);
 }
 template <class T> bool HasNaN(const math::TVector2<T>& v)
 {
@@ -146,9 +146,10 @@ template <class T> void TAttrib<T>::CalcValueFromObject()
         T value = ObjectToValue<T>(ExpandObject(GetObject()));
         if (!m_settingFromProgram && (HasNaN(value) || (m_finiteOnly && !IsFiniteValue(value))))
         {
-            Log(logging::Error, GetLongName() + " must be a finite number, not " +
-                                    ValueToObject(value)->ToText() + "; it keeps " +
-                                    ValueToObject(GetImpl())->ToText());
+            Log(logging::Error,
+                GetLongName() +
+                    (m_finiteOnly ? " must be a finite number, not " : " must be a number, not ") +
+                    ValueToObject(value)->ToText() + "; it keeps " + ValueToObject(GetImpl())->ToText());
             Variable::SetObject(ValueToObject(GetImpl()));
             RemoveDynamicAttribute(this);
             return;

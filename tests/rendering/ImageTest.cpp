@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <vector>
 
 using rendering::ImageRGBA32;
@@ -129,6 +131,74 @@ TEST_F(ImageFiles, RawThatIsNotSquareFailsWithItsMessageAndEmptyIsNothing)
     empty.LoadFile(Write("empty.raw", {}));
     EXPECT_EQ(empty.GetWidth(), 0u);
     EXPECT_EQ(empty.GetHeight(), 0u);
+}
+
+TEST_F(ImageFiles, EnormousTruncatedAndForeignFilesAreRefusedWithTheirPath)
+{
+    const PixelRGBA grey(128, 128, 128, 255);
+    const PixelRGBA pixels[4] = {grey, grey, grey, grey};
+    // A picture whose header claims 60,000 by 60,000 pixels: refused by its size, whatever its decoder did.
+    std::vector<uint8_t> huge = Bmp24(pixels);
+    for (size_t at : {18u, 22u})
+    {
+        huge[at] = 0x60;
+        huge[at + 1] = 0xEA;
+        huge[at + 2] = 0;
+        huge[at + 3] = 0;
+    }
+    std::vector<uint8_t> truncated = Bmp24(pixels);
+    truncated.resize(30);
+    std::vector<uint8_t> foreign(300);
+    for (size_t i = 0; i < foreign.size(); ++i)
+        foreign[i] = static_cast<uint8_t>(i * 37 + 11);
+    for (const auto& [name, bytes] :
+         {std::make_pair("huge.bmp", huge), std::make_pair("cut.bmp", truncated),
+          std::make_pair("noise.png", foreign), std::make_pair("empty.tga", std::vector<uint8_t>())})
+    {
+        const std::string path = Write(name, bytes);
+        try
+        {
+            ImageRGBA32 image;
+            image.LoadFile(path);
+            FAIL() << name << " loaded as " << image.GetWidth() << " x " << image.GetHeight();
+        }
+        catch (FileReadException& e)
+        {
+            EXPECT_NE(std::string(e.what()).find(path), std::string::npos) << e.what();
+        }
+        EXPECT_FALSE(rendering::TryLoad(path)) << name;
+    }
+    ImageRGBA32 raw;
+    EXPECT_THROW(raw.LoadRAW(Write("wide.raw", {1, 2, 3}), ImageRGBA32::RAW_ALPHA, 100000, 100000),
+                 FileReadException);
+}
+
+// The inputs kept from the image fuzzer: the first byte picks the kind of file the rest is read as.
+TEST_F(ImageFiles, FuzzRegressionInputsLoadOrAreRefused)
+{
+    const char* source = std::getenv("QLEX_SOURCE");
+    ASSERT_TRUE(source) << "QLEX_SOURCE names the source tree";
+    const std::filesystem::path dir = std::filesystem::path(source) / "tests/fuzz_regressions/image_fuzzer";
+    const char* const extensions[] = {".png", ".tga", ".bmp", ".jpg", ".raw"};
+    size_t loaded = 0;
+    size_t inputs = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(dir))
+    {
+        std::ifstream file(entry.path(), std::ios::binary);
+        std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+        ASSERT_FALSE(bytes.empty()) << entry.path();
+        const std::string name = "input" + std::string(extensions[bytes[0] % 5]);
+        const rendering::ImageRGBA32Ptr image =
+            rendering::TryLoad(Write(name, std::vector<uint8_t>(bytes.begin() + 1, bytes.end())));
+        if (image)
+        {
+            EXPECT_LE(image->GetWidth() * image->GetHeight(), 8192u * 8192u) << entry.path();
+            ++loaded;
+        }
+        ++inputs;
+    }
+    EXPECT_GT(inputs, loaded);
+    EXPECT_GT(loaded, 0u);
 }
 
 TEST_F(ImageFiles, RawRgbIsOpaqueAndRawRgbaKeepsItsAlpha)
