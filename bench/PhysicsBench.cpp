@@ -74,6 +74,31 @@ void Circles_InContainer(benchmark::State& state)
     RunScene(state, [count] { scenes::BuildCirclesInContainer(count, 0.25f); });
 }
 
+// The second argument switches the broadphase: 1 on, 0 every pair.
+void Circles_RotatingDrum(benchmark::State& state)
+{
+    const int count = static_cast<int>(state.range(0));
+    const bool broadphase = state.range(1) != 0;
+    RunScene(state,
+             [count, broadphase]
+             {
+                 Simulation::GetInstancePtr()->m_broadphase = broadphase;
+                 scenes::BuildRotatingDrum(count, 0.1f);
+             });
+}
+
+void Mixed_Heap(benchmark::State& state)
+{
+    const int count = static_cast<int>(state.range(0));
+    const bool broadphase = state.range(1) != 0;
+    RunScene(state,
+             [count, broadphase]
+             {
+                 Simulation::GetInstancePtr()->m_broadphase = broadphase;
+                 scenes::BuildMixedHeap(count);
+             });
+}
+
 // Water in a tank of this many rows: deep enough to press on the bottom, shallow enough to stay calm at the
 // default step.
 const int WATER_ROWS = 8;
@@ -115,6 +140,8 @@ BENCHMARK(Pyramid_Boxes)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(Pyramid_Polygons)->Arg(10)->Arg(20)->Arg(30)->Unit(benchmark::kMillisecond);
 BENCHMARK(Circles_InContainer)->Arg(500)->Unit(benchmark::kMillisecond);
+BENCHMARK(Circles_RotatingDrum)->ArgsProduct({{2000}, {0, 1}})->Unit(benchmark::kMillisecond);
+BENCHMARK(Mixed_Heap)->ArgsProduct({{500}, {0, 1}})->Unit(benchmark::kMillisecond);
 BENCHMARK(Water_Tank)->Arg(1000)->Arg(4000)->Arg(16000)->Unit(benchmark::kMillisecond);
 BENCHMARK(Water_FloatingBoxes)->Arg(20)->Unit(benchmark::kMillisecond);
 BENCHMARK(Polygon_Construction)->Arg(16)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);

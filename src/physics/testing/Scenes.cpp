@@ -154,6 +154,84 @@ std::vector<util::SharedPtr<Body>> BuildCirclesInContainer(int count, float radi
     return bodies;
 }
 
+std::vector<util::SharedPtr<Body>> BuildRotatingDrum(int count, float radius)
+{
+    const int columns = static_cast<int>(std::ceil(std::sqrt(static_cast<float>(count))));
+    const float pitch = 2.2f * radius;
+    // The grid of circles fits inside the drum with room to tumble.
+    const float drumRadius = 0.75f * columns * pitch + 1.0f;
+    const int staves = 48;
+    const float stave = 2.0f * math::PIf * drumRadius / static_cast<float>(staves);
+    util::SharedPtr<Body> drum;
+    util::SharedPtr<Geom> first;
+    for (int i = 0; i < staves; ++i)
+    {
+        const float angle = 2.0f * math::PIf * static_cast<float>(i) / static_cast<float>(staves);
+        const math::Vec2 centre(drumRadius * std::cos(angle), drumRadius * std::sin(angle));
+        // Each stave as a polygon: a box turned to face the centre.
+        const math::Vec2 along(-std::sin(angle), std::cos(angle));
+        const math::Vec2 out(std::cos(angle), std::sin(angle));
+        const float half = 0.55f * stave;
+        const float thick = 0.25f;
+        util::SharedPtr<Geom> piece = QLEX_NEW new Polygon(std::vector<math::Vec2>{
+            centre - along * half - out * thick, centre + along * half - out * thick,
+            centre + along * half + out * thick, centre - along * half + out * thick});
+        if (!drum)
+        {
+            drum = AddDynamic(piece);
+            first = piece;
+        }
+        else
+            drum->AddGeom(piece);
+    }
+    const util::SharedPtr<Hinge> axle =
+        QLEX_NEW new Hinge(Simulation::GetInstancePtr()->GetWorldGeom(), first, math::Vec2(0.0f, 0.0f));
+    axle->SetMotorOn(true);
+    axle->SetMotorSpeed(0.5f);
+    axle->SetMotorStrength(1e6f);
+    Simulation::GetInstancePtr()->AddConstraint(axle);
+    std::vector<util::SharedPtr<Body>> bodies;
+    for (int i = 0; i < count; ++i)
+    {
+        const int column = i % columns;
+        const int row = i / columns;
+        const math::Vec2 centre((static_cast<float>(column) - 0.5f * static_cast<float>(columns - 1)) * pitch,
+                                (static_cast<float>(row) - 0.5f * static_cast<float>(columns - 1)) * pitch);
+        bodies.push_back(AddDynamic(QLEX_NEW new Circle(centre, radius)));
+    }
+    return bodies;
+}
+
+std::vector<util::SharedPtr<Body>> BuildMixedHeap(int count)
+{
+    const float size = 0.5f;
+    const int columns = static_cast<int>(std::ceil(std::sqrt(static_cast<float>(count))));
+    const float pitch = 1.3f * size;
+    const float width = columns * pitch + size;
+    BuildContainer(width, width);
+    std::vector<util::SharedPtr<Body>> bodies;
+    for (int i = 0; i < count; ++i)
+    {
+        const int column = i % columns;
+        const int row = i / columns;
+        const math::Vec2 centre((static_cast<float>(column) - 0.5f * static_cast<float>(columns - 1)) * pitch,
+                                size + static_cast<float>(row) * pitch);
+        switch (i % 3)
+        {
+        case 0:
+            bodies.push_back(AddDynamic(QLEX_NEW new Box(math::Vec2(size, size), centre)));
+            break;
+        case 1:
+            bodies.push_back(AddDynamic(QLEX_NEW new Circle(centre, 0.5f * size)));
+            break;
+        default:
+            bodies.push_back(AddDynamic(QLEX_NEW new Polygon(RegularPolygonPoints(centre, 0.5f * size, 6))));
+            break;
+        }
+    }
+    return bodies;
+}
+
 float WaterSpacing()
 {
     return WATER_SPACING_RADII * SPH::GetInstancePtr()->m_radius;

@@ -47,6 +47,11 @@ std::vector<util::SharedPtr<Particle>> BuildWaterTank(int count, int rows);
 // Light boxes (density 0.5, a quarter metre) in a row just above a tank of that many rows, spread over its
 // width; the tank is the last one BuildWaterTank made.
 std::vector<util::SharedPtr<Body>> AddFloatingBoxes(int count, int rows);
+// A drum of boxes glued on one body, hinged to the world at its centre and turned by the hinge's motor, with
+// `count` circles of the given radius on a grid inside it. Returns the circles' bodies.
+std::vector<util::SharedPtr<Body>> BuildRotatingDrum(int count, float radius);
+// `count` shapes, boxes, circles and polygons in turn, on a grid above a container that holds them all.
+std::vector<util::SharedPtr<Body>> BuildMixedHeap(int count);
 // The spacing of particles in a water block as it is built.
 float WaterSpacing();
 // A chain of `links` boxes hinged end to end, hanging from the world at `anchor`, extending along +x.
