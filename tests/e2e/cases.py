@@ -456,6 +456,45 @@ class LoopAroundTwoBoxesSelectsThem(Case):
         check(len(places) == 1 and near(places[0], (1.5, 0.0), 1e-3), "only the third box is left: %s" % places)
         check(not records(s, "addPolygon"), "the loop made no polygon: %s" % records(s, "addPolygon"))
 
+
+class ShiftDrawsAStraightRun(Case):
+    """With Shift held, the stroke records nothing until Shift comes up: a detour around a box drawn with
+    Shift down is the straight line from its start to its end, which strikes the box out. Drawn without
+    Shift, the same detour is an open stroke that makes nothing."""
+    scene = scene_text(STILL + box(0.0, 0.0, 0.58) + box(0.0, -2.0, 0.58))
+    detour = [(-1.5, 0.05), (-1.5, 1.0), (1.5, 1.0), (1.5, 0.05)]
+
+    def run(self, s):
+        lower = [(x, y - 2.0) for x, y in self.detour]
+        s.stroke([px(x, y) for x, y in lower])
+        s.move(*px(*self.detour[0]))
+        s.down()
+        s.keydown("shift")
+        s.path([px(x, y) for x, y in self.detour])
+        s.keyup("shift")
+        s.up()
+
+    def after(self, s):
+        places = [vector(b["pos"]) for b in boxes(s)]
+        check(len(places) == 1 and near(places[0], (0.0, -2.0), 1e-3), "only the box under the straight run went: %s"
+              % places)
+
+
+class RememberedLineShowsRedThenFades(Case):
+    """A straight line through nothing stays on the screen in red, and is gone two seconds later."""
+
+    def red_near(self, s, x, y):
+        pixel = s.screen()
+        return any(r > 150 and b < 120 for r, g, b in (pixel(x, y + dy) for dy in range(-4, 5)))
+
+    def run(self, s):
+        s.stroke([px(-2.5, 1.5), px(-0.5, 1.5)])
+        s.wait(0.1)
+        check(self.red_near(s, *px(-1.5, 1.5)), "the line is red after the stroke")
+        check(not self.red_near(s, *px(-1.5, 0.5)), "and only where it was drawn")
+        s.wait(2.2)
+        check(not self.red_near(s, *px(-1.5, 1.5)), "the line has faded")
+
 CASES = {
     "paste_undo_redo": PasteUndoRedo,
     "copy_paste": CopyPaste,
@@ -481,4 +520,6 @@ CASES = {
     "sketch_line_across_a_box_erases_it_not_the_plane": LineAcrossABoxErasesItNotThePlane,
     "sketch_line_across_the_plane_alone_erases_it": LineAcrossThePlaneAloneErasesIt,
     "sketch_loop_around_two_boxes_selects_them": LoopAroundTwoBoxesSelectsThem,
+    "sketch_shift_draws_a_straight_run": ShiftDrawsAStraightRun,
+    "sketch_remembered_line_shows_red_then_fades": RememberedLineShowsRedThenFades,
 }
