@@ -217,3 +217,18 @@ TEST_F(ToolsTest, TwoLinesThatCrossTwiceAreNoFixate)
     EXPECT_TRUE(scene->GetEntities().empty());
     EXPECT_EQ(tools->m_sketch->GetLastLine().Size(), 4u) << "the second is remembered in turn";
 }
+
+TEST_F(ToolsTest, WithAutoGlueANewPolygonIsGluedToTheBackground)
+{
+    app::AppSettings& settings = *app::AppSettings::GetInstancePtr();
+    settings.m_autoGlue = true;
+    Stroke(Square(Vec2(0, 3), 0.5f));
+    settings.m_autoGlue = false;
+    const auto polygons = All<app::PolyEntity>();
+    ASSERT_EQ(polygons.size(), 1u);
+    EXPECT_EQ(polygons[0]->GetGeom()->GetBody(), physics::Simulation::GetInstancePtr()->GetWorldBody().get());
+    Stroke(Square(Vec2(3, 3), 0.5f));
+    ASSERT_EQ(All<app::PolyEntity>().size(), 2u);
+    EXPECT_NE(All<app::PolyEntity>()[1]->GetGeom()->GetBody(),
+              physics::Simulation::GetInstancePtr()->GetWorldBody().get());
+}
