@@ -476,8 +476,8 @@ class ShiftDrawsAStraightRun(Case):
 
     def after(self, s):
         places = [vector(b["pos"]) for b in boxes(s)]
-        check(len(places) == 1 and near(places[0], (0.0, -2.0), 1e-3), "only the box under the straight run went: %s"
-              % places)
+        check(len(places) == 1 and near(places[0], (0.0, -2.0), 1e-3),
+              "only the box under the straight run went: %s" % places)
 
 
 class RememberedLineShowsRedThenFades(Case):
