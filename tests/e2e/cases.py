@@ -3,6 +3,7 @@ checks; run_case.py quits the program (Ctrl+Q, exit code 0) and calls the case's
 on what the program left behind."""
 import math
 import os
+import time
 
 from qlex_e2e import (Failure, check, entity_records, pixel_to_world, scene_text, setting, vector,
                       world_to_pixel)
@@ -489,7 +490,10 @@ class RememberedLineShowsRedThenFades(Case):
 
     def run(self, s):
         s.stroke([px(-2.5, 1.5), px(-0.5, 1.5)])
-        s.wait(0.1)
+        # Red enough for the test while the line is less than about 0.9 s old: the next frames show it.
+        deadline = time.time() + 0.6
+        while not self.red_near(s, *px(-1.5, 1.5)) and time.time() < deadline:
+            s.wait(0.02)
         check(self.red_near(s, *px(-1.5, 1.5)), "the line is red after the stroke")
         check(not self.red_near(s, *px(-1.5, 0.5)), "and only where it was drawn")
         s.wait(2.2)
