@@ -9,6 +9,7 @@
 #include "app/ProgramFiles.h"
 #include "app/Scene.h"
 #include "app/entities/GeomEntity.h"
+#include "app/tools/Tools.h"
 #include "gui/GUI.h"
 #include "input/Input.h"
 #include "logging/Log.h"
@@ -291,6 +292,12 @@ void App::DrawComp() const
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     DrawEntities();
     DrawDebugOverlays(water);
+    {
+        // The stroke in progress and what the tool shows of its gesture, over the world.
+        util::ScopeProfiler tool("Tool::Draw");
+        renderer.SetColor4(1, 1, 1, 1);
+        Tools::GetInstancePtr()->GetTool()->Draw();
+    }
 
     renderer.SetColor4(1, 1, 1, 1);
     if (!IsBlack(fade))

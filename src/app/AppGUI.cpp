@@ -10,6 +10,9 @@
 #include "app/Serializer.h"
 #include "app/Undoer.h"
 #include "app/entities/FiniteGeomEntity.h"
+#include "app/tools/PanTool.h"
+#include "app/tools/SketchTool.h"
+#include "app/tools/Tools.h"
 #include "input/Input.h"
 #include "input/Key.h"
 #include "input/KeyState.h"
@@ -56,6 +59,11 @@ bool IsDown(int key)
 {
     return input::KeyState::IsDown(static_cast<SDLKey>(key));
 }
+
+Tools& TheTools()
+{
+    return *Tools::GetInstancePtr();
+}
 } // namespace
 
 void AppGUI::SetShellActions(ShellActions actions)
@@ -67,6 +75,8 @@ AppGUI::AppGUI() : m_popupHolder(QLEX_NEW new gui::Component()), m_lastAutosave(
 {
     SetFillOwner(true);
     AddComponent(m_popupHolder);
+    // The tools hear every event this component forwards, before it acts itself.
+    AddListener(Tools::GetInstancePtr());
     Rebuild();
 }
 
@@ -111,6 +121,7 @@ void AppGUI::OnClick(const input::ClickEvent& event)
     gui::Component::OnClick(event);
     if (!IsMouseOverInner())
         return;
+    TheTools().GetTool()->OnClick(event);
     const math::Vec2 p = ToWorld(event.position);
     Scene& scene = TheScene();
     const bool left = event.button == input::Key::MOUSE_LEFT;
@@ -137,40 +148,64 @@ void AppGUI::OnDragBegin(const input::DragEvent& event)
     gui::Component::OnDragBegin(event);
     if (event.IsHandled() || !IsMouseOverInner())
         return;
-    // Of the temporary tools only the pan tool stands yet: moving, cloning, rotating and the brush come
-    // with the tools.
-    const bool onEntity = bool(TheScene().GetEntityAt(ToWorld(event.startPos)));
-    if (event.button == input::Key::MOUSE_RIGHT && !onEntity)
+    Tools& tools = TheTools();
+    Scene& scene = TheScene();
+    const EntityPtr under = scene.GetEntityAt(ToWorld(event.startPos));
+    const bool left = event.button == input::Key::MOUSE_LEFT;
+    const bool ctrl = input::Input::GetInstancePtr()->CheckModifier(input::Ctrl);
+    // A sketch that starts on the selection moves it instead (or clones it, or drags it while running).
+    if (tools.GetTool() == tools.m_sketch && left && under && GetSelection()->Contains(under))
     {
-        m_panning = true;
-        TheScene().GetCamera()->SetPanToolActive(true);
-        event.SetHandled();
+        const bool oneBody =
+            dynamic_cast<const FiniteGeomEntity*>(under.get()) && GetSelection()->Size() == 1;
+        if (IsRunning() && oneBody)
+            tools.SetActive(tools.m_drag);
+        else
+            tools.SetActive(ctrl ? tools.m_clone : tools.m_move);
     }
+    tools.GetTool()->OnDragBegin(event);
+    if (event.IsHandled())
+        return;
+    Tools::ToolPtr temporary;
+    if (left)
+        temporary = under ? (ctrl ? tools.m_clone : tools.m_move) : tools.m_brush;
+    else if (event.button == input::Key::MOUSE_RIGHT)
+        temporary = under ? tools.m_rotate : Tools::ToolPtr(tools.m_pan);
+    if (!temporary)
+        return;
+    tools.SetActive(temporary);
+    temporary->OnDragBegin(event);
 }
 
 void AppGUI::OnDrag(const input::DragEvent& event)
 {
     gui::Component::OnDrag(event);
-    Camera& camera = *TheScene().GetCamera();
-    // The middle button, or both main buttons, pan the view in the middle of any other gesture.
+    Tools& tools = TheTools();
+    // The middle button, or both main buttons, pan the view in the middle of any other gesture: the pan
+    // tool gets a whole small gesture of its own.
     const bool panGesture = IsDown(input::Key::MOUSE_MIDDLE) ||
                             (IsDown(input::Key::MOUSE_LEFT) && IsDown(input::Key::MOUSE_RIGHT));
-    if (panGesture || m_panning)
+    if (panGesture && tools.GetActive() != tools.m_pan)
     {
-        camera.PanView(event.delta);
+        const SDLKey left = static_cast<SDLKey>(input::Key::MOUSE_LEFT);
+        const math::Vec2 none(0, 0);
+        PanTool& pan = *tools.m_pan;
+        pan.OnDragBegin(input::DragEvent(event.position, none, event.position, left));
+        pan.OnDrag(input::DragEvent(event.position - event.delta, event.delta, event.position, left));
+        pan.OnDragEnd(input::DragEvent(event.position, none, event.position, left));
         event.SetHandled();
+        return;
     }
+    tools.GetTool()->OnDrag(event);
 }
 
 void AppGUI::OnDragEnd(const input::DragEvent& event)
 {
     gui::Component::OnDragEnd(event);
-    if (m_panning)
-    {
-        m_panning = false;
-        TheScene().GetCamera()->SetPanToolActive(false);
-        event.SetHandled();
-    }
+    Tools& tools = TheTools();
+    tools.GetTool()->OnDragEnd(event);
+    if (tools.GetActive())
+        tools.SetActive(nullptr);
 }
 
 void AppGUI::OnKeyEvent(const input::KeyEvent& event)
@@ -180,12 +215,17 @@ void AppGUI::OnKeyEvent(const input::KeyEvent& event)
         return;
     if (event.pressed && OnWheelOrSpace(event))
         return;
-    if (!event.pressed)
-        return;
-    OnShortcut(event);
-    if (event.IsHandled())
-        return;
-    OnEditingKey(event);
+    if (event.pressed)
+    {
+        OnShortcut(event);
+        if (event.IsHandled())
+            return;
+        OnEditingKey(event);
+        if (event.IsHandled())
+            return;
+    }
+    // Releases too: the sketch tool ends a straight run of its stroke when Shift comes up.
+    TheTools().GetTool()->OnKeyEvent(event);
 }
 
 bool AppGUI::OnWheelOrSpace(const input::KeyEvent& event)
@@ -310,8 +350,10 @@ void AppGUI::OnEditingKey(const input::KeyEvent& event)
     const int key = event.key;
     if (key == SDLK_ESCAPE)
     {
-        // No tool has a gesture to disband yet: escape closes the popup.
-        if (IsPopupOpen())
+        // A gesture in progress goes first; only with none does the popup close.
+        if (TheTools().GetTool()->Disband())
+            event.SetHandled();
+        else if (IsPopupOpen())
         {
             ClosePopup();
             event.SetHandled();
@@ -402,6 +444,7 @@ void AppGUI::Update(float dt)
         SaveSceneAs(Scene_Autosave, true);
         m_lastAutosave = now;
     }
+    TheTools().Update(dt);
 }
 
 void AppGUI::DrawCompAndChildren() const

@@ -18,9 +18,8 @@ namespace app
 // select and open the popup menu, drags go to the current tool or pan the view, the wheel zooms about the
 // mouse, and the keyboard shortcuts edit, copy, paste, undo, save and quit. It also autosaves. Its
 // settings ("App.GUI") live in app::AppSettings, so that the headless program reads them as well.
-//
-// Until the tools stand, no tool is current: a drag that a tool would take is left alone, except the pan
-// gestures (right drag on empty space, the middle button, both buttons), which move the camera here.
+// The mouse reaches the world through the current tool of app::Tools; where the tool takes no drag, a
+// temporary tool of that one gesture is picked by the button and by what lies under the start.
 class AppGUI : public gui::Component
 {
 public:
@@ -102,8 +101,6 @@ private:
     // Seconds of the frame clock.
     double m_lastAutosave;
     util::String m_openMenu;
-    // The temporary pan of a right drag on empty space.
-    bool m_panning = false;
 };
 
 } // namespace app

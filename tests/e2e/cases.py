@@ -3,6 +3,7 @@ checks; run_case.py quits the program (Ctrl+Q, exit code 0) and calls the case's
 on what the program left behind."""
 import math
 import os
+import time
 
 from qlex_e2e import (Failure, check, entity_records, pixel_to_world, scene_text, setting, vector,
                       world_to_pixel)
@@ -221,6 +222,283 @@ class SpaceStartsAndStops(Case):
         check(setting(s.read("config.cfg"), "Sim.running") == "false", "stopped at the end")
 
 
+
+# --- drawing with the sketch tool ---------------------------------------------------------------------------
+# Strokes are laid in world coordinates. A straight stroke that crosses a box's outline twice erases it:
+# strokes that must not erase begin inside a box or keep clear of the outlines they would cut twice.
+
+def px(x, y):
+    return world_to_pixel(x, y)
+
+
+def square(cx, cy, half):
+    """A closed square stroke in pixels, with a short overlap at its start so that it surely closes."""
+    corners = [(cx - half, cy - half), (cx + half, cy - half), (cx + half, cy + half), (cx - half, cy + half),
+               (cx - half, cy - half), (cx + half * 0.2, cy - half)]
+    return [px(x, y) for x, y in corners]
+
+
+def records(s, kind):
+    return entity_records(s.saved_scene(), kind)
+
+
+def circle_stroke(s, cx, cy, r):
+    x, y = px(cx, cy)
+    s.circle(x, y, r * 150.0, segments=max(16, int(r * 150.0 / 4)))
+
+
+class SquareStrokeMakesPolygon(Case):
+    """A closed square stroke on empty space becomes one polygon body where it was drawn."""
+
+    def run(self, s):
+        s.stroke(square(0.0, 0.0, 0.5))
+
+    def after(self, s):
+        found = records(s, "addPolygon")
+        check(len(found) == 1, "one polygon: %s" % found)
+        check(near(vector(found[0]["pos"]), (0.0, 0.0), 0.08), "the polygon where it was drawn: %s" % found)
+
+
+class UndoRemovesThePolygon(Case):
+    """Ctrl+Z after the stroke takes the polygon away."""
+
+    def run(self, s):
+        s.stroke(square(0.0, 0.0, 0.5))
+        s.key("ctrl+z")
+
+    def after(self, s):
+        check(not records(s, "addPolygon"), "no polygon after the undo: %s" % records(s, "addPolygon"))
+
+
+class RedoBringsThePolygonBack(Case):
+    """Ctrl+Y after the undo brings the polygon back."""
+
+    def run(self, s):
+        s.stroke(square(0.0, 0.0, 0.5))
+        s.key("ctrl+z")
+        s.key("ctrl+y")
+
+    def after(self, s):
+        check(len(records(s, "addPolygon")) == 1, "the polygon is back: %s" % records(s, "addPolygon"))
+
+
+class EscapeDuringTheStrokeMakesNothing(Case):
+    """Escape pressed while the button is still down abandons the stroke: nothing is made when it comes up."""
+
+    def run(self, s):
+        points = square(0.0, 0.0, 0.5)
+        s.move(*points[0])
+        s.down()
+        s.path(points[:4])
+        s.key("Escape")
+        s.path(points[3:])
+        s.up()
+
+    def after(self, s):
+        check(not records(s, "addPolygon"), "nothing drawn: %s" % records(s, "addPolygon"))
+
+
+TWO_BY_TWO = scene_text(STILL + box(0.0, 0.0, 2.0))
+
+
+class SmallCircleOnABoxMakesAHinge(Case):
+    """A small round stroke on a 2 x 2 box pins it with a hinge at the stroke's centre."""
+    scene = TWO_BY_TWO
+
+    def run(self, s):
+        circle_stroke(s, 0.4, 0.3, 0.2)
+
+    def after(self, s):
+        hinges = records(s, "addHinge")
+        check(len(hinges) == 1, "one hinge: %s" % hinges)
+        check(not records(s, "addPolygon"), "no polygon besides: %s" % records(s, "addPolygon"))
+        # The box stands unturned at the origin: its local points are world points.
+        check(near(vector(hinges[0]["geom0pos"]), (0.4, 0.3), 0.05), "the hinge at the centre: %s" % hinges)
+        check(abs(float(hinges[0]["size"]) - 0.4) < 0.06, "twice the radius: %s" % hinges)
+
+
+class LargeCircleOnABoxMakesAPolygon(Case):
+    """A circle of radius about 1 inside the 2 x 2 box covers over half of it: a polygon, no hinge."""
+    scene = TWO_BY_TWO
+
+    def run(self, s):
+        circle_stroke(s, 0.0, 0.0, 0.95)
+
+    def after(self, s):
+        check(not records(s, "addHinge"), "no hinge: %s" % records(s, "addHinge"))
+        check(len(records(s, "addPolygon")) == 1, "one polygon: %s" % records(s, "addPolygon"))
+
+
+class SmallCircleOffTheBoxMakesAPolygon(Case):
+    """The same small circle beside the box, on the background, is a polygon."""
+    scene = TWO_BY_TWO
+
+    def run(self, s):
+        circle_stroke(s, 2.0, 0.3, 0.2)
+
+    def after(self, s):
+        check(not records(s, "addHinge"), "no hinge: %s" % records(s, "addHinge"))
+        found = records(s, "addPolygon")
+        check(len(found) == 1 and near(vector(found[0]["pos"]), (2.0, 0.3), 0.05), "one polygon there: %s" % found)
+
+
+# Edges between pixels: a stroke point that lies exactly on an outline would count as two crossings.
+TWO_BOXES = scene_text(STILL + box(-1.5, 0.0, 0.98) + box(1.5, 0.0, 0.98))
+
+
+class ZigzagBetweenTwoBoxesMakesASpring(Case):
+    """A zigzag from one box to the other makes a spring that rests at their distance."""
+    scene = TWO_BOXES
+
+    def run(self, s):
+        # Each side swings out by more than the 15% of its length a straight stroke may wander.
+        s.zigzag(*px(-1.5, 0.0), *px(1.5, 0.0), teeth=5, width=85)
+
+    def after(self, s):
+        springs = records(s, "addSpring")
+        check(len(springs) == 1, "one spring: %s" % springs)
+        check(abs(float(springs[0]["length"]) - 3.0) < 0.1, "the spring's length is the distance: %s" % springs)
+        check(len(boxes(s)) == 2 and not records(s, "addPolygon"), "nothing else changed")
+
+
+class FlatLineBetweenTwoBoxesMakesNothing(Case):
+    """A nearly flat stroke between the boxes is a line that crosses each outline once: no spring, no
+    erasure, nothing."""
+    scene = TWO_BOXES
+
+    def run(self, s):
+        s.zigzag(*px(-1.5, 0.0), *px(1.5, 0.0), teeth=5, width=6)
+
+    def after(self, s):
+        check(not records(s, "addSpring"), "no spring: %s" % records(s, "addSpring"))
+        check(len(boxes(s)) == 2, "both boxes stay: %s" % boxes(s))
+
+
+OVERLAPPING = scene_text(STILL + box(-0.3, 0.0, 1.0) + box(0.3, 0.0, 1.0))
+
+
+class CrossingLinesMakeAFixate(Case):
+    """Two lines that cross within two seconds, both inside two overlapping boxes, fixate them together."""
+    scene = OVERLAPPING
+
+    def run(self, s):
+        s.stroke([px(-0.15, 0.15), px(0.15, -0.15)])
+        s.wait(0.3)
+        s.stroke([px(-0.15, -0.15), px(0.15, 0.15)])
+
+    def after(self, s):
+        fixates = records(s, "addFixjoint")
+        check(len(fixates) == 1, "one fixate: %s" % fixates)
+        fixate = fixates[0]
+        by_geom = {b["geomID"]: vector(b["pos"]) for b in boxes(s)}
+        check(len(by_geom) == 2, "no box erased: %s" % boxes(s))
+        check({fixate["geom0"], fixate["geom1"]} == set(by_geom), "the fixate holds both boxes: %s" % fixate)
+        for end in ("0", "1"):
+            # Unturned boxes: an end's world point is its box's place plus its local point.
+            world = [p + q for p, q in zip(by_geom[fixate["geom" + end]], vector(fixate["geom%spos" % end]))]
+            check(near(world, (0.0, 0.0), 0.03), "end %s at the crossing: %s" % (end, world))
+
+
+class CrossingLinesTooLateMakeNothing(CrossingLinesMakeAFixate):
+    """The same two lines two and a half seconds apart make nothing."""
+
+    def run(self, s):
+        s.stroke([px(-0.15, 0.15), px(0.15, -0.15)])
+        s.wait(2.5)
+        s.stroke([px(-0.15, -0.15), px(0.15, 0.15)])
+
+    def after(self, s):
+        check(not records(s, "addFixjoint"), "no fixate: %s" % records(s, "addFixjoint"))
+        check(len(boxes(s)) == 2, "no box erased: %s" % boxes(s))
+
+
+# A plane of angle pi / 2 has its normal up: the ground below y = 0.
+BOX_OVER_PLANE = scene_text(STILL + box(0.0, 0.6, 0.58) + "Scene.addPlane {pos = [0.0, 0.0]; angle = 1.57079637};\n")
+
+
+class LineAcrossABoxErasesItNotThePlane(Case):
+    """A straight line down through a box and into the ground beneath erases the box; the plane stays."""
+    scene = BOX_OVER_PLANE
+
+    def run(self, s):
+        s.stroke([px(0.0, 1.3), px(0.0, -0.5)])
+
+    def after(self, s):
+        check(not boxes(s), "the box is erased: %s" % boxes(s))
+        check(len(records(s, "addPlane")) == 1, "the plane stays: %s" % records(s, "addPlane"))
+
+
+class LineAcrossThePlaneAloneErasesIt(Case):
+    """A straight line that crosses only the plane erases it; the box stays."""
+    scene = BOX_OVER_PLANE
+
+    def run(self, s):
+        s.stroke([px(2.0, 0.5), px(2.0, -0.5)])
+
+    def after(self, s):
+        check(not records(s, "addPlane"), "the plane is erased: %s" % records(s, "addPlane"))
+        check(len(boxes(s)) == 1, "the box stays: %s" % boxes(s))
+
+
+THREE_BOXES = scene_text(STILL + box(-1.5, 0.0) + box(0.0, 0.0) + box(1.5, 0.0))
+
+
+class LoopAroundTwoBoxesSelectsThem(Case):
+    """A closed stroke around two of three boxes selects those two, and Delete removes exactly them."""
+    scene = THREE_BOXES
+
+    def run(self, s):
+        corners = [(-2.2, -0.7), (0.7, -0.7), (0.7, 0.7), (-2.2, 0.7), (-2.2, -0.7), (-1.6, -0.7)]
+        s.stroke([px(x, y) for x, y in corners])
+        s.key("Delete")
+
+    def after(self, s):
+        places = [vector(b["pos"]) for b in boxes(s)]
+        check(len(places) == 1 and near(places[0], (1.5, 0.0), 1e-3), "only the third box is left: %s" % places)
+        check(not records(s, "addPolygon"), "the loop made no polygon: %s" % records(s, "addPolygon"))
+
+
+class ShiftDrawsAStraightRun(Case):
+    """With Shift held, the stroke records nothing until Shift comes up: a detour around a box drawn with
+    Shift down is the straight line from its start to its end, which strikes the box out. Drawn without
+    Shift, the same detour is an open stroke that makes nothing."""
+    scene = scene_text(STILL + box(0.0, 0.0, 0.58) + box(0.0, -2.0, 0.58))
+    detour = [(-1.5, 0.05), (-1.5, 1.0), (1.5, 1.0), (1.5, 0.05)]
+
+    def run(self, s):
+        lower = [(x, y - 2.0) for x, y in self.detour]
+        s.stroke([px(x, y) for x, y in lower])
+        s.move(*px(*self.detour[0]))
+        s.down()
+        s.keydown("shift")
+        s.path([px(x, y) for x, y in self.detour])
+        s.keyup("shift")
+        s.up()
+
+    def after(self, s):
+        places = [vector(b["pos"]) for b in boxes(s)]
+        check(len(places) == 1 and near(places[0], (0.0, -2.0), 1e-3),
+              "only the box under the straight run went: %s" % places)
+
+
+class RememberedLineShowsRedThenFades(Case):
+    """A straight line through nothing stays on the screen in red, and is gone two seconds later."""
+
+    def red_near(self, s, x, y):
+        pixel = s.screen()
+        return any(r > 150 and b < 120 for r, g, b in (pixel(x, y + dy) for dy in range(-4, 5)))
+
+    def run(self, s):
+        s.stroke([px(-2.5, 1.5), px(-0.5, 1.5)])
+        # Red enough for the test while the line is less than about 0.9 s old: the next frames show it.
+        deadline = time.time() + 0.6
+        while not self.red_near(s, *px(-1.5, 1.5)) and time.time() < deadline:
+            s.wait(0.02)
+        check(self.red_near(s, *px(-1.5, 1.5)), "the line is red after the stroke")
+        check(not self.red_near(s, *px(-1.5, 0.5)), "and only where it was drawn")
+        s.wait(2.2)
+        check(not self.red_near(s, *px(-1.5, 1.5)), "the line has faded")
+
 CASES = {
     "paste_undo_redo": PasteUndoRedo,
     "copy_paste": CopyPaste,
@@ -232,4 +510,20 @@ CASES = {
     "hinge_key_turns_its_body": HingeKeyTurnsItsBody,
     "space_starts_and_stops": SpaceStartsAndStops,
     "destroy_and_mirror_keys": DestroyAndMirrorKeys,
+    "sketch_square_stroke_makes_polygon": SquareStrokeMakesPolygon,
+    "sketch_undo_removes_the_polygon": UndoRemovesThePolygon,
+    "sketch_redo_brings_the_polygon_back": RedoBringsThePolygonBack,
+    "sketch_escape_during_the_stroke_makes_nothing": EscapeDuringTheStrokeMakesNothing,
+    "sketch_small_circle_on_a_box_makes_a_hinge": SmallCircleOnABoxMakesAHinge,
+    "sketch_large_circle_on_a_box_makes_a_polygon": LargeCircleOnABoxMakesAPolygon,
+    "sketch_small_circle_off_the_box_makes_a_polygon": SmallCircleOffTheBoxMakesAPolygon,
+    "sketch_zigzag_between_two_boxes_makes_a_spring": ZigzagBetweenTwoBoxesMakesASpring,
+    "sketch_flat_line_between_two_boxes_makes_nothing": FlatLineBetweenTwoBoxesMakesNothing,
+    "sketch_crossing_lines_make_a_fixate": CrossingLinesMakeAFixate,
+    "sketch_crossing_lines_too_late_make_nothing": CrossingLinesTooLateMakeNothing,
+    "sketch_line_across_a_box_erases_it_not_the_plane": LineAcrossABoxErasesItNotThePlane,
+    "sketch_line_across_the_plane_alone_erases_it": LineAcrossThePlaneAloneErasesIt,
+    "sketch_loop_around_two_boxes_selects_them": LoopAroundTwoBoxesSelectsThem,
+    "sketch_shift_draws_a_straight_run": ShiftDrawsAStraightRun,
+    "sketch_remembered_line_shows_red_then_fades": RememberedLineShowsRedThenFades,
 }
