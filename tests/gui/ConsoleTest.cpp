@@ -2,6 +2,7 @@
 // script parser, history, completion, scrolling and the slide.
 #include "GuiTestSupport.h"
 
+#include "gui/components/AutoUndoer.h"
 #include "gui/components/Console.h"
 #include "gui/components/ConsoleSettings.h"
 #include "gui/components/Text.h"
@@ -254,6 +255,33 @@ TEST_F(ConsoleTest, TabCompletesTheNameBeforeTheCursor)
     SetCursor(4);
     Press(SDLK_TAB, 0, ALT);
     EXPECT_EQ(Input(), "Cons");
+}
+
+// Counts the steps that text edits offer to the application's history.
+class CountingSink : public TextUndoSink
+{
+public:
+    CountingSink() { SetTextUndoSink(this); }
+    ~CountingSink() override { SetTextUndoSink(nullptr); }
+    void AddUndo(util::SharedPtr<TextEditUndoer>) override { ++steps; }
+    bool IsNewest(const TextEditUndoer&) const override { return false; }
+    int steps = 0;
+};
+
+TEST_F(ConsoleTest, TypingInTheConsoleLeavesTheApplicationsHistoryAlone)
+{
+    CountingSink history;
+    Open();
+    Type("1 + 1");
+    Press(SDLK_BACKSPACE);
+    Press(SDLK_a, 0, CTRL);
+    Press(SDLK_x, 0, CTRL);
+    EXPECT_EQ(Input(), "");
+    EXPECT_EQ(history.steps, 0);
+
+    TextField field;
+    field.GetTextEditor()->OnKeyEvent(input::KeyEvent(SDLK_a, 'a', true, math::Vec2(0.0f, 0.0f)));
+    EXPECT_EQ(history.steps, 1) << "other fields still offer their edits";
 }
 
 TEST_F(ConsoleTest, PageKeysScrollWithinTheLines)

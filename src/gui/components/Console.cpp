@@ -45,6 +45,8 @@ Console::Console()
     m_input->SetClickReleases(false);
     m_input->SetFloating(true);
     m_input->SetBorder(LookAndFeel::GetDefault()->GetEmptyBorder());
+    // The history of commands is the input's undo: its typing stays out of the scene's history.
+    m_input->GetTextEditor()->SetUndoable(false);
     m_settings->SetClearAction([this] { Clear(); });
     script::Parser::GetInstancePtr()->SetOutputFunction([this](const util::String& text) { Print(text); });
 }
