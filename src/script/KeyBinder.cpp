@@ -11,6 +11,19 @@ namespace
 {
 const char* const NAME = "Keys";
 
+// Counts a bound function's run for as long as it lasts, whatever way it ends.
+class PressCount
+{
+public:
+    explicit PressCount(unsigned& count) : m_count(count) { ++m_count; }
+    ~PressCount() { --m_count; }
+    PressCount(const PressCount&) = delete;
+    PressCount& operator=(const PressCount&) = delete;
+
+private:
+    unsigned& m_count;
+};
+
 util::String FailureStart(const util::String& text)
 {
     return "Button combination \"" + text + "\"";
@@ -45,17 +58,55 @@ void KeyBinder::Bind(ObjectPtr combination, ObjectPtr function)
         *bound = command;
         return;
     }
+    if (m_pressing > 0)
+        m_pending.emplace_back(button, command);
+    else
+        Apply(button, command);
+}
+
+void KeyBinder::Unbind(ObjectPtr combination)
+{
+    const input::ButtonInput button = ToButton(combination);
+    if (m_pressing == 0)
+    {
+        Apply(button, nullptr);
+        return;
+    }
+    if (util::SharedPtr<AbstractFunction>* bound = m_bindings.TryGet(button))
+        *bound = nullptr;
+    m_pending.emplace_back(button, nullptr);
+}
+
+void KeyBinder::Apply(const input::ButtonInput& combination,
+                      const util::SharedPtr<AbstractFunction>& function)
+{
+    if (!function)
+    {
+        m_bindings.erase(combination);
+        return;
+    }
+    if (util::SharedPtr<AbstractFunction>* bound = m_bindings.TryGet(combination))
+    {
+        *bound = function;
+        return;
+    }
+    input::ButtonInput button = combination;
     const std::set<SDLKey> keys = button.GetKeySet();
     const bool toggle = button.GetToggle();
     const util::String text = button.Serialize();
     button.AddOnPressCallback(
         QLEX_NEW new util::Callback([this, keys, toggle, text] { OnPress(keys, toggle, text); }, this));
-    m_bindings.Insert(button, command);
+    m_bindings.Insert(button, function);
 }
 
-void KeyBinder::Unbind(ObjectPtr combination)
+void KeyBinder::Poke()
 {
-    m_bindings.erase(ToButton(combination));
+    if (m_pressing > 0 || m_pending.empty())
+        return;
+    std::vector<std::pair<input::ButtonInput, util::SharedPtr<AbstractFunction>>> pending;
+    pending.swap(m_pending);
+    for (const auto& change : pending)
+        Apply(change.first, change.second);
 }
 
 util::SharedPtr<AbstractFunction>* KeyBinder::Find(const std::set<SDLKey>& keys, bool toggle)
@@ -76,7 +127,7 @@ void KeyBinder::OnButtonPress(const input::ButtonInput& button)
 void KeyBinder::OnPress(const std::set<SDLKey>& keys, bool toggle, const util::String& text)
 {
     util::SharedPtr<AbstractFunction>* bound = Find(keys, toggle);
-    if (!bound)
+    if (!bound || !*bound)
     {
         Log(logging::Warning, FailureStart(text) + " failed to execute its command.");
         return;
@@ -85,6 +136,7 @@ void KeyBinder::OnPress(const std::set<SDLKey>& keys, bool toggle, const util::S
     const util::SharedPtr<AbstractFunction> command = *bound;
     try
     {
+        PressCount pressing(m_pressing);
         EvalGuard::Session session;
         command->Call(ObjectList());
     }
@@ -103,6 +155,8 @@ ExpressionPtr KeyBinder::ToExpression() const
         self ? ExpressionPtr(self) : ExpressionPtr(QLEX_NEW new Identifier(nullptr, NAME)), "bind");
     for (const auto& entry : m_bindings)
     {
+        if (!entry.second)
+            continue;
         // A built-in command has no text: its binding lasts for the run only.
         ExpressionPtr function = entry.second->ToExpression();
         if (!function)

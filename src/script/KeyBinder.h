@@ -9,15 +9,18 @@
 // combinations of keys; the programs put it under the script root.
 
 #include "input/ButtonInput.h"
+#include "script/Attributes.h"
 #include "script/Reflected.h"
 #include "util/HashMap.h"
 
 #include <set>
+#include <utility>
+#include <vector>
 
 namespace script
 {
 
-class KeyBinder : public Reflected
+class KeyBinder : public Reflected, public PokeMeOncePerFrame
 {
 public:
     typedef util::HashMap<input::ButtonInput, util::SharedPtr<AbstractFunction>, input::ButtonInput::Hasher>
@@ -39,6 +42,8 @@ public:
 
     // One "Keys.bind(...)" statement per binding that can be written as text.
     ExpressionPtr ToExpression() const override;
+    // Carries out what a bound function asked of the table while it ran.
+    void Poke() override;
 
     const BindingMap& GetBindings() const { return m_bindings; }
 
@@ -49,8 +54,15 @@ private:
     // the button, which would be a second watcher of the keys. `text` names it in warnings.
     void OnPress(const std::set<SDLKey>& keys, bool toggle, const util::String& text);
     util::SharedPtr<AbstractFunction>* Find(const std::set<SDLKey>& keys, bool toggle);
+    // Adds or (with a null function) erases an entry of the table.
+    void Apply(const input::ButtonInput& button, const util::SharedPtr<AbstractFunction>& function);
 
     BindingMap m_bindings;
+    // A bound function runs inside the press callbacks of its button: while it does, a new entry (which
+    // may grow the table and so move every button) or an erased one (which ends the button) waits here
+    // for the next frame, and an unbound one does nothing meanwhile.
+    unsigned m_pressing = 0;
+    std::vector<std::pair<input::ButtonInput, util::SharedPtr<AbstractFunction>>> m_pending;
 };
 
 } // namespace script

@@ -154,6 +154,26 @@ TEST_F(KeyBinderTest, UnbindEndsTheBindingAndItsSavedStatement)
     EXPECT_TRUE(m_errors.empty()) << "an unknown combination is no error";
 }
 
+TEST_F(KeyBinderTest, ABoundFunctionMayChangeTheBindingsAndTheChangesHoldFromTheNextFrame)
+{
+    // A one-shot key that binds others: the table changes under the press of its own button.
+    Run("Keys.bind(\"f1\", {note(1); Keys.unbind(\"f1\"); Keys.bind(\"f2\", {note(10)}); "
+        "Keys.bind(\"f3\", {note(100)}); Keys.bind(\"f4\", {note(1000)})})");
+    Tap(SDLK_F1);
+    EXPECT_EQ(Counter(), 1);
+    Tap(SDLK_F1);
+    EXPECT_EQ(Counter(), 1) << "unbound at once";
+    EXPECT_EQ(m_parser->ToCode().find("Keys.bind"), std::string::npos)
+        << "the new bindings wait for the frame";
+    m_parser->Update();
+    EXPECT_EQ(m_keys->GetBindings().size(), 3u);
+    Tap(SDLK_F1);
+    Tap(SDLK_F2);
+    Tap(SDLK_F3);
+    Tap(SDLK_F4);
+    EXPECT_EQ(Counter(), 1111);
+}
+
 TEST_F(KeyBinderTest, AFailingFunctionWarnsAndKeepsItsBinding)
 {
     // A statement that fails inside the function is reported, and the rest of the function still runs.
