@@ -32,8 +32,7 @@ const unsigned char TOGGLE_CHARACTER = 0xA7;
 
 Console::Console()
     : m_settings(ConsoleSettings::GetInstancePtr()), m_scroll(0), m_historyIndex(-1),
-      m_toggleTime(input::Clock::Now() - LONG_AGO), m_open(false), m_keyTime(input::Clock::Now()),
-      m_input(QLEX_NEW new TextField())
+      m_toggleTime(input::Clock::Now() - LONG_AGO), m_open(false), m_input(QLEX_NEW new TextField())
 {
     SetPriority(PRIORITY);
     m_fontFormater.SetColor(math::Vec4(1.0f, 1.0f, 1.0f, 1.0f));
@@ -143,7 +142,6 @@ void Console::OnKeyEvent(const input::KeyEvent& event)
         Component::OnKeyEvent(event);
         return;
     }
-    m_keyTime = input::Clock::Now();
     if (IsToggleKey(event))
     {
         Toggle();

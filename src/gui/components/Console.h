@@ -73,7 +73,6 @@ private:
     int m_historyIndex;
     double m_toggleTime;
     bool m_open;
-    double m_keyTime;
     util::SharedPtr<TextField> m_input;
 };
 
