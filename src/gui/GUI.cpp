@@ -1,8 +1,8 @@
 #include "gui/GUI.h"
 
 #include "gui/LookAndFeel.h"
-#include "input/ButtonInput.h"
 #include "gui/TextProbe.h"
+#include "input/ButtonInput.h"
 #include "input/Input.h"
 #include "rendering/AttribPusher.h"
 #include "rendering/Renderer.h"
@@ -23,6 +23,8 @@ namespace
 const GLbitfield ALL_ATTRIB_BITS = 0xFFFFF;
 // The side of the cursor's picture in GUI units; its centre is the hot spot.
 const float CURSOR_SIZE = 32.0f;
+// Errors, warnings and information; the debugging messages stay in the log file.
+const unsigned CONSOLE_LOG_MASK = 23;
 
 // Hands unhandled key presses to the profiler, which walks its table with the numeric pad.
 class ProfilerKeyRelay : public input::InputListener
@@ -71,13 +73,19 @@ GUI::GUI()
 
     m_mainComponent = QLEX_NEW new Component();
     m_tooltipLayer = QLEX_NEW new Component();
+    m_console = QLEX_NEW new Console();
     m_mainComponent->SetFillOwner(true);
     m_rootComponent->AddComponent(m_mainComponent);
     m_rootComponent->AddComponent(m_tooltipLayer);
+    m_rootComponent->AddComponent(m_console);
+    m_consoleLogger = QLEX_NEW new logging::FunctionLogger(CONSOLE_LOG_MASK, &PrintConsole);
+    logging::Logger::GetInstancePtr()->AddLogger(m_consoleLogger);
 }
 
 GUI::~GUI() noexcept
 {
+    if (logging::Logger::Exists())
+        logging::Logger::GetInstancePtr()->RemoveLogger(m_consoleLogger);
     input::ButtonInput::SetHost(nullptr);
     if (input::Input::IsUp())
     {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "gui/components/Component.h"
+#include "gui/components/Console.h"
 #include "input/InputListener.h"
 #include "input/InputSettings.h"
+#include "logging/Log.h"
 #include "rendering/Texture.h"
 #include "script/AttribWrapper.h"
 #include "script/Reflected.h"
@@ -92,12 +94,17 @@ public:
     const util::SharedPtr<Component>& GetRootComponent() const { return m_rootComponent; }
     const util::SharedPtr<Component>& GetMainComponent() const { return m_mainComponent; }
     const util::SharedPtr<Component>& GetTooltipLayer() const { return m_tooltipLayer; }
+    // Above the tooltips, and first to see keys.
+    const util::SharedPtr<Console>& GetConsole() const { return m_console; }
 
 private:
     util::CallbackSet m_fontChangeCallbacks;
     util::SharedPtr<Component> m_rootComponent;
     util::SharedPtr<Component> m_mainComponent;
     util::SharedPtr<Component> m_tooltipLayer;
+    util::SharedPtr<Console> m_console;
+    // Errors, warnings and information of the log, shown in the console.
+    util::SharedPtr<logging::ILogger> m_consoleLogger;
     util::SharedPtr<input::InputListener> m_profilerKeys;
     rendering::TextureProxy m_cursor;
     rendering::TextureProxy m_defaultCursor;

@@ -4,6 +4,7 @@ on what the program left behind."""
 import math
 import os
 import time
+import re
 
 from qlex_e2e import (Failure, check, entity_records, pixel_to_world, scene_text, setting, vector,
                       world_to_pixel)
@@ -27,6 +28,8 @@ def near(a, b, tolerance):
 class Case:
     scene = scene_text(STILL)
     config = ""
+    # A case that ends the program itself; the others are quit with Ctrl+Q.
+    ends_itself = False
 
     def run(self, s):
         raise NotImplementedError
@@ -498,6 +501,81 @@ class RememberedLineShowsRedThenFades(Case):
         check(not self.red_near(s, *px(-1.5, 0.5)), "and only where it was drawn")
         s.wait(2.2)
         check(not self.red_near(s, *px(-1.5, 1.5)), "the line has faded")
+# The console's background over the sky: (0.1, 0.1, 0.1) at alpha 0.8, far darker than any sky.
+def console_covers(s, x, y):
+    return max(s.pixel(x, y)) < 90
+
+
+class ConsoleRunsCommandsWithHistory(Case):
+    """The key left of 1 opens the console without typing into it; a command runs, Up brings it back to be
+    edited and run again, a scene command adds a box, and the console covers the top of the window until
+    Escape shuts it."""
+
+    def run(self, s):
+        check(not console_covers(s, 512, 60), "the console starts shut: %s" % (s.pixel(512, 60),))
+        s.key("grave")
+        s.wait(0.6)
+        check(console_covers(s, 512, 60), "the open console covers the top: %s" % (s.pixel(512, 60),))
+        check(not console_covers(s, 512, 400), "and not the middle: %s" % (s.pixel(512, 400),))
+        s.type("probe = 1 + 2")
+        s.key("Return")
+        s.key("Up")
+        s.key("BackSpace")
+        s.type("5")
+        s.key("Return")
+        s.type("Scene.addBox {pos = [1.0, 1.0]; size = [0.5, 0.5]}")
+        s.key("Return")
+        s.screenshot(s.path_of("console.png"))
+        s.key("Escape")
+        s.wait(0.6)
+        check(not console_covers(s, 512, 60), "Escape shut the console: %s" % (s.pixel(512, 60),))
+
+    def after(self, s):
+        config = s.read("config.cfg")
+        check(re.search(r"^probe = 6;?$", config, re.M), "the edited command ran last:\n" + config)
+        places = [vector(b["pos"]) for b in boxes(s)]
+        check(len(places) == 1 and near(places[0], (1.0, 1.0), 1e-3), "the console's box: %s" % places)
+
+
+class ConsoleKeyBinding(Case):
+    """A binding made in the console runs at its key once the console is shut, and stays in config.cfg."""
+
+    def run(self, s):
+        s.key("F11")
+        s.type('Keys.bind("f12", {System.screenshot()})')
+        s.key("Return")
+        s.key("F11")
+        s.wait(0.5)
+        check(not os.path.exists(s.path_of("screenshots")) or not os.listdir(s.path_of("screenshots")),
+              "no screenshot before the key")
+        s.key("F12")
+        s.wait(0.5)
+        shots = os.listdir(s.path_of("screenshots")) if os.path.exists(s.path_of("screenshots")) else []
+        check(len(shots) == 1 and shots[0].endswith(".tga"), "F12 wrote one screenshot: %s" % shots)
+
+    def after(self, s):
+        check('Keys.bind("f12", {System.screenshot()})' in s.read("config.cfg"),
+              "the binding is saved:\n" + s.read("config.cfg"))
+
+
+class ConsoleCompletionExits(Case):
+    """Tab completes "Sys" to "System." and "exi" to "exit"; Return runs it and the program ends in order,
+    saving its configuration and leaving no autosave."""
+    ends_itself = True
+
+    def run(self, s):
+        s.key("F11")
+        s.type("Sys")
+        s.key("Tab")
+        s.type("exi")
+        s.key("Tab")
+        s.key("Return")
+
+    def after(self, s):
+        check("Subsystem::Run returned" in s.log(), "the loop ended in order:\n" + s.log()[-2000:])
+        check(os.path.exists(s.path_of("config.cfg")) and not os.path.exists(s.path_of("config.autosave.cfg")),
+              "config.cfg saved, no autosave left")
+
 
 CASES = {
     "paste_undo_redo": PasteUndoRedo,
@@ -526,4 +604,7 @@ CASES = {
     "sketch_loop_around_two_boxes_selects_them": LoopAroundTwoBoxesSelectsThem,
     "sketch_shift_draws_a_straight_run": ShiftDrawsAStraightRun,
     "sketch_remembered_line_shows_red_then_fades": RememberedLineShowsRedThenFades,
+    "console_runs_commands_with_history": ConsoleRunsCommandsWithHistory,
+    "console_key_binding": ConsoleKeyBinding,
+    "console_completion_exits": ConsoleCompletionExits,
 }

@@ -118,6 +118,14 @@ class Session:
             raise Failure("qlex didn't end after Ctrl+Q")
         check(self.exit_code == 0, "qlex ended with %s:\n%s" % (self.exit_code, self.output()))
 
+    def wait_exit(self):
+        """The program ends by itself, with exit code 0."""
+        try:
+            self.exit_code = self.proc.wait(timeout=EXIT_PATIENCE)
+        except subprocess.TimeoutExpired:
+            raise Failure("qlex didn't end by itself")
+        check(self.exit_code == 0, "qlex ended with %s:\n%s" % (self.exit_code, self.output()))
+
     def close(self):
         for proc in (self.proc, self.xvfb):
             if proc and proc.poll() is None:
@@ -185,6 +193,11 @@ class Session:
 
     def key(self, name):
         self.xdo("key", "--clearmodifiers", name)
+        time.sleep(0.1)
+
+    def type(self, text):
+        """Types the text key by key, as a person at the keyboard."""
+        self.xdo("type", "--clearmodifiers", "--delay", "40", text)
         time.sleep(0.1)
 
     def keydown(self, name):

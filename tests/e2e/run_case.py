@@ -17,7 +17,10 @@ def main():
     try:
         session.start()
         case.run(session)
-        session.quit()
+        if case.ends_itself:
+            session.wait_exit()
+        else:
+            session.quit()
         case.after(session)
         passed = True
     except Failure as failure:

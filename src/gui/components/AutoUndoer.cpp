@@ -52,7 +52,7 @@ AutoUndoer::AutoUndoer(Text* text)
 
 AutoUndoer::~AutoUndoer()
 {
-    if (!s_sink)
+    if (!s_sink || !m_text->IsUndoable())
         return;
     try
     {

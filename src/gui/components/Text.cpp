@@ -414,7 +414,7 @@ void Text::OnChange()
 
 void Text::Type(char c)
 {
-    TextUndoSink* sink = GetTextUndoSink();
+    TextUndoSink* sink = m_undoable ? GetTextUndoSink() : nullptr;
     const util::SharedPtr<TextEditUndoer> last = m_lastTyping.get();
     // Typing on from where the last typed character went makes that record longer: one undo takes
     // back a whole run of typing, not one letter.

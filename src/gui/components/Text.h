@@ -131,6 +131,11 @@ public:
     void AddReturnCallback(util::CallbackPtr callback) { m_onReturn.Add(callback); }
     void AddTabCallback(util::CallbackPtr callback) { m_onTab.Add(callback); }
 
+    // Whether edits join the application's history: not for a line whose text lives elsewhere once it is
+    // given, as the console's input.
+    void SetUndoable(bool undoable) { m_undoable = undoable; }
+    bool IsUndoable() const { return m_undoable; }
+
     // The time of the last move of the cursor, for the blink.
     double GetCursorTime() const { return m_cursorTime; }
 
@@ -155,6 +160,7 @@ private:
     util::CallbackSet m_onTab;
     // The record of the run of typing that goes on, while it does.
     util::WeakPtr<TextEditUndoer> m_lastTyping;
+    bool m_undoable = true;
 };
 
 } // namespace gui
