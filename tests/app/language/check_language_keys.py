@@ -62,7 +62,7 @@ def main(argv):
     failures = []
     # The lookups of the toolkit, of undo names and of group names at least must be seen, or the patterns
     # above have stopped matching the sources.
-    for known in ("EmptyGroup", "UndoTextEdit", "AboutText"):
+    for known in ("Slider_Tooltip", "LabeledSlider_Tooltip", "UndoSliderChange", "EmptyGroup", "AboutText"):
         if known not in asked:
             failures.append("the sources no longer show the key %s: update this check" % known)
     for key, where in sorted(asked.items()):
