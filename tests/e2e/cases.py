@@ -221,6 +221,27 @@ class SpaceStartsAndStops(Case):
         check(setting(s.read("config.cfg"), "Sim.running") == "false", "stopped at the end")
 
 
+class WelcomeSceneInGerman(Case):
+    """The welcome scene, opened with the German texts chosen, reads every text it needs: no translation
+    is missing and no key shows bracketed, and the choice stays in the configuration."""
+    with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "scenes", "welcome.qlx")) as f:
+        scene = f.read()
+    config = 'App.language = "German";\n'
+
+    def run(self, s):
+        s.wait(0.5)
+        s.click(512, 700)
+        s.wait(0.3)
+
+    def after(self, s):
+        log = s.log()
+        check("Loading language German..." in log, "German was loaded:\n" + log[-2000:])
+        for trouble in ("translation missing", "translation for", "Error in language file", "Error loading language",
+                        "Failed to load language", "not found in the english original"):
+            check(trouble not in log, "no %r in the log:\n%s" % (trouble, log[-2000:]))
+        check(setting(s.read("config.cfg"), "App.language") == '"German"', "German stays chosen")
+
+
 CASES = {
     "paste_undo_redo": PasteUndoRedo,
     "copy_paste": CopyPaste,
@@ -232,4 +253,5 @@ CASES = {
     "hinge_key_turns_its_body": HingeKeyTurnsItsBody,
     "space_starts_and_stops": SpaceStartsAndStops,
     "destroy_and_mirror_keys": DestroyAndMirrorKeys,
+    "welcome_scene_in_german": WelcomeSceneInGerman,
 }

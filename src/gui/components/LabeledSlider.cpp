@@ -17,6 +17,8 @@ namespace
 {
 // Decimals shown for a range of about one: three, one fewer for each power of ten more.
 const int RANGE_DECIMALS = 3;
+// Between name, value and unit, in GUI units.
+const float LINE_SPACING = 4.0f;
 } // namespace
 
 LabeledSlider::LabeledSlider(const std::string& name, util::SharedPtr<Slider> slider, const std::string& unit)
