@@ -12,6 +12,7 @@
 #include "app/Undoer.h"
 #include "gui/GUI.h"
 #include "gui/components/Checkbox.h"
+#include "gui/components/Icon.h"
 #include "gui/components/LabeledSlider.h"
 #include "gui/components/ListLayout.h"
 #include "input/Input.h"
@@ -192,6 +193,26 @@ TEST_F(ControlsX11, DraggedSliderSetsTheValueOfItsScaleAndLeavesOneUndoStep)
     EXPECT_GT(onMarker.x + onMarker.y + onMarker.z, onBar.x + onBar.y + onBar.z + 100);
     if (const char* shot = std::getenv("QLEX_CONTROLS_SHOT"))
         rendering::Renderer::GetInstancePtr()->ScreenShotToFile(shot);
+}
+
+TEST_F(ControlsX11, IconTakesThePicturesSizeAndDrawsIt)
+{
+    gui::Icon icon(gui::Checkbox::ON_TEXTURE);
+    // The pictures of the toolkit are drawn 32 pixels square.
+    EXPECT_EQ(icon.GetInnerSize(), math::Vec2(32.0f, 32.0f));
+    // A sized icon keeps its size.
+    gui::Icon sized;
+    sized.SetInnerSize(16.0f, 16.0f);
+    sized.SetTexture(icon.GetTexture());
+    EXPECT_EQ(sized.GetInnerSize(), math::Vec2(16.0f, 16.0f));
+    // The check box shows the picture of its state: its tick is green, the empty box is not.
+    const auto tick = PixelOf(*m_checkbox->GetIcon(), math::Vec2(8.0f, 9.0f));
+    const math::TVector4<int> on = s_window.ReadPixelFromTop(tick.x, tick.y);
+    EXPECT_GT(on.y, on.x + 40);
+    Settings().m_borders = false;
+    Frame();
+    const math::TVector4<int> off = s_window.ReadPixelFromTop(tick.x, tick.y);
+    EXPECT_LT(off.y, off.x + 20);
 }
 
 } // namespace
