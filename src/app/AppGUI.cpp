@@ -476,7 +476,7 @@ void AppGUI::OnSliderBegin()
 
 void AppGUI::OnSliderEnd(std::string name)
 {
-    // The name would tell the step apart in a history that shows it; the step's own name is the key's.
+    // Every slider's change goes by one name in the history; the slider's own name is not part of it.
     (void)name;
     if (!m_sliderSnapshot)
         return;

@@ -7,6 +7,7 @@
 
 #include <boost/format.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -17,6 +18,8 @@ namespace
 {
 // Decimals shown for a range of about one: three, one fewer for each power of ten more.
 const int RANGE_DECIMALS = 3;
+// No value shows more decimals than this, however small.
+const double MAX_DECIMALS = 30.0;
 // Between name, value and unit, in GUI units.
 const float LINE_SPACING = 4.0f;
 } // namespace
@@ -66,13 +69,15 @@ std::string LabeledSlider::FormatValue(double value, double min, double max, dou
         return "+inf";
     if (value < -std::numeric_limits<double>::max())
         return "-inf";
-    const int a = int(std::floor(std::log10(std::fabs(max * factor - min * factor)) + 0.5));
-    int decimals = std::max(RANGE_DECIMALS - a, 0);
-    if (value != 0.0)
+    // Rounded powers of ten; a range of no width (a display factor of 0) counts as one of about one.
+    const auto power = [](double x)
     {
-        const int b = int(std::floor(std::log10(std::fabs(value)) + 0.5));
-        decimals = std::max(decimals, 1 - b);
-    }
+        const double p = std::floor(std::log10(std::fabs(x)) + 0.5);
+        return std::isfinite(p) ? int(std::clamp(p, -MAX_DECIMALS, MAX_DECIMALS)) : 0;
+    };
+    int decimals = std::max(RANGE_DECIMALS - power(max * factor - min * factor), 0);
+    if (value != 0.0)
+        decimals = std::max(decimals, 1 - power(value));
     return (boost::format("%." + std::to_string(decimals) + "f") % (value * factor)).str();
 }
 
