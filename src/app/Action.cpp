@@ -1,5 +1,6 @@
 #include "app/Action.h"
 
+#include "app/Language.h"
 #include "app/Scene.h"
 #include "app/entities/GeomEntity.h"
 #include "physics/Simulation.h"
@@ -11,8 +12,7 @@ Action::~Action() = default;
 
 util::String Action::Name() const
 {
-    // The language files give the text of the key; without them the key itself stands.
-    return m_name;
+    return Language::GetInstancePtr()->Get(m_name);
 }
 
 SnapshotRestorer::SnapshotRestorer(SnapshotPtr before, const char* name, SnapshotPtr after)

@@ -6,6 +6,8 @@
 #include "app/AppGUI.h"
 #include "app/Camera.h"
 #include "app/Group.h"
+#include "app/Language.h"
+#include "app/LanguageTextLookup.h"
 #include "app/ProgramFiles.h"
 #include "app/Scene.h"
 #include "app/entities/GeomEntity.h"
@@ -113,11 +115,15 @@ App::App() : m_settings(AppSettings::GetInstancePtr())
     GetCamera().Reset();
 
     TextUndoSink::Register();
+    LanguageTextLookup::Register();
+    // A new language shows in a rebuilt interface.
+    Language::GetInstancePtr()->AddOnLoadCallback(util::MakeCallback(&App::CreateGUI, this));
 }
 
 App::~App()
 {
     TextUndoSink::Unregister();
+    LanguageTextLookup::Unregister();
     // Entities drawn after the window's root has gone draw nothing, rather than into a dead window.
     if (EntityPainter::Get() == &GLEntityPainter::GetInstance())
         EntityPainter::Register(nullptr);

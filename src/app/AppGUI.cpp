@@ -503,6 +503,30 @@ void AppGUI::SaveSceneAs(const util::String& name, bool automatic)
     SaveSceneFile(name, automatic);
 }
 
+void AppGUI::RegisterSlider(util::SharedPtr<gui::LabeledSlider> slider)
+{
+    QLEX_ASSERT(slider);
+    gui::Slider& bar = *slider->GetSlider();
+    bar.AddBeginChangeCallback(util::MakeCallback(&AppGUI::OnSliderBegin, this));
+    const std::string name = slider->GetName();
+    bar.AddEndChangeCallback(QLEX_NEW new util::Callback([this, name] { OnSliderEnd(name); }, this));
+}
+
+void AppGUI::OnSliderBegin()
+{
+    m_sliderSnapshot = Snapshot::TakeSnapshot();
+}
+
+void AppGUI::OnSliderEnd(std::string name)
+{
+    // Every slider's change goes by one name in the history; the slider's own name is not part of it.
+    (void)name;
+    if (!m_sliderSnapshot)
+        return;
+    Undoer::GetInstancePtr()->AddUndo(m_sliderSnapshot, "UndoSliderChange");
+    m_sliderSnapshot = nullptr;
+}
+
 void AppGUI::TakeSnapshot()
 {
     Undoer::GetInstancePtr()->Do(QLEX_NEW new SnapshotAction());

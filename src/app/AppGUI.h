@@ -4,6 +4,7 @@
 #include "app/Snapshot.h"
 #include "app/entities/Entity.h"
 #include "gui/components/Component.h"
+#include "gui/components/LabeledSlider.h"
 #include "script/Objects.h"
 #include "script/Reflected.h"
 #include "util/String.h"
@@ -71,6 +72,11 @@ public:
     void LoadScene(const util::String& name, bool automatic);
     void SaveSceneAs(const util::String& name, bool automatic);
 
+    // A change of the slider by the user, from press to release, becomes one step of the history.
+    void RegisterSlider(util::SharedPtr<gui::LabeledSlider> slider);
+    void OnSliderBegin();
+    void OnSliderEnd(std::string name);
+
     // A mark in the history.
     void TakeSnapshot();
     void AssignToEmptyGroup(const EntitySet& entities);
@@ -101,6 +107,8 @@ private:
     // Seconds of the frame clock.
     double m_lastAutosave;
     util::String m_openMenu;
+    // The scene as it was when a slider's change began.
+    SnapshotPtr m_sliderSnapshot;
 };
 
 } // namespace app

@@ -1,6 +1,7 @@
 #include "app/Group.h"
 
 #include "app/EntitySerializer.h"
+#include "app/Language.h"
 #include "app/Scene.h"
 #include "app/entities/BoxEntity.h"
 #include "app/entities/CircleEntity.h"
@@ -26,21 +27,9 @@ namespace
 const float PLANE_WEIGHT = 1e-6f;
 const float MAX_WEIGHT = 1e10f;
 
-// The user's texts of the group names; they come from the language files where those exist.
 util::String TypeText(const util::String& type, bool plural)
 {
-    static const char* const NAMES[][3] = {
-        {"Box", "Box", "Boxes"},         {"Circle", "Circle", "Circles"}, {"Polygon", "Polygon", "Polygons"},
-        {"Plane", "Plane", "Planes"},    {"Geom", "Shape", "Shapes"},     {"FixJoint", "Fixate", "Fixates"},
-        {"Hinge", "Hinge", "Hinges"},    {"Spring", "Spring", "Springs"}, {"Pen", "Pen", "Pens"},
-        {"Entity", "Object", "Objects"},
-    };
-    for (const auto& name : NAMES)
-    {
-        if (type == name[0])
-            return plural ? name[2] : name[1];
-    }
-    return type;
+    return Language::GetInstancePtr()->Get("Type_" + type + (plural ? "_plural" : ""));
 }
 
 bool IsFinite(const math::BoundingBox2& box)
@@ -270,7 +259,7 @@ GroupPtr Group::XOR(const GroupPtr& a, const GroupPtr& b)
 util::String Group::GetDescriptiveName() const
 {
     if (m_entities.empty())
-        return "Empty group";
+        return Language::GetInstancePtr()->Get("EmptyGroup");
     util::String type = "Entity";
     if (AreAll<BoxEntity>())
         type = "Box";

@@ -58,6 +58,9 @@ public:
     ObjectPtr Evaluate(const ClosurePtr& closure) override;
     util::String ToCode() const override;
 
+    const util::SharedPtr<Identifier>& GetTarget() const { return m_target; }
+    const ExpressionPtr& GetValue() const { return m_value; }
+
 private:
     util::SharedPtr<Identifier> m_target;
     ExpressionPtr m_value;

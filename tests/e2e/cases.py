@@ -575,6 +575,25 @@ class ConsoleCompletionExits(Case):
         check("Subsystem::Run returned" in s.log(), "the loop ended in order:\n" + s.log()[-2000:])
         check(os.path.exists(s.path_of("config.cfg")) and not os.path.exists(s.path_of("config.autosave.cfg")),
               "config.cfg saved, no autosave left")
+class WelcomeSceneInGerman(Case):
+    """The welcome scene, opened with the German texts chosen, reads every text it needs: no translation
+    is missing and no key shows bracketed, and the choice stays in the configuration."""
+    with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "scenes", "welcome.qlx")) as f:
+        scene = f.read()
+    config = 'App.language = "German";\n'
+
+    def run(self, s):
+        s.wait(0.5)
+        s.click(512, 700)
+        s.wait(0.3)
+
+    def after(self, s):
+        log = s.log()
+        check("Loading language German..." in log, "German was loaded:\n" + log[-2000:])
+        for trouble in ("translation missing", "translation for", "Error in language file", "Error loading language",
+                        "Failed to load language", "not found in the english original"):
+            check(trouble not in log, "no %r in the log:\n%s" % (trouble, log[-2000:]))
+        check(setting(s.read("config.cfg"), "App.language") == '"German"', "German stays chosen")
 
 
 CASES = {
@@ -607,4 +626,5 @@ CASES = {
     "console_runs_commands_with_history": ConsoleRunsCommandsWithHistory,
     "console_key_binding": ConsoleKeyBinding,
     "console_completion_exits": ConsoleCompletionExits,
+    "welcome_scene_in_german": WelcomeSceneInGerman,
 }

@@ -374,8 +374,8 @@ def world_pictures():
     }
 
 
-def flag_english(width, height):
-    """A white field with a red cross."""
+def _flag(width, height, layers):
+    """A flag of the given size: each layer a shape (in grid units, the height 32) and its colour."""
     canvas = Canvas(height)
     canvas.scale = height / GRID
     canvas.size = height
@@ -395,6 +395,24 @@ def flag_english(width, height):
                     out = sa + da * (1 - sa)
                     canvas.pixels[j][i] = ((r * sa + dr * da * (1 - sa)) / out, (g * sa + dg * da * (1 - sa)) / out,
                                            (b * sa + db * da * (1 - sa)) / out, out)
-    paint(box(w / 2, 16, w / 2, 16), (250, 250, 250, 255))
-    paint(union(box(w / 2, 16, w / 2, 3.4), box(w / 2, 16, 3.4, 16)), (206, 17, 36, 255))
+    for shape, color in layers(w):
+        paint(shape, color)
     return canvas.rows()
+
+
+def flag_english(width, height):
+    """A white field with a red cross."""
+    return _flag(width, height, lambda w: [
+        (box(w / 2, 16, w / 2, 16), (250, 250, 250, 255)),
+        (union(box(w / 2, 16, w / 2, 3.4), box(w / 2, 16, 3.4, 16)), (206, 17, 36, 255)),
+    ])
+
+
+def flag_german(width, height):
+    """Three bands across: black, red, gold."""
+    third = GRID / 3
+    return _flag(width, height, lambda w: [
+        (box(w / 2, third / 2, w / 2, third / 2), (20, 20, 20, 255)),
+        (box(w / 2, third * 1.5, w / 2, third / 2 + 0.05), (221, 0, 0, 255)),
+        (box(w / 2, third * 2.5, w / 2, third / 2), (255, 206, 0, 255)),
+    ])

@@ -210,8 +210,8 @@ def write_interface_pictures(out):
     for name, (size, layers) in icons.world_pictures().items():
         write_png(os.path.join(out, name + ".png"), size, size, icons.draw(size, *layers))
     language = os.path.join(os.path.dirname(os.path.normpath(out)), "language")
-    write_png(os.path.join(language, "english.png"), FLAG_WIDTH, FLAG_HEIGHT,
-              icons.flag_english(FLAG_WIDTH, FLAG_HEIGHT))
+    for name, flag in (("english", icons.flag_english), ("german", icons.flag_german)):
+        write_png(os.path.join(language, name + ".png"), FLAG_WIDTH, FLAG_HEIGHT, flag(FLAG_WIDTH, FLAG_HEIGHT))
 
 
 if __name__ == "__main__":
