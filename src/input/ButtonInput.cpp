@@ -15,11 +15,13 @@ namespace
 {
 InputDelegator* s_host = nullptr;
 
-// The relays of all bound buttons, so that a host that comes later, or goes, takes them all.
+// The relays of all bound buttons, so that a host that comes later, or goes, takes them all. Never
+// destroyed: buttons of singletons (a scene's hinges) let go of their relays after static destruction has
+// begun, and must find the set still there.
 std::set<ButtonInput::InputRelay*>& BoundRelays()
 {
-    static std::set<ButtonInput::InputRelay*> relays;
-    return relays;
+    static std::set<ButtonInput::InputRelay*>* relays = new std::set<ButtonInput::InputRelay*>();
+    return *relays;
 }
 
 const char* const TOGGLE_WORD = "toggle";
