@@ -1,8 +1,9 @@
 #include "gui/GUI.h"
 
 #include "gui/LookAndFeel.h"
-#include "input/ButtonInput.h"
+#include "gui/ProfilerOutput.h"
 #include "gui/TextProbe.h"
+#include "input/ButtonInput.h"
 #include "input/Input.h"
 #include "rendering/AttribPusher.h"
 #include "rendering/Renderer.h"
@@ -24,7 +25,8 @@ const GLbitfield ALL_ATTRIB_BITS = 0xFFFFF;
 // The side of the cursor's picture in GUI units; its centre is the hot spot.
 const float CURSOR_SIZE = 32.0f;
 
-// Hands unhandled key presses to the profiler, which walks its table with the numeric pad.
+// Hands unhandled key presses to the two profilers, which switch their tables and walk the tree with the
+// numeric pad, so that they work in any state of the application.
 class ProfilerKeyRelay : public input::InputListener
 {
 public:
@@ -32,7 +34,10 @@ public:
     void OnKeyEvent(const input::KeyEvent& event) override
     {
         InputListener::OnKeyEvent(event);
-        if (!event.IsHandled() && event.pressed && util::Profiler::GetInstancePtr()->OnKeyPress(event.key))
+        if (event.IsHandled() || !event.pressed)
+            return;
+        if (util::Profiler::GetInstancePtr()->OnKeyPress(event.key) ||
+            util::Profiler2::GetInstancePtr()->OnKeyPress(event.key))
             event.SetHandled();
     }
 };
@@ -154,7 +159,8 @@ void GUI::OnMouseMove(const input::MouseEvent& event)
 
 void GUI::UpdateMouseOverComp()
 {
-    util::ScopeProfiler profiler("GUI::UpdateMouseOverComp");
+    static util::StaticProfilerData s_timing("GUI::UpdateMouseOverComp");
+    util::StaticProfilerScope timing(s_timing);
     // The root's outer position is its local origin when it has no border, as the root never has.
     const math::Vec2 mouse = input::Input::GetInstancePtr()->GetMousePos();
     UpdateMouseOver(*m_rootComponent, true, m_rootComponent->GUIToLocal(mouse));
@@ -228,6 +234,7 @@ void GUI::Draw()
         renderer.DrawRectGUI(input::Input::GetInstancePtr()->GetMousePos() - size * 0.5f, size);
         glBindTexture(GL_TEXTURE_2D, 0);
     }
+    DrawProfilerOutput(GetSize());
     End();
 }
 

@@ -221,6 +221,41 @@ class SpaceStartsAndStops(Case):
         check(setting(s.read("config.cfg"), "Sim.running") == "false", "stopped at the end")
 
 
+class ProfilerTablesToggle(Case):
+    """The multiply key of the numeric pad lays the flat profiler's table over a darkened scene, in white
+    text at the top left; again, and the scene is back as it was. The minus key does the same for the
+    tree's table."""
+    scene = scene_text("App.Background.drawClouds = false;\n")
+    # The table's corner, and a spot far below any line of it.
+    TEXT = [(x, y) for x in range(0, 700, 2) for y in range(0, 220, 2)]
+    SHADE = (1000, 700)
+
+    def bright(self, s):
+        pixel = s.screen()
+        return sum(1 for x, y in self.TEXT if min(pixel(x, y)) > 200)
+
+    def shown(self, s, key):
+        s.key(key)
+        s.wait(1.5)  # the table is written at once and refreshed every second
+        pixel = s.screen()
+        return self.bright(s), pixel(*self.SHADE)
+
+    def run(self, s):
+        s.wait(0.5)
+        sky = s.pixel(*self.SHADE)
+        plain = self.bright(s)
+        for key, name in (("KP_Multiply", "flat"), ("KP_Subtract", "tree")):
+            text, shade = self.shown(s, key)
+            if name == "flat":
+                s.screenshot(os.path.join(s.dir, "profiler.png"))
+            check(text > plain + 60, "the %s table's text shows: %d bright pixels, %d before" % (name, text, plain))
+            check(all(c <= sky_c * 0.6 + 2 for c, sky_c in zip(shade, sky)),
+                  "the scene is darkened under the %s table: %s, %s before" % (name, shade, sky))
+            s.key(key)
+            s.wait(0.3)
+            check(s.pixel(*self.SHADE) == sky and self.bright(s) == plain, "the %s table is gone again" % name)
+
+
 CASES = {
     "paste_undo_redo": PasteUndoRedo,
     "copy_paste": CopyPaste,
@@ -232,4 +267,5 @@ CASES = {
     "hinge_key_turns_its_body": HingeKeyTurnsItsBody,
     "space_starts_and_stops": SpaceStartsAndStops,
     "destroy_and_mirror_keys": DestroyAndMirrorKeys,
+    "profiler_tables_toggle": ProfilerTablesToggle,
 }
