@@ -256,6 +256,27 @@ class ProfilerTablesToggle(Case):
             check(s.pixel(*self.SHADE) == sky and self.bright(s) == plain, "the %s table is gone again" % name)
 
 
+class ArrowKeysSteerABox(Case):
+    """A box whose direction source is the arrow keys is pushed to the right while Right is held, and a
+    box without a source stays where it was."""
+    scene = scene_text(STILL + box(-1.5, 0.0, 0.6, 'forceController = "keys up right down left"; ') +
+                       box(1.5, 1.5, 0.6))
+
+    def run(self, s):
+        s.key("space")
+        s.keydown("Right")
+        s.wait(0.8)
+        s.keyup("Right")
+        s.key("space")
+
+    def after(self, s):
+        found = {b.get("forceController"): vector(b["pos"]) for b in boxes(s)}
+        steered = found.get('"keys up right down left"')
+        check(steered is not None, "the steered box keeps its source: %s" % found)
+        check(steered[0] > -1.3 and abs(steered[1]) < 0.05, "the steered box went right: %s" % found)
+        check(near(found.get(None, []), (1.5, 1.5), 1e-3), "the other box stays: %s" % found)
+
+
 CASES = {
     "paste_undo_redo": PasteUndoRedo,
     "copy_paste": CopyPaste,
@@ -268,4 +289,5 @@ CASES = {
     "space_starts_and_stops": SpaceStartsAndStops,
     "destroy_and_mirror_keys": DestroyAndMirrorKeys,
     "profiler_tables_toggle": ProfilerTablesToggle,
+    "arrow_keys_steer_a_box": ArrowKeysSteerABox,
 }
