@@ -22,6 +22,14 @@ std::set<ButtonInput::InputRelay*>& BoundRelays()
     return relays;
 }
 
+// A callback may delete the button, and the set with it: the calls run over a copy, which keeps the
+// callbacks alive until they return.
+void CallEach(const util::CallbackSet& callbacks)
+{
+    const util::CallbackSet held = callbacks;
+    held.CallAll();
+}
+
 const char* const TOGGLE_WORD = "toggle";
 const char* const ON_WORD = "on";
 } // namespace
@@ -234,9 +242,7 @@ void ButtonInput::OnKeyEvent(const KeyEvent& event)
         if (event.pressed && !m_on)
         {
             m_on = true;
-            m_pressCallbacks.CallAll();
-            if (relay->IsAttached())
-                m_on = true;
+            CallEach(m_pressCallbacks);
         }
         else
             m_on = event.pressed;
@@ -246,7 +252,7 @@ void ButtonInput::OnKeyEvent(const KeyEvent& event)
         return;
     m_on = !m_on;
     if (m_on)
-        m_pressCallbacks.CallAll();
+        CallEach(m_pressCallbacks);
 }
 
 size_t ButtonInput::Hash(const ButtonInput& button)

@@ -236,8 +236,10 @@ TEST_F(ComboTest, ACallbackMayTakeItsButtonAway)
     button->AddOnPressCallback(QLEX_NEW new util::Callback(
         [&target]
         {
-            delete target;
-            target = nullptr;
+            // The closure dies with the button: what it captured is read before the delete.
+            ButtonInput** slot = &target;
+            delete *slot;
+            *slot = nullptr;
         },
         m_owner.get()));
     Key(M, true);
