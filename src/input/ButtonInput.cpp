@@ -15,11 +15,12 @@ namespace
 {
 InputDelegator* s_host = nullptr;
 
-// The relays of all bound buttons, so that a host that comes later, or goes, takes them all.
+// The relays of all bound buttons, so that a host that comes later, or goes, takes them all. Never
+// destroyed: buttons held by singletons are destroyed among the static destructors, after this would be.
 std::set<ButtonInput::InputRelay*>& BoundRelays()
 {
-    static std::set<ButtonInput::InputRelay*> relays;
-    return relays;
+    static auto* relays = new std::set<ButtonInput::InputRelay*>();
+    return *relays;
 }
 
 // A callback may delete the button, and the set with it: the calls run over a copy, which keeps the
