@@ -349,9 +349,10 @@ void App::DrawEntities() const
     glDepthFunc(GL_LESS);
     const GroupPtr& selection = scene.GetSelection();
     const bool ctrl = input::Input::GetInstancePtr()->CheckModifier(input::Ctrl);
+    static util::StaticProfilerData s_entityDraw("Entity::Draw");
     for (const EntityPtr& entity : m_drawList)
     {
-        util::ScopeProfiler draw("Entity::Draw");
+        util::StaticProfilerScope draw(s_entityDraw);
         glTranslatef(0, 0, zStep);
         const bool selected = selection && selection->Contains(entity);
         // While a clone is dragged, the original looks selected only if Ctrl keeps it in the selection.

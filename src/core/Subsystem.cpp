@@ -200,6 +200,7 @@ void Subsystem::Run()
             Draw();
         }
         util::Profiler::GetInstancePtr()->Update();
+        util::Profiler2::GetInstancePtr()->Update(dt);
         {
             util::ScopeProfiler stage("Logger::Update");
             logging::Logger::GetInstancePtr()->Update();

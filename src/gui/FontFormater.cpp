@@ -105,7 +105,8 @@ math::Vec2 FontFormater::DrawText(math::Vec2 pos, const TextFormat& format, Font
 
 TextFormat FontFormater::FormatText(const std::string& text, float startX) const
 {
-    util::ScopeProfiler profiler("FF::FormatText");
+    static util::StaticProfilerData s_timing("FF::FormatText");
+    util::StaticProfilerScope timing(s_timing);
     const float rowHeight = GetCharHeight();
     TextFormat format;
     format.formater = this;

@@ -1,6 +1,7 @@
 #include "gui/GUI.h"
 
 #include "gui/LookAndFeel.h"
+#include "gui/ProfilerOutput.h"
 #include "gui/TextProbe.h"
 #include "input/ButtonInput.h"
 #include "input/Input.h"
@@ -26,7 +27,8 @@ const float CURSOR_SIZE = 32.0f;
 // Errors, warnings and information; the debugging messages stay in the log file.
 const unsigned CONSOLE_LOG_MASK = 23;
 
-// Hands unhandled key presses to the profiler, which walks its table with the numeric pad.
+// Hands unhandled key presses to the two profilers, which switch their tables and walk the tree with the
+// numeric pad, so that they work in any state of the application.
 class ProfilerKeyRelay : public input::InputListener
 {
 public:
@@ -34,7 +36,10 @@ public:
     void OnKeyEvent(const input::KeyEvent& event) override
     {
         InputListener::OnKeyEvent(event);
-        if (!event.IsHandled() && event.pressed && util::Profiler::GetInstancePtr()->OnKeyPress(event.key))
+        if (event.IsHandled() || !event.pressed)
+            return;
+        if (util::Profiler::GetInstancePtr()->OnKeyPress(event.key) ||
+            util::Profiler2::GetInstancePtr()->OnKeyPress(event.key))
             event.SetHandled();
     }
 };
@@ -162,7 +167,8 @@ void GUI::OnMouseMove(const input::MouseEvent& event)
 
 void GUI::UpdateMouseOverComp()
 {
-    util::ScopeProfiler profiler("GUI::UpdateMouseOverComp");
+    static util::StaticProfilerData s_timing("GUI::UpdateMouseOverComp");
+    util::StaticProfilerScope timing(s_timing);
     // The root's outer position is its local origin when it has no border, as the root never has.
     const math::Vec2 mouse = input::Input::GetInstancePtr()->GetMousePos();
     UpdateMouseOver(*m_rootComponent, true, m_rootComponent->GUIToLocal(mouse));
@@ -236,6 +242,7 @@ void GUI::Draw()
         renderer.DrawRectGUI(input::Input::GetInstancePtr()->GetMousePos() - size * 0.5f, size);
         glBindTexture(GL_TEXTURE_2D, 0);
     }
+    DrawProfilerOutput(GetSize());
     End();
 }
 

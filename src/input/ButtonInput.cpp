@@ -20,8 +20,16 @@ InputDelegator* s_host = nullptr;
 // begun, and must find the set still there.
 std::set<ButtonInput::InputRelay*>& BoundRelays()
 {
-    static std::set<ButtonInput::InputRelay*>* relays = new std::set<ButtonInput::InputRelay*>();
+    static auto* relays = new std::set<ButtonInput::InputRelay*>();
     return *relays;
+}
+
+// A callback may delete the button, and the set with it: the calls run over a copy, which keeps the
+// callbacks alive until they return.
+void CallEach(const util::CallbackSet& callbacks)
+{
+    const util::CallbackSet held = callbacks;
+    held.CallAll();
 }
 
 const char* const TOGGLE_WORD = "toggle";
@@ -236,9 +244,7 @@ void ButtonInput::OnKeyEvent(const KeyEvent& event)
         if (event.pressed && !m_on)
         {
             m_on = true;
-            m_pressCallbacks.CallAll();
-            if (relay->IsAttached())
-                m_on = true;
+            CallEach(m_pressCallbacks);
         }
         else
             m_on = event.pressed;
@@ -248,7 +254,7 @@ void ButtonInput::OnKeyEvent(const KeyEvent& event)
         return;
     m_on = !m_on;
     if (m_on)
-        m_pressCallbacks.CallAll();
+        CallEach(m_pressCallbacks);
 }
 
 size_t ButtonInput::Hash(const ButtonInput& button)

@@ -12,7 +12,32 @@ namespace
 {
 DirInput::JoystickMaker s_joystickMaker;
 const size_t KEY_FORM_WORDS = 5;
+
+// A name that is no key leaves that direction without a key; the other three still steer.
+SDLKey KeyOrNone(const util::String& name, const util::String& text)
+{
+    try
+    {
+        return Key::GetKeyFromName(name);
+    }
+    catch (const BadDataException& e)
+    {
+        Log(logging::Error, util::String(e.what()) + " in DirInput \"" + text + "\"");
+        return SDLK_UNKNOWN;
+    }
+}
+
+util::String NameOrEmpty(SDLKey key)
+{
+    return key == SDLK_UNKNOWN ? util::String() : Key::GetKeyName(key);
+}
 } // namespace
+
+math::TVector2<float> IntoUnitDisc(math::TVector2<float> dir)
+{
+    const float length = dir.Length();
+    return length > 1.0f ? dir / length : dir;
+}
 
 void DirInput::SetJoystickMaker(JoystickMaker maker)
 {
@@ -33,18 +58,10 @@ DirInputPtr DirInput::Deserialize(const util::String& text)
     }
     if (words.size() >= KEY_FORM_WORDS && words[0] == "keys")
     {
-        // A name that is no key leaves a direction without a key: the source is not made, and the
-        // entity has no controller, as for a joystick that isn't there.
-        try
-        {
-            return QLEX_NEW new KeyDirInput(Key::GetKeyFromName(words[1]), Key::GetKeyFromName(words[2]),
-                                            Key::GetKeyFromName(words[3]), Key::GetKeyFromName(words[4]));
-        }
-        catch (const BadDataException& e)
-        {
-            Log(logging::Error, util::String(e.what()) + " in DirInput \"" + text + "\"");
-            return nullptr;
-        }
+        SDLKey keys[4];
+        for (int i = 0; i < 4; ++i)
+            keys[i] = KeyOrNone(words[i + 1], text);
+        return QLEX_NEW new KeyDirInput(keys[0], keys[1], keys[2], keys[3]);
     }
     Log(logging::Error, "Failed to find DirInput \"" + text + "\"");
     return nullptr;
@@ -66,15 +83,13 @@ math::TVector2<float> KeyDirInput::GetDir() const
         dir.y -= 1;
     if (KeyState::IsDown(m_left))
         dir.x -= 1;
-    if (dir.Length() > 1.0f)
-        dir = dir / dir.Length();
-    return dir;
+    return IntoUnitDisc(dir);
 }
 
 util::String KeyDirInput::Serialize() const
 {
-    return "keys " + Key::GetKeyName(m_up) + " " + Key::GetKeyName(m_right) + " " + Key::GetKeyName(m_down) +
-           " " + Key::GetKeyName(m_left);
+    return "keys " + NameOrEmpty(m_up) + " " + NameOrEmpty(m_right) + " " + NameOrEmpty(m_down) + " " +
+           NameOrEmpty(m_left);
 }
 
 } // namespace input

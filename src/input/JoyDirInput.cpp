@@ -3,10 +3,9 @@
 #include "input/Input.h"
 #include "input/Key.h"
 #include "logging/Log.h"
+#include "util/StringUtil.h"
 
 #include <SDL/SDL.h>
-
-#include <boost/lexical_cast.hpp>
 
 namespace input
 {
@@ -47,7 +46,7 @@ DirInputPtr MakeJoystickDirInput(const std::vector<util::String>& words, const u
     if (Input::IsUp() && words.size() >= 2)
     {
         const Input& input = *Input::GetInstancePtr();
-        joystick = input.GetJoystick(boost::lexical_cast<int>(words[1]));
+        joystick = input.GetJoystick(util::FromString<int>(words[1]));
         // A scene made on a machine with more joysticks steers with the first one here.
         for (int id = 0; !joystick && id < Key::MAX_JOYSTICKS; ++id)
             joystick = input.GetJoystick(id);
@@ -58,10 +57,10 @@ DirInputPtr MakeJoystickDirInput(const std::vector<util::String>& words, const u
         return nullptr;
     }
     if (words.size() >= 5 && words[2] == "axis")
-        return QLEX_NEW new JoyAxisInput(joystick, boost::lexical_cast<int>(words[3]),
-                                         boost::lexical_cast<int>(words[4]));
+        return QLEX_NEW new JoyAxisInput(joystick, util::FromString<int>(words[3]),
+                                         util::FromString<int>(words[4]));
     if (words.size() >= 4 && words[2] == "hat")
-        return QLEX_NEW new JoyHatInput(joystick, boost::lexical_cast<int>(words[3]));
+        return QLEX_NEW new JoyHatInput(joystick, util::FromString<int>(words[3]));
     Log(logging::Error, "Failed to find DirInput \"" + text + "\"");
     return nullptr;
 }

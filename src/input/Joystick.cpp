@@ -1,5 +1,6 @@
 #include "input/Joystick.h"
 
+#include "input/DirInput.h"
 #include "logging/Exception.h"
 
 #include <algorithm>
@@ -33,22 +34,22 @@ std::string Joystick::GetName() const
     return name ? name : "";
 }
 
+float Joystick::AxisValue(int raw, float offset)
+{
+    // SDL's range is -32768 to 32767, 65535 steps.
+    const float value = 2.0f * (static_cast<float>(raw) + 32768.0f) / 65535.0f - 1.0f;
+    return std::clamp(value - offset, -1.0f, 1.0f);
+}
+
 float Joystick::GetAxis(int axis) const
 {
-    const float raw = SDL_JoystickGetAxis(m_handle, axis);
-    // SDL's range is -32768 to 32767, 65535 steps.
-    float value = 2.0f * (raw + 32768.0f) / 65535.0f - 1.0f;
-    if (axis >= 0 && axis < static_cast<int>(m_offsets.size()))
-        value -= m_offsets[axis];
-    return std::clamp(value, -1.0f, 1.0f);
+    const bool calibrated = axis >= 0 && axis < static_cast<int>(m_offsets.size());
+    return AxisValue(SDL_JoystickGetAxis(m_handle, axis), calibrated ? m_offsets[axis] : 0.0f);
 }
 
 math::Vec2 Joystick::GetAxis(int xAxis, int yAxis) const
 {
-    math::Vec2 v(GetAxis(xAxis), GetAxis(yAxis));
-    if (v.Length() > 1.0f)
-        v.Normalize();
-    return v;
+    return IntoUnitDisc(math::Vec2(GetAxis(xAxis), GetAxis(yAxis)));
 }
 
 int Joystick::GetNumAxes() const

@@ -25,6 +25,8 @@ public:
     std::string GetName() const;
     // -1 to 1, less the calibration offset, clamped.
     float GetAxis(int axis) const;
+    // The arithmetic of GetAxis: SDL's raw value from -32768 to 32767 less an offset, within -1 to 1.
+    static float AxisValue(int raw, float offset);
     // A vector longer than 1 is normalised: the square of the stick's range is mapped into the unit disc.
     math::Vec2 GetAxis(int xAxis, int yAxis) const;
 

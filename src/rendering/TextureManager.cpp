@@ -56,7 +56,8 @@ TextureManager::~TextureManager()
 
 TextureProxy TextureManager::Load(util::String name, Texture::ImageType type)
 {
-    util::ScopeProfiler profile("TextureManager::Load");
+    static util::StaticProfilerData s_timing("TextureManager::Load");
+    util::StaticProfilerScope timing(s_timing);
     const NamePair key(name, type);
     if (TextureMentorPtr* known = m_byName.TryGet(key))
         return TextureProxy(*known);

@@ -79,7 +79,8 @@ AbstractAttrib::~AbstractAttrib() = default;
 
 void AbstractAttrib::SetObject(ObjectPtr object)
 {
-    util::ScopeProfiler profile("AbstractAttrib::SetObject");
+    static util::StaticProfilerData s_timing("AbstractAttrib::SetObject");
+    util::StaticProfilerScope timing(s_timing);
     if (object == GetObject())
         return;
     Variable::SetObject(object);

@@ -35,6 +35,13 @@ double ProfilerTime()
     return duration<double>(steady_clock::now().time_since_epoch()).count();
 }
 
+unsigned ProfilerTicks()
+{
+    using namespace std::chrono;
+    // Wraps after 49 days, as a tick counter does; differences of unsigned values stay right across it.
+    return unsigned(duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
+}
+
 Profiler::Node::~Node()
 {
     for (Node* child : children)
@@ -72,8 +79,8 @@ String Profiler::Node::GetOutput(int index, int frames, double elapsed) const
     const double perFrame = total / frames * 1000000;
     const char mark = children.empty() ? ' ' : '*';
     const String indexText = index == UNLOGGED ? String(" ") : std::to_string(index);
-    String line = Format("%c%s   %25s   %5.1f %%   %5.1f %%     %6.0f", mark, indexText.c_str(), name, ofOwner,
-                         ofAll, perFrame);
+    String line = Format("%c%s   %25s   %5.1f %%   %5.1f %%     %6.0f", mark, indexText.c_str(), name,
+                         ofOwner, ofAll, perFrame);
     if (index != UNLOGGED)
     {
         const double perCall = calls ? total / calls * 1000000 : std::numeric_limits<double>::quiet_NaN();
@@ -82,18 +89,28 @@ String Profiler::Node::GetOutput(int index, int frames, double elapsed) const
     return line + "\n";
 }
 
-Profiler::Profiler() { Reset(); }
+Profiler::Profiler()
+{
+    Reset();
+}
 
-Profiler::~Profiler() { delete m_root; }
+Profiler::~Profiler()
+{
+    delete m_root;
+}
 
 void Profiler::Begin(const char* name)
 {
+    static StaticProfilerData s_timing("Profiler::Begin");
+    StaticProfilerScope timing(s_timing);
     m_current = m_current->GetChild(name);
     m_current->start = ProfilerTime();
 }
 
 void Profiler::End()
 {
+    static StaticProfilerData s_timing("Profiler::End");
+    StaticProfilerScope timing(s_timing);
     if (m_current == m_root)
     {
         SetError("Too many calls to End()");
@@ -129,8 +146,8 @@ void Profiler::UpdateOutput(double elapsed)
     m_root->total = elapsed;
     String text = Format("FPS: %04.2f", m_frames / elapsed) + "\n\n";
     text += String("Profile data for ") + m_viewed->name + "\n\n";
-    text += String(MaxNameLength, ' ') + " Name" + "   %owner" + "    %total" + "   \xB5s/frame" + "  frame-spike" +
-            "   \xB5s/call" + "   calls/frame" + "\n\n";
+    text += String(MaxNameLength, ' ') + " Name" + "   %owner" + "    %total" + "   \xB5s/frame" +
+            "  frame-spike" + "   \xB5s/call" + "   calls/frame" + "\n\n";
     double childTotal = 0;
     for (size_t i = 0; i < m_viewed->children.size(); ++i)
     {
@@ -184,7 +201,10 @@ void Profiler::SetActive(bool active)
         m_output = "Unactive";
 }
 
-String Profiler::GetOutput() const { return m_active ? m_output : String("Not active."); }
+String Profiler::GetOutput() const
+{
+    return m_active ? m_output : String("Not active.");
+}
 
 void Profiler::SetError(const String& text)
 {
@@ -221,8 +241,9 @@ bool Profiler::OnKeyPress(int keyCode)
     {
         if (!m_viewed->children.empty())
         {
-            Node* heaviest = *std::max_element(m_viewed->children.begin(), m_viewed->children.end(),
-                                               [](const Node* a, const Node* b) { return a->total < b->total; });
+            Node* heaviest =
+                *std::max_element(m_viewed->children.begin(), m_viewed->children.end(),
+                                  [](const Node* a, const Node* b) { return a->total < b->total; });
             if (!heaviest->children.empty())
                 m_viewed = heaviest;
         }
@@ -230,6 +251,89 @@ bool Profiler::OnKeyPress(int keyCode)
     }
     m_force = handled;
     return handled;
+}
+
+StaticProfilerData::StaticProfilerData(const String& name) : name(name)
+{
+    Profiler2::GetInstancePtr()->Add(this);
+}
+
+void StaticProfilerData::End(unsigned startTicks)
+{
+    const unsigned t = ProfilerTicks() - startTicks;
+    thisFrame += t;
+    callSpike = std::max(callSpike, t);
+    ++calls;
+}
+
+void Profiler2::Update(double dt)
+{
+    m_time += dt;
+    ++m_frames;
+    for (StaticProfilerData* data : m_data)
+    {
+        data->total += data->thisFrame;
+        data->frameSpike = std::max(data->frameSpike, data->thisFrame);
+        data->thisFrame = 0;
+    }
+    if (m_time >= m_outputInterval || (m_force && m_time > 0))
+    {
+        UpdateOutput();
+        Reset();
+    }
+}
+
+void Profiler2::UpdateOutput()
+{
+    std::sort(m_data.begin(), m_data.end(), ProfilerComp());
+    const double frames = m_frames;
+    String text = Format("FPS: %04.2f", frames / m_time) + "\n\n";
+    text += String(MaxNameLength - 5, ' ') + " Name" + "   %total" + "   \xB5s/frame" + "  frame-spike" +
+            "  call-spike" + "   \xB5s/call" + "   calls/frame" + "\n\n";
+    for (const StaticProfilerData* data : m_data)
+    {
+        const double total = data->total;
+        const double perCall =
+            data->calls ? total * 1000 / data->calls : std::numeric_limits<double>::quiet_NaN();
+        text += Format("%32s  %5.1f %%     %6.0f     %5.0f ms    %5.0f ms     %5.0f   %7.1f",
+                       data->name.c_str(), total / 1000 * 100 / m_time, total * 1000 / frames,
+                       double(data->frameSpike), double(data->callSpike), perCall, data->calls / frames) +
+                "\n";
+    }
+    m_output = text;
+}
+
+void Profiler2::Clear()
+{
+    m_frames = 0;
+    m_time = 0;
+    for (StaticProfilerData* data : m_data)
+        data->Clear();
+}
+
+void Profiler2::Reset()
+{
+    Clear();
+    m_force = false;
+}
+
+void Profiler2::SetActive(bool active)
+{
+    if (active && !m_active)
+        Clear();
+    m_active = active;
+    if (!active)
+        m_output = "Unactive";
+}
+
+bool Profiler2::OnKeyPress(int keyCode)
+{
+    const int KEY_MULTIPLY = 268;
+    if (keyCode != KEY_MULTIPLY)
+        return false;
+    SetActive(!m_active);
+    m_force = true;
+    return true;
 }
 
 } // namespace util

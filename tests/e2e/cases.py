@@ -594,6 +594,60 @@ class WelcomeSceneInGerman(Case):
                         "Failed to load language", "not found in the english original"):
             check(trouble not in log, "no %r in the log:\n%s" % (trouble, log[-2000:]))
         check(setting(s.read("config.cfg"), "App.language") == '"German"', "German stays chosen")
+class ProfilerTablesToggle(Case):
+    """The multiply key of the numeric pad lays the flat profiler's table over a darkened scene, in white
+    text at the top left; again, and the scene is back as it was. The minus key does the same for the
+    tree's table."""
+    scene = scene_text("App.Background.drawClouds = false;\n")
+    # The table's corner, and a spot far below any line of it.
+    TEXT = [(x, y) for x in range(0, 700, 2) for y in range(0, 220, 2)]
+    SHADE = (1000, 700)
+
+    def bright(self, s):
+        pixel = s.screen()
+        return sum(1 for x, y in self.TEXT if min(pixel(x, y)) > 200)
+
+    def shown(self, s, key):
+        s.key(key)
+        s.wait(1.5)  # the table is written at once and refreshed every second
+        pixel = s.screen()
+        return self.bright(s), pixel(*self.SHADE)
+
+    def run(self, s):
+        s.wait(0.5)
+        sky = s.pixel(*self.SHADE)
+        plain = self.bright(s)
+        for key, name in (("KP_Multiply", "flat"), ("KP_Subtract", "tree")):
+            text, shade = self.shown(s, key)
+            if name == "flat":
+                s.screenshot(os.path.join(s.dir, "profiler.png"))
+            check(text > plain + 60, "the %s table's text shows: %d bright pixels, %d before" % (name, text, plain))
+            check(all(c <= sky_c * 0.6 + 2 for c, sky_c in zip(shade, sky)),
+                  "the scene is darkened under the %s table: %s, %s before" % (name, shade, sky))
+            s.key(key)
+            s.wait(0.3)
+            check(s.pixel(*self.SHADE) == sky and self.bright(s) == plain, "the %s table is gone again" % name)
+
+
+class ArrowKeysSteerABox(Case):
+    """A box whose direction source is the arrow keys is pushed to the right while Right is held, and a
+    box without a source stays where it was."""
+    scene = scene_text(STILL + box(-1.5, 0.0, 0.6, 'forceController = "keys up right down left"; ') +
+                       box(1.5, 1.5, 0.6))
+
+    def run(self, s):
+        s.key("space")
+        s.keydown("Right")
+        s.wait(0.8)
+        s.keyup("Right")
+        s.key("space")
+
+    def after(self, s):
+        found = {b.get("forceController"): vector(b["pos"]) for b in boxes(s)}
+        steered = found.get('"keys up right down left"')
+        check(steered is not None, "the steered box keeps its source: %s" % found)
+        check(steered[0] > -1.3 and abs(steered[1]) < 0.05, "the steered box went right: %s" % found)
+        check(near(found.get(None, []), (1.5, 1.5), 1e-3), "the other box stays: %s" % found)
 
 
 CASES = {
@@ -627,4 +681,6 @@ CASES = {
     "console_key_binding": ConsoleKeyBinding,
     "console_completion_exits": ConsoleCompletionExits,
     "welcome_scene_in_german": WelcomeSceneInGerman,
+    "profiler_tables_toggle": ProfilerTablesToggle,
+    "arrow_keys_steer_a_box": ArrowKeysSteerABox,
 }

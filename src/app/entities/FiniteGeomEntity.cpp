@@ -2,6 +2,7 @@
 
 #include "app/AppSettings.h"
 #include "app/EntitySerializer.h"
+#include "logging/Log.h"
 #include "physics/SPH.h"
 #include "physics/Simulation.h"
 
@@ -144,6 +145,7 @@ void FiniteGeomEntity::CopyFrom(const Entity* source)
         m_controllerInvertX = finite->m_controllerInvertX.Get();
         m_controllerInvertY = finite->m_controllerInvertY.Get();
         m_forceController = finite->m_forceController;
+        m_unmadeForceController = finite->m_unmadeForceController;
     }
 }
 
@@ -152,15 +154,35 @@ void FiniteGeomEntity::SerializeTo(EntitySerializer& serializer) const
     GeomEntity::SerializeTo(serializer);
     if (m_forceController)
         serializer.Set("forceController", util::String(m_forceController->Serialize()));
+    else if (!m_unmadeForceController.empty())
+        serializer.Set("forceController", m_unmadeForceController);
+}
+
+void FiniteGeomEntity::SetForceController(util::SharedPtr<input::DirInput> controller)
+{
+    m_forceController = std::move(controller);
+    m_unmadeForceController.clear();
 }
 
 void FiniteGeomEntity::Deserialize(const EntitySerializer& serializer)
 {
     GeomEntity::Deserialize(serializer);
-    if (serializer.Has("forceController"))
-        m_forceController = input::DirInput::Deserialize(serializer.Get<util::String>("forceController"));
-    else
-        m_forceController = nullptr;
+    m_forceController = nullptr;
+    m_unmadeForceController.clear();
+    if (!serializer.Has("forceController"))
+        return;
+    const util::String text = serializer.Get<util::String>("forceController");
+    try
+    {
+        m_forceController = input::DirInput::Deserialize(text);
+    }
+    catch (const std::exception& e)
+    {
+        // A joystick or axis that is no number: the rest of the entity stands without a controller.
+        Log(logging::Error, util::String(e.what()) + " in DirInput \"" + text + "\"");
+    }
+    if (!m_forceController)
+        m_unmadeForceController = text;
 }
 
 } // namespace app

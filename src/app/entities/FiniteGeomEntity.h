@@ -45,8 +45,17 @@ public:
     script::AttribWrapper<bool> m_controllerReverseXY;
     script::AttribWrapper<bool> m_controllerInvertX;
     script::AttribWrapper<bool> m_controllerInvertY;
+    // Gives the entity a direction source, or none; a kept text of one that couldn't be made is dropped.
+    void SetForceController(util::SharedPtr<input::DirInput> controller);
+    // The text of a source read from a scene that this machine couldn't make, as a joystick that isn't
+    // connected: it steers nothing here, but saving writes it back.
+    const util::String& GetUnmadeForceController() const { return m_unmadeForceController; }
+
     util::SharedPtr<input::DirInput> m_forceController;
     util::SharedPtr<ControllerForceAdder> m_forceAdder;
+
+private:
+    util::String m_unmadeForceController;
 };
 
 } // namespace app
