@@ -8,6 +8,9 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
+// After gtest: X11 defines names gtest uses.
+#include "ProgramWindow.h"
+
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -27,11 +30,12 @@ extern char** environ;
 
 namespace
 {
+using program_window::PATIENCE;
+using program_window::WaitFor;
+using program_window::WindowTitled;
 namespace fs = std::filesystem;
 
 // Generous: software GL on a loaded machine of two cores can take seconds to open a window.
-constexpr auto PATIENCE = std::chrono::seconds(60);
-constexpr auto POLL_STEP = std::chrono::milliseconds(20);
 
 std::string ReadFile(const fs::path& path)
 {
@@ -52,42 +56,6 @@ size_t Count(const std::string& text, const std::string& part)
     for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
         ++count;
     return count;
-}
-
-bool WaitFor(const std::function<bool()>& condition)
-{
-    const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
-    while (!condition())
-    {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-        std::this_thread::sleep_for(POLL_STEP);
-    }
-    return true;
-}
-
-// The window with this title on the X display, or None.
-Window WindowTitled(Display* display, Window window, const std::string& title)
-{
-    char* name = nullptr;
-    if (XFetchName(display, window, &name) && name)
-    {
-        const bool match = title == name;
-        XFree(name);
-        if (match)
-            return window;
-    }
-    Window root, parent;
-    Window* children = nullptr;
-    unsigned count = 0;
-    if (!XQueryTree(display, window, &root, &parent, &children, &count))
-        return None;
-    Window found = None;
-    for (unsigned i = 0; i < count && found == None; ++i)
-        found = WindowTitled(display, children[i], title);
-    if (children)
-        XFree(children);
-    return found;
 }
 
 // The colour of a pixel of a window as the X server shows it, 8 bits a channel.

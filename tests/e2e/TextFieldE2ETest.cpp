@@ -8,6 +8,9 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 
+// After gtest: X11 defines names gtest uses.
+#include "../core/ProgramWindow.h"
+
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -27,11 +30,12 @@ extern char** environ;
 
 namespace
 {
+using program_window::PATIENCE;
+using program_window::WaitFor;
+using program_window::WindowTitled;
 namespace fs = std::filesystem;
 
 // Generous: software GL on a loaded machine of two cores can take seconds to open a window.
-constexpr auto PATIENCE = std::chrono::seconds(60);
-constexpr auto POLL_STEP = std::chrono::milliseconds(20);
 const char* const PROBE_LINE = "Text probe: ";
 // The field's inner rectangle in pixels at a GUI scale of 1: it stands at (8, 8) with a border of 1, a
 // row of text high.
@@ -48,41 +52,6 @@ std::string ReadFile(const fs::path& path)
     std::stringstream text;
     text << file.rdbuf();
     return text.str();
-}
-
-bool WaitFor(const std::function<bool()>& condition)
-{
-    const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
-    while (!condition())
-    {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-        std::this_thread::sleep_for(POLL_STEP);
-    }
-    return true;
-}
-
-Window WindowTitled(Display* display, Window window, const std::string& title)
-{
-    char* name = nullptr;
-    if (XFetchName(display, window, &name) && name)
-    {
-        const bool match = title == name;
-        XFree(name);
-        if (match)
-            return window;
-    }
-    Window root, parent;
-    Window* children = nullptr;
-    unsigned count = 0;
-    if (!XQueryTree(display, window, &root, &parent, &children, &count))
-        return 0;
-    Window found = 0;
-    for (unsigned i = 0; i < count && !found; ++i)
-        found = WindowTitled(display, children[i], title);
-    if (children)
-        XFree(children);
-    return found;
 }
 
 // The near-white pixels of a part of the window, as the X server shows it.
