@@ -6,6 +6,7 @@
 #include "app/Camera.h"
 #include "app/entities/HingeEntity.h"
 #include "app/entities/PolyEntity.h"
+#include "app/tools/CircleTool.h"
 #include "app/tools/PanTool.h"
 #include "app/tools/SketchTool.h"
 #include "app/tools/Tools.h"
@@ -100,10 +101,10 @@ TEST_F(ToolsTest, ATapOfAToolKeySelectsTheToolForGood)
     const input::KeyEvent press = Key(SDLK_c, true);
     tools->OnKeyEvent(press);
     EXPECT_TRUE(press.IsHandled());
-    EXPECT_EQ(tools->GetTool(), tools->m_circle) << "while the key is down";
+    EXPECT_EQ(tools->GetTool(), app::Tools::ToolPtr(tools->m_circle)) << "while the key is down";
     tools->OnKeyEvent(Key(SDLK_c, false));
-    EXPECT_EQ(tools->GetSelected(), tools->m_circle);
-    EXPECT_EQ(tools->GetTool(), tools->m_circle);
+    EXPECT_EQ(tools->GetSelected(), app::Tools::ToolPtr(tools->m_circle));
+    EXPECT_EQ(tools->GetTool(), app::Tools::ToolPtr(tools->m_circle));
     tools->OnKeyEvent(Key(SDLK_k, true));
     tools->OnKeyEvent(Key(SDLK_k, false));
     EXPECT_EQ(tools->GetTool(), app::Tools::ToolPtr(tools->m_sketch));
@@ -113,7 +114,7 @@ TEST_F(ToolsTest, AToolKeyHeldSwitchesOnlyWhileItIsDownAndOverridesTheGesturesTo
 {
     tools->SetActive(tools->m_move);
     tools->OnKeyEvent(Key(SDLK_c, true));
-    EXPECT_EQ(tools->GetTool(), tools->m_circle);
+    EXPECT_EQ(tools->GetTool(), app::Tools::ToolPtr(tools->m_circle));
     HoldLongerThanAClick();
     const input::KeyEvent release = Key(SDLK_c, false);
     tools->OnKeyEvent(release);
