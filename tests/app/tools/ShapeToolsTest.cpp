@@ -241,6 +241,8 @@ TEST_F(ShapeToolsTest, EscapeDuringAChainKeepsTheLinksWithoutAnUndoStep)
     tool.OnDragEnd(input::DragEvent(start, Vec2(0, 0), GUI(Vec2(4, 0)), LEFT));
     EXPECT_EQ(All<app::CircleEntity>().size(), laid);
     EXPECT_EQ(UndoSteps(), 0u);
+    Step(2);
+    EXPECT_EQ(All<app::HingeEntity>().size(), laid + 1) << "the head stays pinned";
 }
 
 TEST_F(ShapeToolsTest, TheBrushErasesWithAWavyLineSelectsWithALoopAndLeavesDragsOnEntities)
