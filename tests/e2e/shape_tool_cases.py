@@ -135,6 +135,31 @@ class PlaneWithShiftSnapsTo15Degrees(ShapeCase):
         check(abs(offset) < 2 * PIXEL, "the plane passes through the drag's start: %s" % planes[0])
 
 
+class PlanePreviewAndArrowShowDuringTheDrag(ShapeCase):
+    """While the plane is dragged, its half is filled on the screen, over the shapes already there, and a
+    white arrow runs from the drag's start to the mouse."""
+    scene = scene_text(STILL + box(-2.6, -1.6))
+    start, end = (-2.0, -1.0), (-1.4, -0.2)
+
+    def run(self, s):
+        s.key("p")
+        sky = s.pixel(*px(0.0, 2.0))
+        before = s.pixel(*px(-2.6, -1.6))
+        s.move(*px(*self.start))
+        s.down()
+        s.path([px(*self.start), px(*self.end)])
+        s.wait(0.3)
+        pixel = s.screen()
+        solid = pixel(*px(-3.0, -2.2))
+        over_box = pixel(*px(-2.6, -1.6))
+        middle = px((self.start[0] + self.end[0]) / 2, (self.start[1] + self.end[1]) / 2)
+        shaft = pixel(*middle)
+        s.up()
+        check(solid != sky, "the solid side is filled during the drag: %s against the sky %s" % (solid, sky))
+        check(over_box == solid and over_box != before, "the preview lies over the box: %s" % (over_box,))
+        check(min(shaft) > 200, "the arrow's shaft is white halfway to the mouse: %s" % (shaft,))
+
+
 class ChainHasALinkEveryTwoRadii(ShapeCase):
     """A chain dragged over empty space lays a link of 0.4 screen centimetres' radius every two radii of
     the drag, with a hinge before each link; from nothing to nothing its head hangs free."""
@@ -214,6 +239,7 @@ SHAPE_TOOL_CASES = {
     "box_key_tapped_makes_boxes_from_drags": BoxKeyTappedMakesBoxesFromDrags,
     "box_with_shift_is_square": BoxWithShiftIsSquare,
     "plane_with_shift_snaps_to_15_degrees": PlaneWithShiftSnapsTo15Degrees,
+    "plane_preview_and_arrow_show_during_the_drag": PlanePreviewAndArrowShowDuringTheDrag,
     "chain_has_a_link_every_two_radii": ChainHasALinkEveryTwoRadii,
     "escape_during_a_chain_keeps_the_links": EscapeDuringAChainKeepsTheLinks,
     "brush_stroke_across_a_box_erases_it": BrushStrokeAcrossABoxErasesIt,
