@@ -1,6 +1,6 @@
 // The box, circle, plane and chain tools and the brush, driven by the drag events a window would deliver,
 // without a window, and judged by what they leave in the scene and the history.
-#include "../scene/SceneTestSupport.h"
+#include "ToolTestSupport.h"
 
 #include "app/App.h"
 #include "app/Camera.h"
@@ -25,49 +25,12 @@ using math::Vec2;
 
 const SDLKey LEFT = static_cast<SDLKey>(input::Key::MOUSE_LEFT);
 
-class ShapeToolsTest : public scenetest::SceneTest
+class ShapeToolsTest : public tooltest::ToolTest
 {
 protected:
-    void SetUp() override
-    {
-        scenetest::SceneTest::SetUp();
-        physics::Simulation::GetInstancePtr()->m_running = false;
-        app::App& app = *app::App::GetInstancePtr();
-        app.SetOuterSize(Vec2(800, 600));
-        app.GetCamera().Reset();
-        app.GetCamera().SetZoom(100);
-        tools = app::Tools::GetInstancePtr();
-        settings = app::AppSettings::GetInstancePtr();
-        settings->m_freeDrawing = false;
-        settings->m_autoGlue = false;
-    }
-
-    Vec2 GUI(Vec2 world) const { return scene->GetCamera()->WorldToGUI(world); }
-
-    // A left drag through the world points; returns whether the tool took its begin.
-    bool Drag(app::Tool& tool, const std::vector<Vec2>& world)
-    {
-        const Vec2 start = GUI(world.front());
-        const input::DragEvent begin(start, Vec2(0, 0), start, LEFT);
-        tool.OnDragBegin(begin);
-        Vec2 last = start;
-        for (size_t i = 1; i + 1 < world.size(); ++i)
-        {
-            const Vec2 p = GUI(world[i]);
-            tool.OnDrag(input::DragEvent(start, p - last, p, LEFT));
-            last = p;
-        }
-        const Vec2 end = GUI(world.back());
-        tool.OnDragEnd(input::DragEvent(start, end - last, end, LEFT));
-        return begin.IsHandled();
-    }
-
     size_t UndoSteps() const { return app::Undoer::GetInstancePtr()->GetUndoCount(); }
     const char* LastUndoKey() const { return app::Undoer::GetInstancePtr()->GetNextUndo()->GetKey(); }
     physics::Body* WorldBody() const { return physics::Simulation::GetInstancePtr()->GetWorldBody().get(); }
-
-    app::Tools* tools = nullptr;
-    app::AppSettings* settings = nullptr;
 };
 } // namespace
 
