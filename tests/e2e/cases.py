@@ -6,6 +6,7 @@ import os
 import time
 import re
 
+from shape_tool_cases import SHAPE_TOOL_CASES
 from qlex_e2e import (Failure, check, entity_records, pixel_to_world, scene_text, setting, vector,
                       world_to_pixel)
 
@@ -684,3 +685,4 @@ CASES = {
     "profiler_tables_toggle": ProfilerTablesToggle,
     "arrow_keys_steer_a_box": ArrowKeysSteerABox,
 }
+CASES.update(SHAPE_TOOL_CASES)

@@ -1,25 +1,19 @@
 #include "app/tools/SketchTool.h"
 
-#include "app/Action.h"
-#include "app/App.h"
 #include "app/AppSettings.h"
-#include "app/Camera.h"
 #include "app/Scene.h"
 #include "app/Undoer.h"
 #include "app/entities/FiniteGeomEntity.h"
 #include "app/entities/FixJointEntity.h"
 #include "app/entities/HingeEntity.h"
-#include "app/entities/PlaneEntity.h"
 #include "app/entities/PolyEntity.h"
 #include "app/entities/SpringEntity.h"
 #include "app/tools/StrokeShapes.h"
-#include "input/Input.h"
-#include "input/Key.h"
+#include "app/tools/ToolActions.h"
 #include "logging/Log.h"
 #include "physics/Simulation.h"
 #include "rendering/ColorPusher.h"
 #include "rendering/Renderer.h"
-#include "util/Profiler.h"
 #include "util/Timer.h"
 
 #include <cmath>
@@ -40,84 +34,12 @@ AppSettings& Settings()
 {
     return *AppSettings::GetInstancePtr();
 }
-
-void DrawStrip(const Line& line)
-{
-    if (line.Size() < 2)
-        return;
-    util::ScopeProfiler profile("Line::Draw");
-    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
-    glBegin(GL_LINE_STRIP);
-    for (const math::Vec2& p : line.GetPoints())
-        renderer.Vertex(p);
-    glEnd();
-}
-
-// The snapshot taken right before a new entity and the undo step right after it.
-void AddUndoable(const EntityPtr& entity, const char* undoKey)
-{
-    const SnapshotPtr before = Snapshot::TakeSnapshot();
-    TheScene().AddEntity(entity);
-    Undoer::GetInstancePtr()->AddUndo(before, undoKey);
-}
 } // namespace
-
-void SketchTool::AddPoint(const math::Vec2& guiPos)
-{
-    const math::Vec2 p = TheScene().GetCamera()->GUIToWorld(guiPos);
-    if (m_line.IsEmpty() || (p - m_line.Back()).Length() >= Settings().GetMinimumPointDist())
-        m_line.Add(p);
-}
-
-void SketchTool::OnDragBegin(const input::DragEvent& event)
-{
-    if (event.IsHandled() || event.button != input::Key::MOUSE_LEFT)
-        return;
-    SetInUse(true);
-    event.SetHandled();
-    m_line = Line();
-    m_line.Add(TheScene().GetCamera()->GUIToWorld(event.startPos));
-}
-
-void SketchTool::OnDrag(const input::DragEvent& event)
-{
-    if (!m_inUse)
-        return;
-    // While Shift is held the stroke runs straight to where the mouse is when Shift comes up.
-    if (!input::Input::GetInstancePtr()->CheckModifier(input::Shift))
-        AddPoint(event.position);
-    event.SetHandled();
-}
-
-void SketchTool::OnKeyEvent(const input::KeyEvent& event)
-{
-    Tool::OnKeyEvent(event);
-    if (event.IsHandled() || !m_inUse || event.pressed)
-        return;
-    if (event.key == SDLK_RSHIFT || event.key == SDLK_LSHIFT)
-        AddPoint(event.position);
-}
-
-void SketchTool::OnDragEnd(const input::DragEvent& event)
-{
-    if (event.IsHandled() || event.button != input::Key::MOUSE_LEFT || !m_inUse)
-        return;
-    AddPoint(event.position);
-    if (m_line.Size() > 1)
-        AnalyzeDrawing();
-    event.SetHandled();
-    m_line = Line();
-    SetInUse(false);
-}
 
 bool SketchTool::Disband()
 {
-    m_line = Line();
     m_lastLine = Line();
-    if (!m_inUse)
-        return false;
-    SetInUse(false);
-    return true;
+    return StrokeTool::Disband();
 }
 
 void SketchTool::Update(float)
@@ -128,21 +50,14 @@ void SketchTool::Update(float)
 
 void SketchTool::Draw() const
 {
-    rendering::ColorPusher color;
-    rendering::Renderer& renderer = *rendering::Renderer::GetInstancePtr();
     const double age = util::Timer::GetCurrentTime() - m_lastLineTime;
     if (m_lastLine.Size() > 1 && age < LAST_LINE_SECONDS)
     {
-        renderer.SetColor4(1, 0, 0, float(1 - age / LAST_LINE_SECONDS));
-        DrawStrip(m_lastLine);
+        rendering::ColorPusher color;
+        rendering::Renderer::GetInstancePtr()->SetColor4(1, 0, 0, float(1 - age / LAST_LINE_SECONDS));
+        DrawLine(m_lastLine);
     }
-    if (m_inUse)
-    {
-        renderer.SetColor4(0.85f, 1, 0.85f, 1);
-        Line line = m_line;
-        line.Add(App::GetInstancePtr()->GetMousePos());
-        DrawStrip(line);
-    }
+    StrokeTool::Draw();
 }
 
 void SketchTool::AnalyzeDrawing()
@@ -192,42 +107,6 @@ bool SketchTool::TestFixate()
     return true;
 }
 
-bool SketchTool::TestEraseLine()
-{
-    const std::vector<physics::Linesegment> segments = m_line.GetSegments();
-    const GroupPtr& selection = TheScene().GetSelection();
-    EntitySet struck;
-    bool selectedStruck = false;
-    for (const EntityPtr& entity : TheScene().GetEntities())
-    {
-        if (!entity->ErasedBy(segments))
-            continue;
-        struck.insert(entity);
-        selectedStruck = selectedStruck || selection->Contains(entity);
-    }
-    // Striking through one selected entity erases the whole selection.
-    if (selectedStruck)
-    {
-        for (const EntityPtr& entity : selection->GetEntities())
-            struck.insert(entity);
-    }
-    // The ground goes only when it is struck out alone.
-    if (struck.size() > 1)
-    {
-        EntitySet withoutPlanes;
-        for (const EntityPtr& entity : struck)
-        {
-            if (!dynamic_cast<const PlaneEntity*>(entity.get()))
-                withoutPlanes.insert(entity);
-        }
-        struck = withoutPlanes;
-    }
-    if (struck.empty())
-        return false;
-    Undoer::GetInstancePtr()->Do(QLEX_NEW new EraseEntities(struck));
-    return true;
-}
-
 bool SketchTool::IsSpring()
 {
     const std::optional<SpringStroke> stroke = FindSpringStroke(m_line);
@@ -241,24 +120,6 @@ bool SketchTool::IsSpring()
     spring->LengthAttrib() = stroke->length;
     AddUndoable(spring, "UndoSpring");
     return true;
-}
-
-util::SharedPtr<physics::Polygon> SketchTool::IsPolygon()
-{
-    const std::optional<std::vector<math::Vec2>> outline =
-        FindPolygonOutline(m_line, Settings().GetMaximumPointDist());
-    if (!outline || outline->size() <= 2)
-        return nullptr;
-    try
-    {
-        return QLEX_NEW new physics::Polygon(*outline);
-    }
-    catch (std::exception& e)
-    {
-        CatchException(e, util::String(__FILE__) + ":" + std::to_string(__LINE__) + " " + __func__);
-        Log(logging::Debug, "Bad polygon");
-        return nullptr;
-    }
 }
 
 void SketchTool::DecidePolygon(const util::SharedPtr<physics::Polygon>& polygon)

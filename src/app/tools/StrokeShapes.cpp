@@ -25,13 +25,13 @@ constexpr float HINGE_MAX_AREA_SHARE = 0.5f;
 constexpr float HINGE_ROUNDNESS = 1.8f;
 } // namespace
 
-bool IsStraightStroke(const Line& line)
+bool KeepsToChord(const Line& line, float share)
 {
     const std::vector<math::Vec2>& points = line.GetPoints();
     if (points.size() < 2)
         return false;
     const physics::Linesegment chord(points.front(), points.back());
-    const float tolerance = LINE_TOLERANCE * (points.back() - points.front()).Length();
+    const float tolerance = share * (points.back() - points.front()).Length();
     // A chord of no length is a point, not the line through it: every point away from it is too far.
     const bool pointChord = points.front() == points.back();
     for (const math::Vec2& p : points)
@@ -40,15 +40,26 @@ bool IsStraightStroke(const Line& line)
         if (distance > tolerance)
             return false;
     }
+    return true;
+}
+
+bool CrossesItself(const Line& line)
+{
+    const std::vector<math::Vec2>& points = line.GetPoints();
     for (size_t i = 0; i + 1 < points.size(); ++i)
     {
         for (size_t j = i + 1; j + 1 < points.size(); ++j)
         {
             if (physics::LineSegmentIntersectTest(points[i], points[i + 1], points[j], points[j + 1]))
-                return false;
+                return true;
         }
     }
-    return true;
+    return false;
+}
+
+bool IsStraightStroke(const Line& line)
+{
+    return KeepsToChord(line, LINE_TOLERANCE) && !CrossesItself(line);
 }
 
 std::optional<SpringStroke> FindSpringStroke(const Line& line)

@@ -15,7 +15,12 @@ class Polygon;
 namespace app
 {
 
-// A stroke that keeps within 15% of its chord's length of the chord and never crosses itself. Two points
+// Whether no point of the stroke lies further from its chord, the segment from its first point to its
+// last, than `share` times the chord's length. A chord of no length admits no point away from it.
+bool KeepsToChord(const Line& line, float share);
+// Whether any two of the stroke's segments cross; segments that join end to start don't.
+bool CrossesItself(const Line& line);
+// The sketch tool's straight line: it keeps within 15% of its chord and never crosses itself. Two points
 // always make one.
 bool IsStraightStroke(const Line& line);
 

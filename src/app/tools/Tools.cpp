@@ -2,7 +2,12 @@
 
 #include "app/Camera.h"
 #include "app/Scene.h"
+#include "app/tools/BoxTool.h"
+#include "app/tools/BrushTool.h"
+#include "app/tools/ChainTool.h"
+#include "app/tools/CircleTool.h"
 #include "app/tools/PanTool.h"
+#include "app/tools/PlaneTool.h"
 #include "app/tools/SketchTool.h"
 #include "gui/GUI.h"
 #include "rendering/TextureManager.h"
@@ -22,8 +27,9 @@ util::SharedPtr<Tool> Idle()
 
 Tools::Tools()
     : input::InputListener(Tool::PRIORITY), m_move(Idle()), m_clone(Idle()), m_rotate(Idle()),
-      m_pan(QLEX_NEW new PanTool()), m_sketch(QLEX_NEW new SketchTool()), m_brush(Idle()), m_drag(Idle()),
-      m_plane(Idle()), m_circle(Idle()), m_box(Idle()), m_chain(Idle()), m_spring(Idle()), m_fixJoint(Idle()),
+      m_pan(QLEX_NEW new PanTool()), m_sketch(QLEX_NEW new SketchTool()), m_brush(QLEX_NEW new BrushTool()),
+      m_drag(Idle()), m_plane(QLEX_NEW new PlaneTool()), m_circle(QLEX_NEW new CircleTool()),
+      m_box(QLEX_NEW new BoxTool()), m_chain(QLEX_NEW new ChainTool()), m_spring(Idle()), m_fixJoint(Idle()),
       m_hinge(Idle()), m_pen(Idle()), m_scale(Idle()), m_selected(m_sketch)
 {
     const std::pair<SDLKey, ToolPtr> shortcuts[] = {

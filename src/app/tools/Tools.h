@@ -12,7 +12,11 @@
 
 namespace app
 {
+class BoxTool;
+class ChainTool;
+class CircleTool;
 class PanTool;
+class PlaneTool;
 class SketchTool;
 
 class Tools : public input::InputListener, public util::Singleton<Tools>
@@ -44,7 +48,12 @@ public:
     ToolPtr m_move, m_clone, m_rotate;
     util::SharedPtr<PanTool> m_pan;
     util::SharedPtr<SketchTool> m_sketch;
-    ToolPtr m_brush, m_drag, m_plane, m_circle, m_box, m_chain, m_spring, m_fixJoint, m_hinge, m_pen, m_scale;
+    ToolPtr m_brush, m_drag;
+    util::SharedPtr<PlaneTool> m_plane;
+    util::SharedPtr<CircleTool> m_circle;
+    util::SharedPtr<BoxTool> m_box;
+    util::SharedPtr<ChainTool> m_chain;
+    ToolPtr m_spring, m_fixJoint, m_hinge, m_pen, m_scale;
 
 private:
     void UpdateCursor();

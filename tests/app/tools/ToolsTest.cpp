@@ -1,11 +1,12 @@
 // The choice of the current tool by keys, and the sketch tool's strokes acting on a scene, driven by the
 // events a window would deliver, without a window.
-#include "../scene/SceneTestSupport.h"
+#include "ToolTestSupport.h"
 
 #include "app/App.h"
 #include "app/Camera.h"
 #include "app/entities/HingeEntity.h"
 #include "app/entities/PolyEntity.h"
+#include "app/tools/CircleTool.h"
 #include "app/tools/PanTool.h"
 #include "app/tools/SketchTool.h"
 #include "app/tools/Tools.h"
@@ -33,41 +34,11 @@ void HoldLongerThanAClick()
     std::this_thread::sleep_for(std::chrono::milliseconds(int(tolerance * 1000) + 80));
 }
 
-class ToolsTest : public scenetest::SceneTest
+class ToolsTest : public tooltest::ToolTest
 {
 protected:
-    void SetUp() override
-    {
-        scenetest::SceneTest::SetUp();
-        physics::Simulation::GetInstancePtr()->m_running = false;
-        app::App& app = *app::App::GetInstancePtr();
-        app.SetOuterSize(Vec2(800, 600));
-        app.GetCamera().Reset();
-        app.GetCamera().SetZoom(100);
-        tools = app::Tools::GetInstancePtr();
-        tools->Select(tools->m_sketch);
-        tools->SetActive(nullptr);
-        app::AppSettings::GetInstancePtr()->m_freeDrawing = false;
-    }
-
     // The stroke through the world points, as the sketch tool gets it from a left drag.
-    void Stroke(const std::vector<Vec2>& world)
-    {
-        const app::Camera& camera = *scene->GetCamera();
-        const SDLKey left = static_cast<SDLKey>(input::Key::MOUSE_LEFT);
-        const Vec2 start = camera.WorldToGUI(world.front());
-        app::SketchTool& sketch = *tools->m_sketch;
-        sketch.OnDragBegin(input::DragEvent(start, Vec2(0, 0), start, left));
-        Vec2 last = start;
-        for (size_t i = 1; i + 1 < world.size(); ++i)
-        {
-            const Vec2 p = camera.WorldToGUI(world[i]);
-            sketch.OnDrag(input::DragEvent(start, p - last, p, left));
-            last = p;
-        }
-        const Vec2 end = camera.WorldToGUI(world.back());
-        sketch.OnDragEnd(input::DragEvent(start, end - last, end, left));
-    }
+    void Stroke(const std::vector<Vec2>& world) { Drag(*tools->m_sketch, world); }
 
     // A closed square stroke around the centre, with its corners and a point every tenth of a side.
     static std::vector<Vec2> Square(Vec2 center, float half)
@@ -90,8 +61,6 @@ protected:
                 found.push_back(t);
         return found;
     }
-
-    app::Tools* tools = nullptr;
 };
 } // namespace
 
@@ -100,10 +69,10 @@ TEST_F(ToolsTest, ATapOfAToolKeySelectsTheToolForGood)
     const input::KeyEvent press = Key(SDLK_c, true);
     tools->OnKeyEvent(press);
     EXPECT_TRUE(press.IsHandled());
-    EXPECT_EQ(tools->GetTool(), tools->m_circle) << "while the key is down";
+    EXPECT_EQ(tools->GetTool(), app::Tools::ToolPtr(tools->m_circle)) << "while the key is down";
     tools->OnKeyEvent(Key(SDLK_c, false));
-    EXPECT_EQ(tools->GetSelected(), tools->m_circle);
-    EXPECT_EQ(tools->GetTool(), tools->m_circle);
+    EXPECT_EQ(tools->GetSelected(), app::Tools::ToolPtr(tools->m_circle));
+    EXPECT_EQ(tools->GetTool(), app::Tools::ToolPtr(tools->m_circle));
     tools->OnKeyEvent(Key(SDLK_k, true));
     tools->OnKeyEvent(Key(SDLK_k, false));
     EXPECT_EQ(tools->GetTool(), app::Tools::ToolPtr(tools->m_sketch));
@@ -113,7 +82,7 @@ TEST_F(ToolsTest, AToolKeyHeldSwitchesOnlyWhileItIsDownAndOverridesTheGesturesTo
 {
     tools->SetActive(tools->m_move);
     tools->OnKeyEvent(Key(SDLK_c, true));
-    EXPECT_EQ(tools->GetTool(), tools->m_circle);
+    EXPECT_EQ(tools->GetTool(), app::Tools::ToolPtr(tools->m_circle));
     HoldLongerThanAClick();
     const input::KeyEvent release = Key(SDLK_c, false);
     tools->OnKeyEvent(release);
