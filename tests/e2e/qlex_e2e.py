@@ -192,7 +192,8 @@ class Session:
         self.stroke(points, button)
 
     def key(self, name):
-        self.xdo("key", "--clearmodifiers", name)
+        # Not --clearmodifiers: that lets go of a held mouse button too, and would end a drag under way.
+        self.xdo("key", name)
         time.sleep(0.1)
 
     def type(self, text):
