@@ -5,32 +5,6 @@ using mathtest::FailedAssertionText;
 using mathtest::Near;
 using mathtest::NearMatrix;
 
-TEST(Matrix3, RotationAndTranslationUseTheirElements)
-{
-    const Mat3 r = Mat3::RotationZ(0.5f);
-    EXPECT_FLOAT_EQ(std::cos(0.5f), r[0]);
-    EXPECT_FLOAT_EQ(std::cos(0.5f), r[4]);
-    EXPECT_FLOAT_EQ(-std::sin(0.5f), r[1]);
-    EXPECT_FLOAT_EQ(std::sin(0.5f), r[3]);
-    EXPECT_EQ(Mat3(), Mat3::Identity());
-
-    const Mat3 t = Mat3::Translation2D(Vec2(3, -2));
-    EXPECT_EQ(3, t[2]);
-    EXPECT_EQ(-2, t[5]);
-    EXPECT_EQ(Vec3(3, -2, 1), t.GetColumn2());
-
-    // Column vectors: the right factor acts first, so this rotates and then moves.
-    const Mat3 m = t * Mat3::RotationZ(PIf / 2);
-    EXPECT_TRUE(Near(Vec2(3, -1), TransformCoordinate(m, Vec2(1, 0))));
-    EXPECT_TRUE(Near(Vec2(0, 1), TransformDirection(m, Vec2(1, 0))));
-
-    Mat3 s = m;
-    s.SetColumn2(Vec3(0, 0, 1));
-    EXPECT_TRUE(NearMatrix(Mat3::RotationZ(PIf / 2), s));
-    EXPECT_NE(m, s);
-    EXPECT_EQ(Mat3(1, 4, 7, 2, 5, 8, 3, 6, 9), Mat3(1, 2, 3, 4, 5, 6, 7, 8, 9).Transpose());
-}
-
 TEST(Matrix3, InverseUndoesAGeneralMatrixAndRefusesASingularOne)
 {
     const Mat3 m(2, -1, 0.5f, 1, 3, -2, 0.25f, 0, 4);

@@ -21,62 +21,7 @@ double DoubleFromBits(uint64_t bits)
     std::memcpy(&d, &bits, sizeof d);
     return d;
 }
-uint32_t BitsOf(float f)
-{
-    uint32_t bits;
-    std::memcpy(&bits, &f, sizeof bits);
-    return bits;
-}
 } // namespace
-
-TEST(MathConstants, HaveTheirExactBitsAndPrecisions)
-{
-    EXPECT_EQ(0x40490FDBu, BitsOf(PIf));
-    EXPECT_EQ(0x7F800000u, BitsOf(INF));
-    EXPECT_EQ(PIf, float(PI));
-    EXPECT_EQ(8, GetPrecisionOf<float>());
-    EXPECT_EQ(17, GetPrecisionOf<double>());
-}
-
-TEST(Vector, ArithmeticMixesScalarTypesAndIsComponentWise)
-{
-    const Vec2 a(1, 2), b(3, -4);
-    EXPECT_EQ(Vec2(4, -2), a + b);
-    EXPECT_EQ(Vec2(-2, 6), a - b);
-    EXPECT_EQ(Vec2(-1, -2), -a);
-    EXPECT_EQ(Vec2(2, 4), a * 2);
-    EXPECT_EQ(Vec2(0.5f, 1), 0.5 * a);
-    EXPECT_EQ(Vec2(0.5f, 1), a / 2);
-    EXPECT_EQ(Vec2(6, 3), 6.0f / a);
-    EXPECT_EQ(Vec2(3, -8), Mul(a, b));
-    EXPECT_EQ(Vec2(3, -2), Div(b, a));
-    EXPECT_EQ(Vec2(1, -4), Min(a, b));
-    EXPECT_EQ(Vec2(3, 2), Max(a, b));
-    EXPECT_FLOAT_EQ(-5, Dot(a, b));
-    EXPECT_FLOAT_EQ(25, DistanceSq(Vec2(0, 0), b));
-    EXPECT_FLOAT_EQ(5, Distance(Vec2(0, 0), b));
-    EXPECT_TRUE(a != b);
-    EXPECT_FALSE(a == b);
-
-    Vec2 c = a;
-    c += b;
-    c -= Vec2(1, 1);
-    c *= 2;
-    c /= 4;
-    EXPECT_EQ(Vec2(1.5f, -1.5f), c);
-
-    // Pixel sizes and grid cells.
-    TVector2<int> cell(7, -3);
-    EXPECT_EQ(TVector2<int>(3, -1), cell / 2);
-    EXPECT_EQ(TVector2<unsigned int>(4, 6), TVector2<unsigned int>(2, 3) * 2u);
-    EXPECT_EQ(Vec2(7, -3), Vec2(cell));
-    const TVector4<unsigned char> pixel(255, 0, 128, 255);
-    EXPECT_EQ(128, pixel.z);
-
-    EXPECT_EQ(Vec3(-3, 6, -3), Cross(Vec3(1, 2, 3), Vec3(4, 5, 6)));
-    EXPECT_EQ(Vec4(2, 4, 6, 8), Vec4(1, 2, 3, 4) * 2);
-    EXPECT_FLOAT_EQ(30, Dot(Vec4(1, 2, 3, 4), Vec4(1, 2, 3, 4)));
-}
 
 TEST(Vector, NormalizeReturnsOldLengthAndZeroesTinyVectors)
 {
@@ -101,25 +46,6 @@ TEST(Vector, NormalizeReturnsOldLengthAndZeroesTinyVectors)
     Vec3 v3(0, 0, -2);
     EXPECT_FLOAT_EQ(2, v3.Normalize());
     EXPECT_EQ(Vec3(0, 0, -1), v3);
-}
-
-TEST(Vector, CrossRotationAndLerpFollowTheirFormulas)
-{
-    const Vec2 a(2, 3), b(-1, 5);
-    EXPECT_FLOAT_EQ(13, Cross(a, b));
-    EXPECT_FLOAT_EQ(-13, Cross(b, a));
-    EXPECT_EQ(Vec2(-6, 4), Cross(2.0f, a));
-    EXPECT_EQ(Vec2(6, -4), Cross(a, 2.0f));
-    EXPECT_EQ(Vec2(-3, 2), Rot90CCW(a));
-    EXPECT_EQ(Vec2(3, -2), Rot90CW(a));
-    EXPECT_EQ(a, Rot90CW(Rot90CCW(a)));
-    // Counter-clockwise: the cross product of v and its turn is positive.
-    EXPECT_GT(Cross(a, Rot90CCW(a)), 0);
-
-    EXPECT_EQ(a, Lerp(a, b, 0.0f));
-    EXPECT_EQ(b, Lerp(a, b, 1.0f));
-    EXPECT_TRUE(Near(Vec2(0.5f, 4), Lerp(a, b, 0.5f)));
-    EXPECT_FLOAT_EQ(12.5f, Lerp(10.0f, 20.0f, 0.25f));
 }
 
 TEST(MathUtil, IsZeroThresholdDependsOnPrecision)

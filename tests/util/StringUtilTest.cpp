@@ -112,20 +112,6 @@ TEST(StringUtil_Text, SplitKeepsEmptyPartsAndJoinRestoresThem)
     EXPECT_EQ("x", util::Join({"x"}, ", "));
 }
 
-TEST(StringUtil_Text, CaseHelpers)
-{
-    EXPECT_EQ("abc", util::ToLower("AbC"));
-    EXPECT_EQ("ABC", util::ToUpper("AbC"));
-    EXPECT_TRUE(util::starts_with("scene.qlx", "scene"));
-    EXPECT_FALSE(util::starts_with("sc", "scene"));
-    EXPECT_TRUE(util::ends_with("scene.qlx", ".qlx"));
-    EXPECT_FALSE(util::ends_with("scene.QLX", ".qlx"));
-    EXPECT_TRUE(util::iends_with("scene.QLX", ".qlx"));
-    EXPECT_TRUE(util::istarts_with("FILE:///x", "file:///"));
-    EXPECT_TRUE(util::iequals("NaN", "nan"));
-    EXPECT_FALSE(util::iequals("nan", "nana"));
-}
-
 TEST(StringUtil_Text, WildcardMatcher)
 {
     EXPECT_TRUE(util::WildcardMatcher("abc", "a*"));
