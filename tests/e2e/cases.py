@@ -684,3 +684,6 @@ CASES = {
     "profiler_tables_toggle": ProfilerTablesToggle,
     "arrow_keys_steer_a_box": ArrowKeysSteerABox,
 }
+
+from manipulation_tool_cases import MANIPULATION_TOOL_CASES  # noqa: E402 (its cases build on those above)
+CASES.update(MANIPULATION_TOOL_CASES)
