@@ -218,7 +218,11 @@ class SpringToolJoinsTwoBoxes(Case):
     def run(self, s):
         s.key("s")
         s.stroke([px(-1.5, 0.2), px(-1.5, -0.2)])
-        s.stroke([px(-1.5, 0.0), px(0.0, 0.5), px(1.5, 0.0)])
+        s.move(*px(-1.5, 0.0))
+        s.down()
+        s.path([px(-1.5, 0.0), px(0.0, 0.5), px(1.5, 0.0)])
+        shot(s, "spring_drawn")
+        s.up()
 
     def after(self, s):
         springs = entity_records(s.saved_scene(), "addSpring")
