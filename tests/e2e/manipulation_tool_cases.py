@@ -221,6 +221,8 @@ class SpringToolJoinsTwoBoxes(Case):
         s.move(*px(-1.5, 0.0))
         s.down()
         s.path([px(-1.5, 0.0), px(0.0, 0.5), px(1.5, 0.0)])
+        # The spring takes its length from the mouse once a frame: a frame at the end before letting go.
+        s.wait(0.2)
         shot(s, "spring_drawn")
         s.up()
 
