@@ -39,6 +39,7 @@ namespace app
 {
 namespace
 {
+const float TOOL_DEPTH = 0.75f;
 
 float PositiveOrOne(float value)
 {
@@ -302,7 +303,12 @@ void App::DrawComp() const
         // The stroke in progress and what the tool shows of its gesture, over the world.
         util::ScopeProfiler tool("Tool::Draw");
         renderer.SetColor4(1, 1, 1, 1);
+        // In front of every entity: they take depths from 0 to about a half, and 0 itself is the far
+        // plane, where a tool's filled preview would be clipped away.
+        glPushMatrix();
+        glTranslatef(0, 0, TOOL_DEPTH);
         Tools::GetInstancePtr()->GetTool()->Draw();
+        glPopMatrix();
     }
 
     renderer.SetColor4(1, 1, 1, 1);

@@ -59,6 +59,8 @@ public:
     void Set(const T& value);
     void SetToDefault() { Set(m_default); }
     const T& GetDefault() const { return m_default; }
+    // What the owner now counts as the value at rest (a spring drawn to a length rests at that length).
+    void SetDefault(const T& value) { m_default = value; }
     // For owners that must react at once to a new value.
     void AddChangeCallback(util::CallbackPtr callback);
     // Scripts may then give only finite numbers. NaN is refused by every attribute: it means nothing as a

@@ -686,3 +686,6 @@ CASES = {
     "arrow_keys_steer_a_box": ArrowKeysSteerABox,
 }
 CASES.update(SHAPE_TOOL_CASES)
+
+from manipulation_tool_cases import MANIPULATION_TOOL_CASES  # noqa: E402 (its cases build on those above)
+CASES.update(MANIPULATION_TOOL_CASES)

@@ -63,7 +63,7 @@ bool CircleTool::Disband()
 void CircleTool::Draw() const
 {
     if (m_inUse && m_circle)
-        DrawPreview(*m_circle);
+        m_circle->Draw();
 }
 
 } // namespace app

@@ -88,7 +88,7 @@ void PlaneTool::Draw() const
 {
     if (!m_plane)
         return;
-    DrawPreview(*m_plane);
+    m_plane->Draw();
     const float length = (App::GetInstancePtr()->GetMousePos() - m_start).Length();
     const math::Vec2 along = m_plane->m_plane->GetPlane().normal * length;
     const math::Vec2 across = math::Rot90CW(along);

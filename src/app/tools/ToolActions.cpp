@@ -33,17 +33,6 @@ void DrawLine(const Line& line)
     glEnd();
 }
 
-void DrawPreview(const Entity& entity)
-{
-    // The scene's entities take depths from 0 to about a half, nearer as they come later; the near end of
-    // the range is 1.
-    constexpr float PREVIEW_DEPTH = 0.75f;
-    glPushMatrix();
-    glTranslatef(0, 0, PREVIEW_DEPTH);
-    entity.Draw();
-    glPopMatrix();
-}
-
 bool IsShiftHeld()
 {
     return input::Input::GetInstancePtr()->CheckModifier(input::Shift);

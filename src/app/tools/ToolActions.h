@@ -15,10 +15,6 @@ void AddUndoable(const EntityPtr& entity, const char* undoKey);
 // One line strip through the points in the current colour; nothing for fewer than two points.
 void DrawLine(const Line& line);
 
-// An entity that is not in the scene, drawn in front of all that are. Tools draw at the far end of the
-// depth range, where the fill of a shape can be clipped away.
-void DrawPreview(const Entity& entity);
-
 // Whether a Shift key is held now.
 bool IsShiftHeld();
 

@@ -6,9 +6,16 @@
 #include "app/tools/BrushTool.h"
 #include "app/tools/ChainTool.h"
 #include "app/tools/CircleTool.h"
+#include "app/tools/CloneTool.h"
+#include "app/tools/DragTool.h"
+#include "app/tools/JointTools.h"
+#include "app/tools/MoveTool.h"
 #include "app/tools/PanTool.h"
 #include "app/tools/PlaneTool.h"
+#include "app/tools/RotateTool.h"
+#include "app/tools/ScaleTool.h"
 #include "app/tools/SketchTool.h"
+#include "app/tools/SpringTool.h"
 #include "gui/GUI.h"
 #include "rendering/TextureManager.h"
 #include "util/FileSystem.h"
@@ -16,21 +23,14 @@
 
 namespace app
 {
-namespace
-{
-// The tools that have no gestures of their own yet: they take no event.
-util::SharedPtr<Tool> Idle()
-{
-    return QLEX_NEW new Tool();
-}
-} // namespace
-
 Tools::Tools()
-    : input::InputListener(Tool::PRIORITY), m_move(Idle()), m_clone(Idle()), m_rotate(Idle()),
-      m_pan(QLEX_NEW new PanTool()), m_sketch(QLEX_NEW new SketchTool()), m_brush(QLEX_NEW new BrushTool()),
-      m_drag(Idle()), m_plane(QLEX_NEW new PlaneTool()), m_circle(QLEX_NEW new CircleTool()),
-      m_box(QLEX_NEW new BoxTool()), m_chain(QLEX_NEW new ChainTool()), m_spring(Idle()), m_fixJoint(Idle()),
-      m_hinge(Idle()), m_pen(Idle()), m_scale(Idle()), m_selected(m_sketch)
+    : input::InputListener(Tool::PRIORITY), m_move(QLEX_NEW new MoveTool()),
+      m_clone(QLEX_NEW new CloneTool()), m_rotate(QLEX_NEW new RotateTool()), m_pan(QLEX_NEW new PanTool()),
+      m_sketch(QLEX_NEW new SketchTool()), m_brush(QLEX_NEW new BrushTool()), m_drag(QLEX_NEW new DragTool()),
+      m_plane(QLEX_NEW new PlaneTool()), m_circle(QLEX_NEW new CircleTool()), m_box(QLEX_NEW new BoxTool()),
+      m_chain(QLEX_NEW new ChainTool()), m_spring(QLEX_NEW new SpringTool()),
+      m_fixJoint(QLEX_NEW new FixJointTool()), m_hinge(QLEX_NEW new HingeTool()),
+      m_pen(QLEX_NEW new PenTool()), m_scale(QLEX_NEW new ScaleTool()), m_selected(m_sketch)
 {
     const std::pair<SDLKey, ToolPtr> shortcuts[] = {
         {SDLK_b, m_brush},    {SDLK_k, m_sketch}, {SDLK_d, m_drag},  {SDLK_p, m_plane},
