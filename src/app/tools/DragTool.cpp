@@ -65,6 +65,12 @@ void DragTool::Update(float)
 {
     if (!m_hinge)
         return;
+    // The pulled body can leave the world under the pin (Delete, undo, a destroy key): the pin goes too.
+    if (!physics::Simulation::GetInstancePtr()->HasBody(m_hinge->GetGeom(1)->GetBodyBody()))
+    {
+        Disband();
+        return;
+    }
     m_mousePos = Scene::GetInstancePtr()->GetMousePos();
     m_mouseBody->SetPosition(m_mousePos);
     m_mouseBody->ApplyPoseChange();

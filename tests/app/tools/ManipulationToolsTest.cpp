@@ -400,6 +400,15 @@ TEST_F(ManipulationToolsTest, DraggedBodyFollowsTheMouseAndOnlyAMovedDragIsAStep
     EXPECT_VEC_NEAR(PosOf(box), mouse, 0.15f) << "the box hangs on the point that was grabbed";
     EXPECT_EQ(UndoCount(), 1u);
     EXPECT_EQ(LastUndo(), "UndoDrag");
+
+    // A body erased under the pin takes the pin with it at the next frame.
+    drag.OnDragBegin(input::DragEvent(Gui(mouse), Vec2(0, 0), Gui(mouse), LEFT));
+    ASSERT_TRUE(drag.GetHinge());
+    scene->RemoveEntity(box);
+    drag.Update(0.01f);
+    EXPECT_FALSE(drag.GetHinge());
+    EXPECT_FALSE(drag.IsInUse());
+    Step(10);
 }
 
 // --- joints ---------------------------------------------------------------------------------------------
