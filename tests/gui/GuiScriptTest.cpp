@@ -19,17 +19,6 @@ void ExpectVec(const math::Vec2& actual, float x, float y)
     EXPECT_NEAR(actual.y, y, 1e-4f);
 }
 
-void MouseButton(bool down, int x, int y)
-{
-    SDL_Event e = {};
-    e.type = down ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
-    e.button.type = e.type;
-    e.button.button = SDL_BUTTON_LEFT;
-    e.button.x = static_cast<Uint16>(x);
-    e.button.y = static_cast<Uint16>(y);
-    input::Input::GetInstancePtr()->HandleEvent(e);
-}
-
 // The GUI as scripts see it, as the shell sets it up: "GUI" in the script root.
 class GuiScript : public ::testing::Test
 {
@@ -125,9 +114,9 @@ TEST_F(GuiScript, ClickToleranceSetByScriptDecidesBetweenClickAndDrag)
     auto pressMoveRelease = [&]
     {
         MoveMouseTo(20, 20);
-        MouseButton(true, 20, 20);
+        MouseButton(SDL_BUTTON_LEFT, true, 20, 20);
         MoveMouseTo(26, 20);
-        MouseButton(false, 26, 20);
+        MouseButton(SDL_BUTTON_LEFT, false, 26, 20);
     };
     pressMoveRelease();
     EXPECT_TRUE(target->clicks.empty());
