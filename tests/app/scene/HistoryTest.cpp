@@ -1,4 +1,5 @@
 #include "SceneTestSupport.h"
+#include "logging/LogCapture.h"
 
 #include "app/Action.h"
 #include "app/Chain.h"
@@ -222,10 +223,8 @@ TEST_F(SceneTest, Undoer_FailedStepInEitherDirectionIsDroppedAndNamedInAWarning)
     app::Undoer* undoer = app::Undoer::GetInstancePtr();
     util::SharedPtr<ChangeCounter> counter = QLEX_NEW new ChangeCounter();
     undoer->AddOnChangeCallback(util::MakeCallback(&ChangeCounter::Count, counter.get()));
-    std::vector<std::string> warnings;
-    util::SharedPtr<logging::ILogger> sink = QLEX_NEW new logging::FunctionLogger(
-        logging::Warning, [&warnings](const std::string& text) { warnings.push_back(text); });
-    logging::Logger::GetInstancePtr()->AddLogger(sink);
+    logtest::LogCapture log(logging::Warning);
+    const std::vector<std::string>& warnings = log.lines;
 
     undoer->Do(QLEX_NEW new FailingAction(false, true));
     undoer->Undo();
@@ -245,7 +244,6 @@ TEST_F(SceneTest, Undoer_FailedStepInEitherDirectionIsDroppedAndNamedInAWarning)
     EXPECT_NE(warnings.back().find("Undoer::Undo: undo failed"), std::string::npos) << warnings.back();
     // A failed step changes the history, so listeners hear of it too: two doings, three steps.
     EXPECT_EQ(counter->count, 5);
-    logging::Logger::GetInstancePtr()->RemoveLogger(sink);
 }
 
 TEST_F(SceneTest, Undoer_SimStartUndoStopsAtTheStartAndRedoRunsAgain)
