@@ -21,41 +21,6 @@ app::App& TheApp()
 }
 } // namespace
 
-TEST(App, SettingsStartAtTheirDefaults)
-{
-    app::App& app = TheApp();
-    EXPECT_EQ(util::String(app.GetSettings().m_language), "English");
-    EXPECT_EQ(float(app.GetSettings().m_lineWidth), 4.0f);
-    EXPECT_EQ(float(app.GetSettings().m_DPI), 86.0f);
-    EXPECT_EQ(math::Vec3(app.GetSettings().m_fadeColor), math::Vec3(0, 0, 0));
-    EXPECT_EQ(math::Vec2(app.GetSettings().m_fadeScale), math::Vec2(0.95f, 0.95f));
-    EXPECT_EQ(math::Vec4(app.GetSettings().m_waterColor), math::Vec4(0.1f, 0.1f, 1.0f, 0.7f));
-    EXPECT_EQ((unsigned long)app.GetSettings().m_maxUndo, 25ul);
-    EXPECT_EQ(int(app.GetSettings().m_maxSPHSpawn), 10000);
-    EXPECT_FALSE(bool(app.GetSettings().m_simpleWater));
-    EXPECT_TRUE(bool(app.GetSettings().m_borders));
-}
-
-TEST(App, ScreenMeasuresFollowTheZoomAndTheDensity)
-{
-    app::App& app = TheApp();
-    app::Camera& camera = app.GetCamera();
-    camera.SetZoom(150);
-    EXPECT_NEAR(app.GetSettings().GetPixelSize(), 1.0f / 150, 1e-6f);
-    // 86 pixels to the inch: a centimetre is 33.86 pixels.
-    EXPECT_NEAR(app.GetSettings().GetScreenCM(), 86.0f / 2.54f / 150, 1e-5f);
-    EXPECT_NEAR(app.GetSettings().GetDefaultJointSize(), app.GetSettings().GetScreenCM() * 0.66667f, 1e-6f);
-    EXPECT_NEAR(app.GetSettings().GetMinimumPointDist(), app.GetSettings().GetScreenCM() * 0.2f, 1e-6f);
-    EXPECT_NEAR(app.GetSettings().GetMaximumPointDist(), app.GetSettings().GetScreenCM() * 0.5f, 1e-6f);
-    EXPECT_NEAR(app.GetSettings().GetObjectBorderWidth(), app.GetSettings().GetScreenCM() * 0.1f, 1e-6f);
-
-    camera.SetZoom(1.5f);
-    app.GetSettings().m_DPI = 172.0f;
-    EXPECT_NEAR(app.GetSettings().GetScreenCM(), 172.0f / 2.54f / 1.5f, 1e-3f);
-    app.GetSettings().m_DPI = 86.0f;
-    camera.Reset();
-}
-
 TEST(App, TheViewIsTheWindowCentredOnThePan)
 {
     app::App& app = TheApp();

@@ -65,6 +65,7 @@ protected:
         app.GetSettings().m_waterColor = math::Vec4(0.1f, 0.1f, 1.0f, 1.0f);
         physics::Simulation::GetInstancePtr()->m_running = false;
     }
+    void TearDown() override { physics::Simulation::GetInstancePtr()->EraseWater(); }
 
     static core::Subsystem& System() { return *core::Subsystem::GetInstancePtr(); }
     static app::Camera& Camera() { return app::App::GetInstancePtr()->GetCamera(); }
@@ -86,6 +87,23 @@ protected:
         return math::TVector4<int>(rgba[0], rgba[1], rgba[2], rgba[3]);
     }
 
+    static void OpenWindow(int width, int height)
+    {
+        core::WindowParams params;
+        params.width = width;
+        params.height = height;
+        System().CreateWindow(params);
+    }
+
+    // A block of still water in a view of 100 pixels a metre around the origin.
+    static void ShowWater(const math::Vec2& min, const math::Vec2& max)
+    {
+        physics::Simulation::GetInstancePtr()->EraseWater();
+        FillWater(min, max);
+        Camera().Reset();
+        Camera().SetZoom(100);
+    }
+
     static void FillWater(const math::Vec2& min, const math::Vec2& max)
     {
         const float step = 0.05f;
@@ -99,14 +117,8 @@ protected:
 
 TEST_F(FrameTest, TheWindowShowsTheSkyAndTheWaterWhereTheCameraPutsIt)
 {
-    core::WindowParams params;
-    params.width = 320;
-    params.height = 240;
-    System().CreateWindow(params);
-    physics::Simulation::GetInstancePtr()->EraseWater();
-    FillWater(math::Vec2(1.2f, 0.2f), math::Vec2(1.8f, 0.8f));
-    Camera().Reset();
-    Camera().SetZoom(100);
+    OpenWindow(320, 240);
+    ShowWater(math::Vec2(1.2f, 0.2f), math::Vec2(1.8f, 0.8f));
     Camera().SetPan(math::Vec2(1, 0.5f));
 
     DrawWorld();
@@ -120,19 +132,12 @@ TEST_F(FrameTest, TheWindowShowsTheSkyAndTheWaterWhereTheCameraPutsIt)
 
     // The whole frame with its swap and check of GL errors.
     EXPECT_NO_THROW(System().Draw());
-    physics::Simulation::GetInstancePtr()->EraseWater();
 }
 
 TEST_F(FrameTest, AResizeMakesTheWindowAndItsResourcesAgainAndTheWorldFillsIt)
 {
-    core::WindowParams params;
-    params.width = 320;
-    params.height = 240;
-    System().CreateWindow(params);
-    physics::Simulation::GetInstancePtr()->EraseWater();
-    FillWater(math::Vec2(-0.3f, -0.3f), math::Vec2(0.3f, 0.3f));
-    Camera().Reset();
-    Camera().SetZoom(100);
+    OpenWindow(320, 240);
+    ShowWater(math::Vec2(-0.3f, -0.3f), math::Vec2(0.3f, 0.3f));
     DrawWorld();
     ASSERT_TRUE(Near(PixelAtWorld(math::Vec2(0, 0)), OPAQUE_WATER));
     const size_t vram = core::ResourceManager::GetInstancePtr()->CalcVRamUsage();
@@ -154,7 +159,6 @@ TEST_F(FrameTest, AResizeMakesTheWindowAndItsResourcesAgainAndTheWorldFillsIt)
     EXPECT_TRUE(Near(PixelAtWorld(math::Vec2(-0.6f, 0)), SKY));
     // The same resources live again in the new context.
     EXPECT_EQ(core::ResourceManager::GetInstancePtr()->CalcVRamUsage(), vram);
-    physics::Simulation::GetInstancePtr()->EraseWater();
 }
 
 TEST_F(FrameTest, ScriptsSetTheRequestedWindowAndRecreateIt)
@@ -176,10 +180,7 @@ TEST_F(FrameTest, ScriptsSetTheRequestedWindowAndRecreateIt)
 
 TEST_F(FrameTest, ScreenshotsAreNumberedFilesOfTheWindow)
 {
-    core::WindowParams params;
-    params.width = 64;
-    params.height = 32;
-    System().CreateWindow(params);
+    OpenWindow(64, 32);
     DrawWorld();
     const std::string dir = util::FileSystem::GetInstancePtr()->WorkDir() + "screenshots/";
     const size_t before = util::FileSystem::FilesInDir(dir, "qlex_*.tga").size();
@@ -197,14 +198,8 @@ TEST_F(FrameTest, ScreenshotsAreNumberedFilesOfTheWindow)
 
 TEST_F(FrameTest, UnloadedResourcesComeBackAtTheirNextUse)
 {
-    core::WindowParams params;
-    params.width = 320;
-    params.height = 240;
-    System().CreateWindow(params);
-    physics::Simulation::GetInstancePtr()->EraseWater();
-    FillWater(math::Vec2(-0.3f, -0.3f), math::Vec2(0.3f, 0.3f));
-    Camera().Reset();
-    Camera().SetZoom(100);
+    OpenWindow(320, 240);
+    ShowWater(math::Vec2(-0.3f, -0.3f), math::Vec2(0.3f, 0.3f));
     DrawWorld();
     const size_t vram = core::ResourceManager::GetInstancePtr()->CalcVRamUsage();
 
@@ -217,7 +212,6 @@ TEST_F(FrameTest, UnloadedResourcesComeBackAtTheirNextUse)
     const size_t used = core::ResourceManager::GetInstancePtr()->CalcVRamUsage();
     EXPECT_GT(used, 0u);
     EXPECT_LT(used, vram);
-    physics::Simulation::GetInstancePtr()->EraseWater();
 }
 
 // Last: the quit flag stays set for the rest of the run.

@@ -35,8 +35,6 @@ using program_window::WaitFor;
 using program_window::WindowTitled;
 namespace fs = std::filesystem;
 
-// Generous: software GL on a loaded machine of two cores can take seconds to open a window.
-
 std::string ReadFile(const fs::path& path)
 {
     std::ifstream file(path);

@@ -1,7 +1,5 @@
 #include "core/Subsystem.h"
 
-#include "input/Input.h"
-
 #include "logging/Log.h"
 #include "platform/Os.h"
 #include "util/FileSystem.h"
@@ -91,49 +89,6 @@ TEST_F(SubsystemTest, CreateWindow_ClampsTheSizeAndRecordsIt)
     glGetIntegerv(GL_VIEWPORT, viewport);
     EXPECT_EQ(viewport[2], System().GetWidth());
     EXPECT_EQ(viewport[3], 1);
-}
-
-TEST_F(SubsystemTest, VSyncAlwaysReadsFalse)
-{
-    core::WindowParams params;
-    params.width = 320;
-    params.height = 240;
-    params.vSync = true;
-    System().CreateWindow(params);
-    System().SetVSync(true);
-    EXPECT_FALSE(System().GetVSync());
-    EXPECT_FALSE(System().GetCurrentParams().vSync);
-}
-
-TEST_F(SubsystemTest, ResizeEvent_RecreatesTheWindowAtTheNewSize)
-{
-    core::WindowParams params;
-    params.width = 320;
-    params.height = 240;
-    params.antiAlias = 1;
-    System().CreateWindow(params);
-
-    SDL_Event resize{};
-    resize.type = SDL_VIDEORESIZE;
-    resize.resize.w = 640;
-    resize.resize.h = 480;
-    ASSERT_EQ(SDL_PushEvent(&resize), 0);
-    input::Input::GetInstancePtr()->PumpEvents();
-
-    EXPECT_EQ(System().GetWidth(), 640);
-    EXPECT_EQ(System().GetHeight(), 480);
-    EXPECT_EQ(System().GetCurrentParams().width, 640);
-    EXPECT_FALSE(System().IsQuitRequested());
-}
-
-TEST_F(SubsystemTest, ApplyParserConfig_MakesTheRequestedWindow)
-{
-    System().GetRequestedParams().width = 400;
-    System().GetRequestedParams().height = 300;
-    EXPECT_NE(System().GetWidth(), 400);
-    System().ApplyParserConfig();
-    EXPECT_EQ(System().GetWidth(), 400);
-    EXPECT_EQ(System().GetHeight(), 300);
 }
 
 // Last of the suite: the quit flag stays set for the rest of the run.

@@ -156,29 +156,6 @@ TEST(Component, ForwardEventToleratesChildrenRemovedOnTheWay)
     EXPECT_EQ(visited, std::vector<Component*>({c.get()}));
 }
 
-class GuiFixture : public ::testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        m_gui = GUI::GetInstancePtr();
-        m_gui->SetScale(1.0f);
-        m_gui->OnNewWindowSize(400, 300);
-        m_main = m_gui->GetMainComponent();
-    }
-    void TearDown() override
-    {
-        m_main->RemoveAllComponents();
-        m_gui->SetScale(1.0f);
-        MoveMouseTo(0, 0);
-        m_gui->Update(0.0f);
-    }
-
-    ManualClock m_clock;
-    GUI* m_gui = nullptr;
-    util::SharedPtr<Component> m_main;
-};
-
 TEST_F(GuiFixture, ScaleDividesPixelsIntoGUIUnits)
 {
     m_gui->SetScale(2.0f);

@@ -39,17 +39,6 @@ util::SharedPtr<script::TAttrib<bool>> BoolSetting(bool value, bool defaultValue
     return attrib;
 }
 
-void Button(Uint8 button, bool down, int x, int y)
-{
-    SDL_Event e = {};
-    e.type = down ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
-    e.button.type = e.type;
-    e.button.button = button;
-    e.button.x = static_cast<Uint16>(x);
-    e.button.y = static_cast<Uint16>(y);
-    input::Input::GetInstancePtr()->HandleEvent(e);
-}
-
 struct Counts : util::Pointee
 {
     void Begin() { ++begins; }
@@ -67,16 +56,9 @@ public:
     std::string Get(const std::string& key) const override { return "<" + key + ">"; }
 };
 
-class ControlsTest : public ::testing::Test
+class ControlsTest : public GuiFixture
 {
 protected:
-    void SetUp() override
-    {
-        m_gui = GUI::GetInstancePtr();
-        m_gui->SetScale(1.0f);
-        m_gui->OnNewWindowSize(400, 300);
-        m_main = m_gui->GetMainComponent();
-    }
     void TearDown() override
     {
         m_main->RemoveAllComponents();
@@ -93,18 +75,18 @@ protected:
     void Click(Uint8 button, int x, int y)
     {
         MoveMouseTo(x, y);
-        Button(button, true, x, y);
-        Button(button, false, x, y);
+        MouseButton(button, true, x, y);
+        MouseButton(button, false, x, y);
         Settle();
     }
     void Drag(int x0, int x1, int y)
     {
         MoveMouseTo(x0, y);
-        Button(SDL_BUTTON_LEFT, true, x0, y);
+        MouseButton(SDL_BUTTON_LEFT, true, x0, y);
         for (int x = x0; x != x1; x += x1 > x0 ? 1 : -1)
             MoveMouseTo(x, y);
         MoveMouseTo(x1, y);
-        Button(SDL_BUTTON_LEFT, false, x1, y);
+        MouseButton(SDL_BUTTON_LEFT, false, x1, y);
         Settle();
     }
     // A slider at the top left of the screen: its local coordinates are those of the screen.
@@ -113,10 +95,6 @@ protected:
         m_main->AddComponent(slider);
         return slider;
     }
-
-    ManualClock m_clock;
-    GUI* m_gui = nullptr;
-    util::SharedPtr<Component> m_main;
 };
 
 TEST_F(ControlsTest, LinearSliderMapsValueToPositionAndBack)

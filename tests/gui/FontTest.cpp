@@ -1,6 +1,7 @@
 // Fonts without a window: widths files, the loaders and their stand-in, the fonts the build renders, and
 // the character boxes of laid-out text.
 #include "GuiTestSupport.h"
+#include "logging/LogCapture.h"
 
 #include "gui/Font.h"
 #include "gui/FontFormater.h"
@@ -26,30 +27,6 @@ namespace fs = std::filesystem;
 
 // Pixels of the test fonts' pictures: a width of 32 pixels is one font unit.
 const int TEXTURE_WIDTH = 512;
-
-// Collects the log's messages for the length of a test.
-class LogCapture
-{
-public:
-    LogCapture()
-        : m_logger(QLEX_NEW new logging::FunctionLogger(0xFFFF, [this](const std::string& line)
-                                                        { lines.push_back(line); }))
-    {
-        logging::Logger::GetInstancePtr()->AddLogger(m_logger);
-    }
-    ~LogCapture() { logging::Logger::GetInstancePtr()->RemoveLogger(m_logger); }
-    bool Has(const std::string& part) const
-    {
-        for (const std::string& line : lines)
-            if (line.find(part) != std::string::npos)
-                return true;
-        return false;
-    }
-    std::vector<std::string> lines;
-
-private:
-    util::SharedPtr<logging::ILogger> m_logger;
-};
 
 class FontFiles : public ::testing::Test
 {
@@ -140,7 +117,7 @@ TEST_F(FontFiles, WidthsFileOfTwoOrOneBytesAnEntryGivesPixelWidthsInFontUnits)
 
 TEST_F(FontFiles, BadWidthsFilesAreToldInTheLogAndLeaveAFixedWidthFont)
 {
-    LogCapture log;
+    logtest::LogCapture log(0xFFFF);
     Font font(rendering::TextureProxy(), TEXTURE_WIDTH);
     font.LoadWidths(Write("good.dat", std::vector<unsigned char>(256, 16)));
     ASSERT_FLOAT_EQ(font.GetWidth('x'), 0.5f);
@@ -162,7 +139,7 @@ TEST_F(FontFiles, BadWidthsFilesAreToldInTheLogAndLeaveAFixedWidthFont)
 
 TEST_F(FontFiles, AFontThatCannotBeReadIsRefusedAndTheBuiltInFontStandsIn)
 {
-    LogCapture log;
+    logtest::LogCapture log(0xFFFF);
     const std::string widths = Write("w.dat", std::vector<unsigned char>(256, 8));
     const std::string good = WritePicture("good.raw", 128);
     // A RAW picture's side follows from its length, which must make a square of 16 x 16 cells.

@@ -1,4 +1,5 @@
 #include "GuiTestSupport.h"
+#include "logging/LogCapture.h"
 
 #include "logging/Log.h"
 #include "script/Parser.h"
@@ -19,17 +20,6 @@ void ExpectVec(const math::Vec2& actual, float x, float y)
     EXPECT_NEAR(actual.y, y, 1e-4f);
 }
 
-void MouseButton(bool down, int x, int y)
-{
-    SDL_Event e = {};
-    e.type = down ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
-    e.button.type = e.type;
-    e.button.button = SDL_BUTTON_LEFT;
-    e.button.x = static_cast<Uint16>(x);
-    e.button.y = static_cast<Uint16>(y);
-    input::Input::GetInstancePtr()->HandleEvent(e);
-}
-
 // The GUI as scripts see it, as the shell sets it up: "GUI" in the script root.
 class GuiScript : public ::testing::Test
 {
@@ -39,13 +29,9 @@ protected:
         m_gui = GUI::GetInstancePtr();
         m_gui->GetReflected()->AddToRoot();
         m_gui->OnNewWindowSize(400, 300);
-        m_logger = QLEX_NEW new logging::FunctionLogger(logging::Error, [this](const std::string& text)
-                                                        { m_errors.push_back(text); });
-        logging::Logger::GetInstancePtr()->AddLogger(m_logger);
     }
     void TearDown() override
     {
-        logging::Logger::GetInstancePtr()->RemoveLogger(m_logger);
         Run("GUI.scale = 1.0");
         Run("GUI.clickTolerance = 3.5");
         Run("GUI.font = \"arial_black\"");
@@ -60,17 +46,8 @@ protected:
         return script::Parser::GetInstancePtr()->ExecuteToString(text);
     }
 
-    bool LoggedError(const std::string& part) const
-    {
-        for (const std::string& line : m_errors)
-            if (line.find(part) != std::string::npos)
-                return true;
-        return false;
-    }
-
     GUI* m_gui = nullptr;
-    std::vector<std::string> m_errors;
-    util::SharedPtr<logging::ILogger> m_logger;
+    logtest::LogCapture m_errors{logging::Error};
 };
 
 TEST_F(GuiScript, ScaleSetByScriptResizesTheTreeAtOnce)
@@ -88,28 +65,24 @@ TEST_F(GuiScript, ScaleSetByScriptResizesTheTreeAtOnce)
 
     // A value of the wrong type is refused; the last good one stays.
     Run("GUI.scale = \"big\"");
-    EXPECT_TRUE(LoggedError("scale was bound to bad type"));
+    EXPECT_TRUE(m_errors.Has("scale was bound to bad type"));
     EXPECT_EQ(Run("GUI.scale"), "0.5");
     ExpectVec(m_gui->GetRootComponent()->GetInnerSize(), 800, 600);
 }
 
 TEST_F(GuiScript, AScaleThatIsNoPositiveNumberIsWarnedOfAndTheInterfaceStaysFinite)
 {
-    std::vector<std::string> warnings;
-    util::SharedPtr<logging::ILogger> sink = QLEX_NEW new logging::FunctionLogger(
-        logging::Warning, [&warnings](const std::string& text) { warnings.push_back(text); });
-    logging::Logger::GetInstancePtr()->AddLogger(sink);
+    logtest::LogCapture warnings(logging::Warning);
     for (const char* bad : {"0", "-2"})
     {
-        warnings.clear();
+        warnings.lines.clear();
         Run(std::string("GUI.scale = ") + bad);
         logging::Logger::GetInstancePtr()->Update();
-        ASSERT_EQ(warnings.size(), 1u) << bad;
-        EXPECT_NE(warnings.front().find("GUI.scale must be a number above 0"), std::string::npos);
+        ASSERT_EQ(warnings.lines.size(), 1u) << bad;
+        EXPECT_TRUE(warnings.Has("GUI.scale must be a number above 0"));
         ExpectVec(m_gui->GetRootComponent()->GetInnerSize(), 400, 300);
         ExpectVec(m_gui->PosFromPixel(100, 50), 100, 50);
     }
-    logging::Logger::GetInstancePtr()->RemoveLogger(sink);
     Run("GUI.scale = 2");
     ExpectVec(m_gui->GetRootComponent()->GetInnerSize(), 200, 150);
 }
@@ -125,9 +98,9 @@ TEST_F(GuiScript, ClickToleranceSetByScriptDecidesBetweenClickAndDrag)
     auto pressMoveRelease = [&]
     {
         MoveMouseTo(20, 20);
-        MouseButton(true, 20, 20);
+        MouseButton(SDL_BUTTON_LEFT, true, 20, 20);
         MoveMouseTo(26, 20);
-        MouseButton(false, 26, 20);
+        MouseButton(SDL_BUTTON_LEFT, false, 26, 20);
     };
     pressMoveRelease();
     EXPECT_TRUE(target->clicks.empty());
@@ -153,7 +126,7 @@ TEST_F(GuiScript, FontChangeRunsTheFontCallbacksOncePerNewName)
     EXPECT_EQ(reloads, 2);
     EXPECT_EQ(Run("GUI.font"), "arial_black");
     Run("GUI.font = 3");
-    EXPECT_TRUE(LoggedError("font was bound to bad type"));
+    EXPECT_TRUE(m_errors.Has("font was bound to bad type"));
     EXPECT_EQ(reloads, 2);
 }
 

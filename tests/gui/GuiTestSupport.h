@@ -6,6 +6,8 @@
 #include "input/Clock.h"
 #include "input/Input.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
@@ -68,18 +70,46 @@ inline void MoveMouseTo(int x, int y)
     input::Input::GetInstancePtr()->HandleEvent(e);
 }
 
+inline void MouseButton(Uint8 button, bool down, int x, int y)
+{
+    SDL_Event e = {};
+    e.type = down ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
+    e.button.type = e.type;
+    e.button.button = button;
+    e.button.x = static_cast<Uint16>(x);
+    e.button.y = static_cast<Uint16>(y);
+    input::Input::GetInstancePtr()->HandleEvent(e);
+}
+
 inline void ClickAt(int x, int y)
 {
-    for (bool down : {true, false})
-    {
-        SDL_Event e = {};
-        e.type = down ? SDL_MOUSEBUTTONDOWN : SDL_MOUSEBUTTONUP;
-        e.button.type = e.type;
-        e.button.button = SDL_BUTTON_LEFT;
-        e.button.x = static_cast<Uint16>(x);
-        e.button.y = static_cast<Uint16>(y);
-        input::Input::GetInstancePtr()->HandleEvent(e);
-    }
+    MouseButton(SDL_BUTTON_LEFT, true, x, y);
+    MouseButton(SDL_BUTTON_LEFT, false, x, y);
 }
+
+// The interface at scale 1 in a window of 400 by 300, with a clock of the test's; what a test adds to the
+// main component goes again afterwards.
+class GuiFixture : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        m_gui = GUI::GetInstancePtr();
+        m_gui->SetScale(1.0f);
+        m_gui->OnNewWindowSize(400, 300);
+        m_main = m_gui->GetMainComponent();
+    }
+    void TearDown() override
+    {
+        m_main->RemoveAllComponents();
+        m_gui->SetScale(1.0f);
+        MoveMouseTo(0, 0);
+        m_gui->Update(0.0f);
+    }
+
+    ManualClock m_clock;
+    GUI* m_gui = nullptr;
+    util::SharedPtr<Component> m_main;
+};
 
 } // namespace gui::test

@@ -253,22 +253,15 @@ TEST(Text, ReturnWithOneLineRunsTheCallbacksAndAddsNoLine)
     EXPECT_EQ(text->GetText(), "fields");
 }
 
-class TextBoxTest : public ::testing::Test
+class TextBoxTest : public GuiFixture
 {
 protected:
     void SetUp() override
     {
-        m_gui = GUI::GetInstancePtr();
-        m_gui->SetScale(1.0f);
-        m_gui->OnNewWindowSize(400, 300);
+        GuiFixture::SetUp();
         m_box = MakeBox("hello world");
         m_box->SetOuterPos(math::Vec2(10.0f, 10.0f));
         m_gui->GetMainComponent()->AddComponent(m_box);
-    }
-    void TearDown() override
-    {
-        m_gui->GetMainComponent()->RemoveAllComponents();
-        MoveMouseTo(0, 0);
     }
     static util::SharedPtr<TextBox> MakeBox(const std::string& content)
     {
@@ -297,8 +290,6 @@ protected:
     }
     const Text& TextOf(const util::SharedPtr<TextBox>& box) const { return *box->GetTextEditor(); }
 
-    ManualClock m_clock;
-    GUI* m_gui = nullptr;
     util::SharedPtr<TextBox> m_box;
 };
 

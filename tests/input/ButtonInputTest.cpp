@@ -5,6 +5,7 @@
 #include "input/InputDelegator.h"
 #include "input/KeyState.h"
 #include "logging/Log.h"
+#include "logging/LogCapture.h"
 
 #include <gtest/gtest.h>
 
@@ -27,30 +28,6 @@ ButtonInput Read(const std::string& text)
     button.Deserialize(text);
     return button;
 }
-
-// The errors logged while it stands.
-struct ErrorLog
-{
-    ErrorLog()
-        : m_sink(QLEX_NEW new logging::FunctionLogger(logging::Error,
-                                                      [this](const std::string& t) { lines.push_back(t); }))
-    {
-        // Two frames clear the logger's memory, which would hold back a repeat of the same text.
-        logging::Logger::GetInstancePtr()->Update();
-        logging::Logger::GetInstancePtr()->Update();
-        logging::Logger::GetInstancePtr()->AddLogger(m_sink);
-    }
-    ~ErrorLog() { logging::Logger::GetInstancePtr()->RemoveLogger(m_sink); }
-    bool Has(const std::string& part) const
-    {
-        for (const std::string& line : lines)
-            if (line.find(part) != std::string::npos)
-                return true;
-        return false;
-    }
-    std::vector<std::string> lines;
-    util::SharedPtr<logging::ILogger> m_sink;
-};
 
 // A keyboard held by the test, a host that delivers key events to the relays, and a counter of presses.
 class ComboTest : public testing::Test
@@ -125,7 +102,7 @@ TEST(ButtonInput, EqualityAndHashIgnoreOrderAndState)
 
 TEST(ButtonInput, BadTextsLogTheNameAndKeepTheKeysTheyCouldRead)
 {
-    ErrorLog log;
+    logtest::LogCapture log(logging::Error);
     ButtonInput button = Read("left_ctrl nokey a");
     EXPECT_TRUE(log.Has("Unknown name of key \"nokey\"")) << testing::PrintToString(log.lines);
     EXPECT_EQ(button.Serialize(), "left_ctrl a");
@@ -261,7 +238,7 @@ TEST_F(ComboTest, KeyDirectionsAreNormalisedAndReadBack)
     Key(274, true); // down cancels up
     EXPECT_EQ(dir->GetDir(), math::Vec2(1, 0));
 
-    ErrorLog log;
+    logtest::LogCapture log(logging::Error);
     // A name that is no key leaves key 0 in its place: that direction is dead, the others still steer.
     const input::DirInputPtr partial = input::DirInput::Deserialize("keys up right down nokey");
     ASSERT_TRUE(partial);

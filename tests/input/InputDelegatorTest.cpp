@@ -17,31 +17,17 @@ ClickEvent Click()
     return ClickEvent(math::Vec2(1.0f, 2.0f), static_cast<SDLKey>(324), 1);
 }
 
-std::vector<std::string> Receivers(const std::vector<util::SharedPtr<Recorder>>& recorders)
-{
-    std::vector<std::string> lines;
-    for (const auto& r : recorders)
-        for (const auto& line : r->log)
-            lines.push_back(line);
-    return lines;
-}
-
-// Logs the order of calls across listeners.
-struct Order
-{
-    std::vector<std::string> calls;
-};
-
+// Writes its name into a list shared by all listeners, so that the list shows the order of delivery.
 class Named : public InputListener
 {
 public:
-    Named(int priority, std::string name, Order& order)
-        : InputListener(priority), m_name(std::move(name)), m_order(order)
+    Named(int priority, std::string name, Lines& calls)
+        : InputListener(priority), m_name(std::move(name)), m_calls(calls)
     {
     }
     void OnClick(const ClickEvent&) override
     {
-        m_order.calls.push_back(m_name);
+        m_calls.push_back(m_name);
         if (onClick)
             onClick();
     }
@@ -49,60 +35,66 @@ public:
 
 private:
     std::string m_name;
-    Order& m_order;
+    Lines& m_calls;
+};
+
+class InputDelegatorTest : public ::testing::Test
+{
+protected:
+    util::SharedPtr<Named> Make(int priority, const std::string& name)
+    {
+        return QLEX_NEW new Named(priority, name, calls);
+    }
+    util::SharedPtr<Named> Add(int priority, const std::string& name)
+    {
+        util::SharedPtr<Named> listener = Make(priority, name);
+        delegator->AddListener(listener);
+        return listener;
+    }
+    // One click through the delegator; the names in the order they heard it.
+    Lines Deliver()
+    {
+        calls.clear();
+        delegator->OnClick(Click());
+        return calls;
+    }
+
+    Lines calls;
+    util::SharedPtr<InputDelegator> delegator = QLEX_NEW new InputDelegator(50);
 };
 
 } // namespace
 
-TEST(InputDelegator, DeliversByPriorityAndAmongEqualsTheLastAddedFirst)
+TEST_F(InputDelegatorTest, DeliversByPriorityAndAmongEqualsTheLastAddedFirst)
 {
-    Order order;
-    auto delegator = QLEX_NEW new InputDelegator(50);
-    auto a = QLEX_NEW new Named(50, "a", order);
-    auto b = QLEX_NEW new Named(50, "b", order);
-    auto high = QLEX_NEW new Named(100, "high", order);
-    auto low = QLEX_NEW new Named(10, "low", order);
-    delegator->AddListener(a);
-    delegator->AddListener(low);
-    delegator->AddListener(high);
-    delegator->AddListener(b);
-    delegator->OnClick(Click());
-    EXPECT_EQ(order.calls, Lines({"high", "b", "a", "low"}));
+    // The delegator holds its listeners weakly: the test keeps them.
+    auto a = Add(50, "a");
+    auto low = Add(10, "low");
+    auto high = Add(100, "high");
+    auto b = Add(50, "b");
+    EXPECT_EQ(Deliver(), Lines({"high", "b", "a", "low"}));
 
     // Adding again moves a listener to the front of its priority.
     delegator->AddListener(a);
-    order.calls.clear();
-    delegator->OnClick(Click());
-    EXPECT_EQ(order.calls, Lines({"high", "a", "b", "low"}));
+    EXPECT_EQ(Deliver(), Lines({"high", "a", "b", "low"}));
 }
 
-TEST(InputDelegator, PriorityChange_ReordersDelivery)
+TEST_F(InputDelegatorTest, PriorityChange_ReordersDelivery)
 {
-    Order order;
-    auto delegator = QLEX_NEW new InputDelegator(50);
-    auto a = QLEX_NEW new Named(50, "a", order);
-    auto b = QLEX_NEW new Named(40, "b", order);
-    auto c = QLEX_NEW new Named(30, "c", order);
-    for (auto& l : {a, b, c})
-        delegator->AddListener(l);
+    auto a = Add(50, "a");
+    auto b = Add(40, "b");
+    auto c = Add(30, "c");
     c->SetPriority(60);
-    delegator->OnClick(Click());
-    EXPECT_EQ(order.calls, Lines({"c", "a", "b"}));
+    EXPECT_EQ(Deliver(), Lines({"c", "a", "b"}));
     c->SetPriority(0);
-    order.calls.clear();
-    delegator->OnClick(Click());
-    EXPECT_EQ(order.calls, Lines({"a", "b", "c"}));
+    EXPECT_EQ(Deliver(), Lines({"a", "b", "c"}));
 }
 
-TEST(InputDelegator, PriorityChangesDuringDelivery_TakeEffectAfterIt)
+TEST_F(InputDelegatorTest, PriorityChangesDuringDelivery_TakeEffectAfterIt)
 {
-    Order order;
-    auto delegator = QLEX_NEW new InputDelegator(50);
-    auto a = QLEX_NEW new Named(50, "a", order);
-    auto b = QLEX_NEW new Named(40, "b", order);
-    auto c = QLEX_NEW new Named(30, "c", order);
-    for (auto& l : {a, b, c})
-        delegator->AddListener(l);
+    auto a = Add(50, "a");
+    auto b = Add(40, "b");
+    auto c = Add(30, "c");
     bool changed = false;
     a->onClick = [&]
     {
@@ -112,41 +104,28 @@ TEST(InputDelegator, PriorityChangesDuringDelivery_TakeEffectAfterIt)
         b->SetPriority(10);
         c->SetPriority(90);
     };
-    delegator->OnClick(Click());
-    EXPECT_EQ(order.calls, Lines({"a", "b", "c"}));
-    order.calls.clear();
-    delegator->OnClick(Click());
-    EXPECT_EQ(order.calls, Lines({"c", "a", "b"}));
+    EXPECT_EQ(Deliver(), Lines({"a", "b", "c"}));
+    EXPECT_EQ(Deliver(), Lines({"c", "a", "b"}));
 }
 
-TEST(InputDelegator, ListenerRemovedInsideItsOwnHandler_StillGetsThisEventOnceAndNoMore)
+TEST_F(InputDelegatorTest, ListenerRemovedInsideItsOwnHandler_StillGetsThisEventOnceAndNoMore)
 {
-    Order order;
-    auto delegator = QLEX_NEW new InputDelegator(50);
-    auto stay = QLEX_NEW new Named(50, "stay", order);
-    auto leave = QLEX_NEW new Named(50, "leave", order);
-    delegator->AddListener(stay);
-    delegator->AddListener(leave);
+    auto stay = Add(50, "stay");
+    auto leave = Add(50, "leave");
     leave->onClick = [&]
     {
         delegator->RemoveListener(leave);
         EXPECT_EQ(delegator->GetListenerCount(), 2u); // not yet: the delivery is running
     };
-    delegator->OnClick(Click());
-    EXPECT_EQ(order.calls, Lines({"leave", "stay"}));
+    EXPECT_EQ(Deliver(), Lines({"leave", "stay"}));
     EXPECT_EQ(delegator->GetListenerCount(), 1u);
-    order.calls.clear();
-    delegator->OnClick(Click());
-    EXPECT_EQ(order.calls, Lines({"stay"}));
+    EXPECT_EQ(Deliver(), Lines({"stay"}));
 }
 
-TEST(InputDelegator, ListenerAddedDuringDelivery_ReceivesFromTheNextEventOn)
+TEST_F(InputDelegatorTest, ListenerAddedDuringDelivery_ReceivesFromTheNextEventOn)
 {
-    Order order;
-    auto delegator = QLEX_NEW new InputDelegator(50);
-    auto first = QLEX_NEW new Named(50, "first", order);
-    auto added = QLEX_NEW new Named(90, "added", order);
-    delegator->AddListener(first);
+    auto first = Add(50, "first");
+    auto added = Make(90, "added");
     bool nested = false;
     first->onClick = [&]
     {
@@ -157,70 +136,50 @@ TEST(InputDelegator, ListenerAddedDuringDelivery_ReceivesFromTheNextEventOn)
         // A nested delivery through the same delegator still does not see it.
         delegator->OnClick(Click());
     };
-    delegator->OnClick(Click());
-    EXPECT_EQ(order.calls, Lines({"first", "first"}));
-    order.calls.clear();
-    delegator->OnClick(Click());
-    EXPECT_EQ(order.calls, Lines({"added", "first"}));
+    EXPECT_EQ(Deliver(), Lines({"first", "first"}));
+    EXPECT_EQ(Deliver(), Lines({"added", "first"}));
 }
 
-TEST(InputDelegator, DeadListener_IsDroppedAtTheNextDelivery)
+TEST_F(InputDelegatorTest, DeadListener_IsDroppedAtTheNextDelivery)
 {
-    Order order;
-    auto delegator = QLEX_NEW new InputDelegator(50);
-    auto stay = QLEX_NEW new Named(50, "stay", order);
-    delegator->AddListener(stay);
-    {
-        auto gone = QLEX_NEW new Named(60, "gone", order);
-        delegator->AddListener(gone);
-    }
+    auto stay = Add(50, "stay");
+    Add(60, "gone"); // nobody holds it
     EXPECT_EQ(delegator->GetListenerCount(), 2u);
-    delegator->OnClick(Click());
-    EXPECT_EQ(order.calls, Lines({"stay"}));
+    EXPECT_EQ(Deliver(), Lines({"stay"}));
     EXPECT_EQ(delegator->GetListenerCount(), 1u);
 }
 
-TEST(InputDelegator, ListenerThatDiesInsideItsHandler_FinishesItsCall)
+TEST_F(InputDelegatorTest, ListenerThatDiesInsideItsHandler_FinishesItsCall)
 {
-    Order order;
-    auto delegator = QLEX_NEW new InputDelegator(50);
-    util::SharedPtr<Named> doomed = QLEX_NEW new Named(50, "doomed", order);
-    delegator->AddListener(doomed);
+    util::SharedPtr<Named> doomed = Add(50, "doomed");
     doomed->onClick = [&] { doomed.Reset(); }; // the delivery's lock keeps it alive until the call returns
-    delegator->OnClick(Click());
+    EXPECT_EQ(Deliver(), Lines({"doomed"}));
     EXPECT_FALSE(doomed);
-    delegator->OnClick(Click());
-    EXPECT_EQ(order.calls, Lines({"doomed"}));
+    EXPECT_EQ(Deliver(), Lines());
     EXPECT_EQ(delegator->GetListenerCount(), 0u);
 }
 
-TEST(InputDelegator, ExceptionFromAListener_ReachesTheCallerAndKeepsPendingChanges)
+TEST_F(InputDelegatorTest, ExceptionFromAListener_ReachesTheCallerAndKeepsPendingChanges)
 {
-    Order order;
-    auto delegator = QLEX_NEW new InputDelegator(50);
-    auto thrower = QLEX_NEW new Named(50, "thrower", order);
-    auto late = QLEX_NEW new Named(10, "late", order);
-    delegator->AddListener(thrower);
+    auto thrower = Add(50, "thrower");
+    auto late = Make(10, "late");
     thrower->onClick = [&]
     {
         delegator->AddListener(late);
         throw std::runtime_error("listener failed");
     };
-    EXPECT_THROW(delegator->OnClick(Click()), std::runtime_error);
+    EXPECT_THROW(Deliver(), std::runtime_error);
     EXPECT_FALSE(delegator->IsDelivering());
     EXPECT_EQ(delegator->GetListenerCount(), 1u);
 
     thrower->onClick = nullptr;
-    delegator->OnClick(Click());
+    Deliver();
     EXPECT_EQ(delegator->GetListenerCount(), 2u); // carried out after the next delivery
-    order.calls.clear();
-    delegator->OnClick(Click());
-    EXPECT_EQ(order.calls, Lines({"thrower", "late"}));
+    EXPECT_EQ(Deliver(), Lines({"thrower", "late"}));
 }
 
-TEST(InputDelegator, HandledEvent_StillReachesEveryListener)
+TEST_F(InputDelegatorTest, HandledEvent_StillReachesEveryListener)
 {
-    auto delegator = QLEX_NEW new InputDelegator(50);
     auto first = QLEX_NEW new Recorder(60, "first ");
     auto second = QLEX_NEW new Recorder(50, "second ");
     first->onClick = [](const ClickEvent& e) { e.SetHandled(); };
@@ -229,6 +188,7 @@ TEST(InputDelegator, HandledEvent_StillReachesEveryListener)
     delegator->AddListener(first);
     delegator->AddListener(second);
     delegator->OnClick(Click());
-    EXPECT_EQ(Receivers({first, second}), Lines({"first click (1,2) x1", "second click (1,2) x1"}));
+    EXPECT_EQ(first->log, Lines({"first click (1,2) x1"}));
+    EXPECT_EQ(second->log, Lines({"second click (1,2) x1"}));
     EXPECT_TRUE(secondSawHandled);
 }

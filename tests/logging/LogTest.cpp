@@ -1,5 +1,6 @@
 #include "logging/Log.h"
 #include "logging/Exception.h"
+#include "logging/LogCapture.h"
 #include "util/FileSystem.h"
 
 #include <gtest/gtest.h>
@@ -13,23 +14,7 @@
 namespace
 {
 
-// The logger is a process-wide singleton; each test adds a capturing sink and removes it again.
-class LogCapture
-{
-public:
-    explicit LogCapture(unsigned mask)
-        : m_sink(QLEX_NEW new logging::FunctionLogger(mask,
-                                                      [this](const std::string& t) { lines.push_back(t); }))
-    {
-        logging::Logger::GetInstancePtr()->AddLogger(m_sink);
-    }
-    ~LogCapture() { logging::Logger::GetInstancePtr()->RemoveLogger(m_sink); }
-
-    std::vector<std::string> lines;
-
-private:
-    util::SharedPtr<logging::ILogger> m_sink;
-};
+using logtest::LogCapture;
 
 void NextFrame()
 {
@@ -40,8 +25,6 @@ void NextFrame()
 
 TEST(Logger, RepeatedWarningsShowOnceUntilAFrameWithoutThem)
 {
-    NextFrame();
-    NextFrame();
     LogCapture capture(31);
     for (int frame = 0; frame < 10; ++frame)
     {

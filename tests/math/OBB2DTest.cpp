@@ -119,16 +119,6 @@ TEST(OBB2D, ContainsDistanceAndCornersOfARotatedBox)
     EXPECT_NEAR(2 * 0.6f + 1 * 0.8f, box.ProjectedRadius(Vec2(1, 0)), 1e-6f);
 }
 
-TEST(OBB2D, LongAxisPrefersTheFirstOnATie)
-{
-    OBB2D box(Vec2(0, 0), Vec2(0, 1), 1, 1);
-    EXPECT_EQ(box.axis[0], box.GetLongAxis());
-    box.halfExtent[1] = 1.0001f;
-    EXPECT_EQ(box.axis[1], box.GetLongAxis());
-    box.halfExtent[0] = 3;
-    EXPECT_EQ(box.axis[0], box.GetLongAxis());
-}
-
 TEST(OBB2D, IntersectsUsesAllFourAxes)
 {
     const OBB2D a = OBB2D::FromCenterRad(Vec2(0, 0), 1);

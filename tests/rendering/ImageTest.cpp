@@ -243,38 +243,6 @@ TEST_F(ImageFiles, TwentyFourBitPictureHasNoAlphaAndIsOpaque)
     EXPECT_EQ(image(1, 1), pixels[3]);
 }
 
-TEST_F(ImageFiles, UnreadableFileThrowsWithThePathAndTryLoadGivesNull)
-{
-    const std::string path = Write("broken.png", {1, 2, 3, 4, 5});
-    ImageRGBA32 image;
-    try
-    {
-        image.LoadFile(path);
-        FAIL() << "no exception";
-    }
-    catch (Exception& e)
-    {
-        EXPECT_NE(std::string(e.what()).find("Could not load image file \"" + path + "\""),
-                  std::string::npos);
-    }
-    EXPECT_FALSE(rendering::TryLoad(path));
-}
-
-TEST(ImageManager, PathVariationsCoverTheNameWithAndWithoutExtensionAndFolder)
-{
-    const std::string dir = util::FileSystem::GetInstancePtr()->TextureDir();
-    const std::vector<std::string> v = rendering::ImageManager::GetPathVariations(dir + "a/b.png");
-    ASSERT_EQ(v.size(), 4u);
-    EXPECT_EQ(v[0], dir + "a/b");
-    EXPECT_EQ(v[1], dir + "a/b.png");
-    EXPECT_EQ(v[2], "a/b");
-    EXPECT_EQ(v[3], "a/b.png");
-
-    EXPECT_EQ(rendering::ImageManager::GetPathVariations("/else/x.tga").size(), 2u);
-    EXPECT_TRUE(rendering::ImageManager::GetPathVariations("x.p").empty());
-    EXPECT_TRUE(rendering::ImageManager::GetPathVariations("noext").empty());
-}
-
 TEST(ImageManager, OneDecodedImageAnswersEverySpellingOfItsName)
 {
     // The build stages our cloud pictures in the texture folder.

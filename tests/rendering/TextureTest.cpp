@@ -25,29 +25,6 @@ TEST(Texture, MadeBeforeTheWindowItIsAShellWithNameZero)
     EXPECT_TRUE(texture->HasAlpha());
 }
 
-TEST(Texture, MemoryUsageFollowsTheFormatTableAndAddsAThirdForMipmaps)
-{
-    EXPECT_EQ(MakeShell(16, 16, GL_ALPHA, false)->MemoryUsage(), 256u);
-    EXPECT_EQ(MakeShell(16, 16, GL_RGB16, false)->MemoryUsage(), 512u);
-    EXPECT_EQ(MakeShell(16, 16, GL_DEPTH_COMPONENT24, false)->MemoryUsage(), 768u);
-    EXPECT_EQ(MakeShell(16, 16, GL_RGBA, false)->MemoryUsage(), 1024u);
-    EXPECT_EQ(MakeShell(16, 16, GL_RGBA16F_ARB, false)->MemoryUsage(), 2048u);
-    EXPECT_EQ(MakeShell(16, 16, GL_RGBA32F_ARB, false)->MemoryUsage(), 4096u);
-    // Integer division after the multiplication: 3 * 4 / 3 = 4, and 10 * 4 / 3 = 13.
-    EXPECT_EQ(MakeShell(1, 1, GL_RGB, true)->MemoryUsage(), 4u);
-    EXPECT_EQ(MakeShell(10, 1, GL_ALPHA, true)->MemoryUsage(), 13u);
-    EXPECT_THROW(MakeShell(4, 4, GL_LUMINANCE, false)->MemoryUsage(), BadCoderException);
-}
-
-TEST(Texture, SixteenBitTexturesDoNotChangeTheReportedMemory)
-{
-    const size_t before = MakeShell(32, 32, GL_RGB, false)->MemoryUsage();
-    Texture::SetForce16BitTextures(true);
-    const size_t after = MakeShell(32, 32, GL_RGB, false)->MemoryUsage();
-    Texture::SetForce16BitTextures(false);
-    EXPECT_EQ(before, after);
-}
-
 TEST(Texture, DefaultIsAGreenAndMagentaCheckerboardOfFourSquares)
 {
     const rendering::ImageRGBA32Ptr image = rendering::CreateDefaultImage();
@@ -63,11 +40,6 @@ TEST(Texture, DefaultIsAGreenAndMagentaCheckerboardOfFourSquares)
     EXPECT_EQ((*image)(31, 32), magenta);
     EXPECT_EQ((*image)(0, 63), magenta);
     EXPECT_EQ((*image)(63, 0), magenta);
-
-    const util::SharedPtr<Texture> texture(rendering::CreateDefaultTexture());
-    EXPECT_TRUE(texture->GetImageType().mipmaps);
-    EXPECT_EQ(texture->GetImageType().quality.clampS, 0);
-    EXPECT_EQ(texture->GetImageType().quality.minLinear, 1);
 }
 
 TEST(TextureManager, SharesOneMentorPerNameAndFormat)
@@ -89,25 +61,6 @@ TEST(TextureManager, SharesOneMentorPerNameAndFormat)
     const rendering::TextureProxy byImage = manager.Load(image, clamped);
     EXPECT_EQ(manager.Load(image, clamped).GetMentor(), byImage.GetMentor());
     EXPECT_NE(manager.Load(image, flat).GetMentor(), byImage.GetMentor());
-}
-
-TEST(TextureManager, HasherMixesEveryFieldOfTheFormat)
-{
-    const rendering::TextureManager::ImagePairHasher hash;
-    const Texture::ImageType base(GL_RGBA, false, Texture::Quality(0, 0, 0, 0, 0));
-    const uint32_t h0 = hash(rendering::TextureManager::NamePair("x", base));
-    const uint32_t nameOnly = util::DefaultHasher()(std::string("x"));
-    EXPECT_EQ(h0, nameOnly ^ uint32_t(GL_RGBA));
-
-    Texture::ImageType t = base;
-    t.mipmaps = true;
-    EXPECT_EQ(hash({"x", t}), h0 ^ 0x1337u);
-    t = base;
-    t.quality.clampT = 1;
-    EXPECT_EQ(hash({"x", t}), h0 ^ (1u << 2));
-    t = base;
-    t.quality.mipLinear = 1;
-    EXPECT_EQ(hash({"x", t}), h0 ^ (1u << 8));
 }
 
 TEST(TextureManager, AMissingNameFallsBackOnTheDefaultAndReadsFalse)

@@ -1,5 +1,6 @@
 #include "util/FileSystem.h"
 #include "logging/Log.h"
+#include "logging/LogCapture.h"
 #include "util/FILEWrapper.h"
 #include "util/Random.h"
 #include "util/Timer.h"
@@ -101,18 +102,11 @@ TEST_F(FileSystemDir, MissingFilesThrowTheOpenFailure)
     EXPECT_EQ("Failed to open file \"" + path + "\"",
               ExceptionText([&] { util::FileSystem::GetFileSize(path); }));
     // A failed rename is logged, not thrown, naming both paths in quotes.
-    std::vector<std::string> errors;
-    util::SharedPtr<logging::FunctionLogger> logger = QLEX_NEW new logging::FunctionLogger(
-        logging::Error, [&errors](const std::string& text) { errors.push_back(text); });
-    logging::Logger::GetInstancePtr()->AddLogger(logger);
+    logtest::LogCapture errors(logging::Error);
     util::FileSystem::RenameFile(path, Path("other.cfg"));
-    logging::Logger::GetInstancePtr()->RemoveLogger(logger);
     EXPECT_FALSE(util::FileSystem::FileExists(Path("other.cfg")));
     const std::string expected = "Failed to rename \"" + path + "\" to \"" + Path("other.cfg") + "\": ";
-    EXPECT_TRUE(std::any_of(errors.begin(), errors.end(),
-                            [&](const std::string& line)
-                            { return line.find(expected) != std::string::npos; }))
-        << expected;
+    EXPECT_TRUE(errors.Has(expected)) << expected;
 }
 
 TEST_F(FileSystemDir, ListingSeparatesDirectoriesAndMatchesPatterns)

@@ -1,5 +1,6 @@
 #include "util/SharedPtr.h"
 #include "logging/Log.h"
+#include "logging/LogCapture.h"
 
 #include <gtest/gtest.h>
 
@@ -88,27 +89,11 @@ struct ThrowsOnDeath : util::Pointee
     int* m_deaths;
 };
 
-struct Lines
-{
-    Lines()
-        : m_sink(QLEX_NEW new logging::FunctionLogger(logging::Error,
-                                                      [this](const std::string& t) { all.push_back(t); }))
-    {
-        logging::Logger::GetInstancePtr()->AddLogger(m_sink);
-    }
-    ~Lines() { logging::Logger::GetInstancePtr()->RemoveLogger(m_sink); }
-    std::vector<std::string> all;
-    util::SharedPtr<logging::ILogger> m_sink;
-};
-
 } // namespace
 
 TEST(SharedPtr, AThrowingDestructorIsLoggedAndTheProgramGoesOn)
 {
-    // Two frames clear the logger's memory of errors, which would hold back a repeat of the same text.
-    logging::Logger::GetInstancePtr()->Update();
-    logging::Logger::GetInstancePtr()->Update();
-    Lines log;
+    logtest::LogCapture log(logging::Error);
     int deaths = 0;
     const size_t alive = util::Pointee::GetInstanceCount();
     util::WeakPtr<ThrowsOnDeath> weak;
@@ -120,8 +105,9 @@ TEST(SharedPtr, AThrowingDestructorIsLoggedAndTheProgramGoesOn)
     EXPECT_EQ(deaths, 1);
     EXPECT_FALSE(weak);
     EXPECT_EQ(util::Pointee::GetInstanceCount(), alive);
-    ASSERT_EQ(log.all.size(), 1u);
-    EXPECT_EQ(log.all[0], "!! ERROR: Exception caught when deleting a (anonymous namespace)::ThrowsOnDeath: "
-                          "cleanup failed");
+    ASSERT_EQ(log.lines.size(), 1u);
+    EXPECT_EQ(log.lines[0],
+              "!! ERROR: Exception caught when deleting a (anonymous namespace)::ThrowsOnDeath: "
+              "cleanup failed");
     logging::Logger::GetInstancePtr()->Update();
 }

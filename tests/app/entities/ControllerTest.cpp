@@ -100,6 +100,13 @@ TEST_F(ControllerTest, ArrowKeysPushTheBoxAsItsSettingsSay)
     dv = Push(box);
     EXPECT_NEAR(dv.x, -DV, DV_TOLERANCE);
     EXPECT_NEAR(dv.y, 0.0f, DV_TOLERANCE);
+    // And inverted y: right becomes down.
+    Press(UP, false);
+    Press(RIGHT, true);
+    box->m_controllerInvertY = true;
+    dv = Push(box);
+    EXPECT_NEAR(dv.x, 0.0f, DV_TOLERANCE);
+    EXPECT_NEAR(dv.y, -DV, DV_TOLERANCE);
 
     app::EntitySerializer saved;
     box->SerializeTo(saved);

@@ -1,5 +1,6 @@
 // Shapes drawn into a real window and read back by pixels. Runs under Xvfb; without a display it skips.
 #include "EntityTestWorld.h"
+#include "logging/LogCapture.h"
 
 #include "GLTestWindow.h"
 #include "app/App.h"
@@ -710,14 +711,11 @@ TEST_F(ShadedDrawingGLTest, WithoutShaderSupportTheFixedPicturesStandInAfterOneW
 {
     if (rendering::HasShaderSupport())
         GTEST_SKIP() << "this GL runs shaders: hide GL_ARB_vertex_program with MESA_EXTENSION_OVERRIDE";
-    std::vector<std::string> warnings;
-    util::SharedPtr<logging::ILogger> sink = QLEX_NEW new logging::FunctionLogger(
-        logging::Warning, [&warnings](const std::string& text) { warnings.push_back(text); });
-    logging::Logger::GetInstancePtr()->AddLogger(sink);
+    logtest::LogCapture log(logging::Warning);
+    const std::vector<std::string>& warnings = log.lines;
     // Twice over: the second round neither tries the programs again nor says anything.
     CompareShadedWithFixed(Probes(), Px(1), DrawAlone, PixelAt, false);
     CompareShadedWithFixed(Probes(), Px(1), DrawAlone, PixelAt, false);
-    logging::Logger::GetInstancePtr()->RemoveLogger(sink);
     ASSERT_EQ(warnings.size(), 1u) << (warnings.empty() ? "" : warnings.back());
     EXPECT_NE(warnings[0].find("This system doesn't support shaders"), std::string::npos) << warnings[0];
 }

@@ -1,11 +1,8 @@
 #include "app/entities/Entity.h"
-#include "app/App.h"
-#include "app/Background.h"
 #include "app/Chain.h"
 #include "app/EntitySerializer.h"
 #include "app/Scene.h"
 #include "physics/Polygon.h"
-#include "util/ColorUtil.h"
 
 #include <limits>
 
@@ -51,8 +48,6 @@ TEST(Entity, NewEntitiesHaveDistinctIdsAndVisibleColors)
     util::SharedPtr<BareEntity> a = QLEX_NEW new BareEntity();
     util::SharedPtr<BareEntity> b = QLEX_NEW new BareEntity();
     EXPECT_EQ(b->GetID(), a->GetID() + 1);
-    EXPECT_EQ(a->m_zDepth, app::Entity::NO_DEPTH);
-    EXPECT_FALSE(a->HasScaleTransform());
     EXPECT_EQ(a->GetColor().w, 1.0f);
     EXPECT_GT(a->GetColor().x + a->GetColor().y + a->GetColor().z, 0.0f);
 }
@@ -109,10 +104,7 @@ TEST(Entity, IsInViewComparesTheBoxWithTheView)
     EXPECT_TRUE(e->IsInView(math::BoundingBox2(math::Vec2(0.5f, 0.5f), math::Vec2(3, 3))));
     EXPECT_FALSE(e->IsInView(math::BoundingBox2(math::Vec2(2, 2), math::Vec2(3, 3))));
 }
-} // namespace
 
-namespace
-{
 TEST(Entity, DestroyKeyRemovesEveryEntityBoundToTheSameCombination)
 {
     app::Scene& scene = *app::Scene::GetInstancePtr();
@@ -139,24 +131,5 @@ TEST(Entity, DestroyKeyRemovesEveryEntityBoundToTheSameCombination)
     dropped->m_buttonDestroy.SetOn(true);
     EXPECT_TRUE(scene.HasEntity(other));
     scene.ClearScene();
-}
-} // namespace
-
-namespace
-{
-TEST(Entity, NewColorsAreNeverTooDarkNorNearTheSky)
-{
-    app::Background& background = app::App::GetInstancePtr()->GetBackground();
-    const math::Vec4 sky = background.GetSkyColor4();
-    background.SetSkyColor(math::Vec4(0.5f, 0.5f, 0.5f, 1));
-    for (int i = 0; i < 300; ++i)
-    {
-        util::SharedPtr<BareEntity> e = QLEX_NEW new BareEntity();
-        const math::Vec3 rgb(e->GetColor().x, e->GetColor().y, e->GetColor().z);
-        // Rounding to three decimals moves a colour by less than a thousandth.
-        EXPECT_GE(math::Distance(rgb, math::Vec3(0.5f, 0.5f, 0.5f)), 0.1f - 0.001f);
-        EXPECT_GE(util::RGBIntensity(rgb), 0.05f - 0.001f);
-    }
-    background.SetSkyColor(sky);
 }
 } // namespace

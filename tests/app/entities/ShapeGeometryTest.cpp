@@ -9,45 +9,6 @@
 
 namespace
 {
-TEST(ShapeGeometry, CalcVecsRunsClockwiseFromTheXAxisBackToIt)
-{
-    const std::vector<math::Vec2> vecs = app::CalcVecs(8);
-    ASSERT_EQ(vecs.size(), 9u);
-    EXPECT_NEAR(vecs[0].x, 1.0f, 1e-6f);
-    EXPECT_NEAR(vecs[2].y, -1.0f, 1e-6f);
-    EXPECT_NEAR(vecs[8].x, 1.0f, 1e-6f);
-    EXPECT_NEAR(vecs[8].y, 0.0f, 1e-5f);
-    for (const math::Vec2& v : vecs)
-        EXPECT_NEAR(v.Length(), 1.0f, 1e-6f);
-}
-
-TEST(ShapeGeometry, CircleFanLeavesOutTheCakeSliceAroundTheXAxis)
-{
-    int first = -1, last = -1;
-    app::CircleFanRange(false, first, last);
-    EXPECT_EQ(first, 0);
-    EXPECT_EQ(last, 128);
-    app::CircleFanRange(true, first, last);
-    EXPECT_EQ(first, 4);
-    EXPECT_EQ(last, 124);
-    // The slice spans CakeSize of the turn.
-    const float angle = std::atan2(-app::CircleVecs()[first].y, app::CircleVecs()[first].x);
-    EXPECT_NEAR(2.0f * angle, 2.0f * math::PIf * app::CakeSize, 1e-4f);
-}
-
-TEST(ShapeGeometry, BoxThinnerThanTwoBordersHasNoInside)
-{
-    math::Vec2 inside;
-    EXPECT_TRUE(app::BoxInside(math::Vec2(1, 0.5f), 0.1f, inside));
-    EXPECT_NEAR(inside.x, 0.9f, 1e-6f);
-    EXPECT_NEAR(inside.y, 0.4f, 1e-6f);
-    EXPECT_FALSE(app::BoxInside(math::Vec2(1, 0.05f), 0.1f, inside));
-    const std::vector<math::Vec2> quad = app::BoxQuad(math::Vec2(2, 1));
-    ASSERT_EQ(quad.size(), 4u);
-    EXPECT_EQ(quad[0], math::Vec2(-2, -1));
-    EXPECT_EQ(quad[2], math::Vec2(2, 1));
-}
-
 TEST(ShapeGeometry, CircleTextureIsADiscWithASmoothEdgeAndACake)
 {
     const int size = 240;
@@ -111,9 +72,6 @@ TEST(ShapeGeometry, PolygonTextureHasItsOutlineAtOneHalf)
 {
     const physics::Polygon polygon(physics::testing::RegularPolygonPoints(math::Vec2(0, 0), 1.0f, 12));
     const float maxDist = app::PolygonMaxDist(polygon);
-    EXPECT_NEAR(maxDist,
-                0.04f * 2 * std::max(polygon.GetMapBox().halfExtent[0], polygon.GetMapBox().halfExtent[1]),
-                1e-6f);
     const std::vector<float> texels = app::PolygonDistanceTexture(polygon, maxDist);
     const util::Array2D<float>& map = polygon.GetDistanceMap();
     ASSERT_EQ(texels.size(), size_t(map.GetWidth()) * map.GetHeight());
@@ -138,26 +96,7 @@ TEST(ShapeGeometry, PolygonTextureHasItsOutlineAtOneHalf)
                 2 * polygon.GetMapBox().halfExtent[0] * std::sqrt(2.0f), 0.2f);
     EXPECT_LT(app::PolygonInsideThreshold(0.01f, maxDist), 0.5f);
 }
-} // namespace
 
-namespace
-{
-TEST(ShapeGeometry, PenHeadIsADiscAndItsRingHasAHole)
-{
-    const int size = 32;
-    const std::vector<float> pen = app::PenTexture(size);
-    const std::vector<float> ring = app::RingTexture(size);
-    auto at = [size](const std::vector<float>& t, int i, int j) { return t[size_t(j) * size + i]; };
-    EXPECT_FLOAT_EQ(at(pen, size / 2, size / 2), 1.0f);
-    EXPECT_FLOAT_EQ(at(pen, 0, 0), 0.0f);
-    EXPECT_FLOAT_EQ(at(ring, size / 2, size / 2), 0.0f);
-    EXPECT_FLOAT_EQ(at(ring, 2, size / 2), 1.0f);
-    EXPECT_FLOAT_EQ(at(ring, 0, 0), 0.0f);
-}
-} // namespace
-
-namespace
-{
 TEST(ShapeGeometry, PolygonMapCornersCarryTheTextureCoordinatesOfTheirTexels)
 {
     // An L turned and moved off the origin, so that no symmetry hides a mirrored or turned texture.
@@ -200,10 +139,7 @@ TEST(ShapeGeometry, PolygonMapCornersCarryTheTextureCoordinatesOfTheirTexels)
     EXPECT_LT(texelAt(math::TransformCoordinate(pose, math::Vec2(0.5f, 1.5f))), 0.5f);
     EXPECT_GT(texelAt(math::TransformCoordinate(pose, math::Vec2(2.0f, 1.6f))), 0.5f);
 }
-} // namespace
 
-namespace
-{
 TEST(ShapeGeometry, PlaneSegmentOfANarrowBandIsAConvexFan)
 {
     // A steep line across a square: the top and bottom edges each cross both sides of the band, in
@@ -228,10 +164,7 @@ TEST(ShapeGeometry, PlaneSegmentOfANarrowBandIsAConvexFan)
     // A band 0.6 wide across the square, measured along the normal: its length along the line is 4 / n.x.
     EXPECT_NEAR(std::fabs(area) / 2, 0.6f * 4.0f / n.x, 1e-3f);
 }
-} // namespace
 
-namespace
-{
 TEST(ShapeGeometry, CircleWiderThanItsTextureIsTooBigForIt)
 {
     // 1024 texels across: a circle of more than 1024 pixels would magnify them.

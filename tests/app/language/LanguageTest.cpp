@@ -4,6 +4,7 @@
 #include "app/Action.h"
 #include "app/AppSettings.h"
 #include "logging/Log.h"
+#include "logging/LogCapture.h"
 #include "util/FileSystem.h"
 
 #include <gtest/gtest.h>
@@ -31,32 +32,6 @@ void WriteLanguageFile(const std::string& leaf, const std::string& text)
 {
     util::FileSystem::WriteFile(LanguageDir() + leaf, text);
 }
-
-// Every error logged while it lives.
-class ErrorLog
-{
-public:
-    ErrorLog()
-    {
-        // Errors repeated from one frame to the next are cut down: start from two clean frames.
-        logging::Logger::GetInstancePtr()->Update();
-        logging::Logger::GetInstancePtr()->Update();
-        m_sink = QLEX_NEW new logging::FunctionLogger(logging::Error, [this](const std::string& text)
-                                                      { lines.push_back(text); });
-        logging::Logger::GetInstancePtr()->AddLogger(m_sink);
-    }
-    ~ErrorLog() { logging::Logger::GetInstancePtr()->RemoveLogger(m_sink); }
-    size_t Count(const std::string& text) const
-    {
-        return std::count_if(lines.begin(), lines.end(),
-                             [&](const std::string& line) { return line.find(text) != std::string::npos; });
-    }
-
-    std::vector<std::string> lines;
-
-private:
-    util::SharedPtr<logging::ILogger> m_sink;
-};
 
 class LanguageTest : public testing::Test
 {
@@ -89,7 +64,7 @@ TEST_F(LanguageTest, MissingTranslationFallsBackToEnglishAndIsListedOnceAtLoad)
 {
     WriteLanguageFile("Testish.cfg", "Undo = \"Zurueck\";\nRedo = \"Nochmal\";\nUndoBox = \"Kasten\";\n"
                                      "Extra = \"extra\";\n");
-    ErrorLog log;
+    logtest::LogCapture log(logging::Error);
     Switch("Testish");
     EXPECT_EQ(Language().GetLanguageName(), "Testish");
     EXPECT_EQ(Language().Get("Undo"), "Zurueck");
@@ -104,7 +79,7 @@ TEST_F(LanguageTest, MissingTranslationFallsBackToEnglishAndIsListedOnceAtLoad)
 
 TEST_F(LanguageTest, KeyInNeitherTableShowsBracketedAndLogsAtEachGet)
 {
-    ErrorLog log;
+    logtest::LogCapture log(logging::Error);
     EXPECT_EQ(Language().Get("NoSuchKey"), "[NoSuchKey]");
     EXPECT_FALSE(Language().Has("NoSuchKey"));
     EXPECT_EQ(log.Count("English and English translation missing for NoSuchKey"), 1u);
@@ -129,7 +104,7 @@ TEST_F(LanguageTest, UndoStepsAreNamedByTheTable)
 TEST_F(LanguageTest, ParseErrorKeepsThePreviousTableAndSaysSo)
 {
     WriteLanguageFile("Broken.cfg", "Undo = \"unclosed;\nRedo = (;\n");
-    ErrorLog log;
+    logtest::LogCapture log(logging::Error);
     Switch("Broken");
     EXPECT_EQ(log.Count("Failed to load language Broken"), 1u);
     EXPECT_EQ(Language().Get("Undo"), "Undo");
@@ -140,7 +115,7 @@ TEST_F(LanguageTest, UnreadableFileKeepsThePreviousTableAndSaysSo)
 {
     WriteLanguageFile("Partial.cfg", "Undo = \"Partial undo\";\n");
     Switch("Partial");
-    ErrorLog log;
+    logtest::LogCapture log(logging::Error);
     Switch("Nowhere");
     EXPECT_EQ(log.Count("Error loading language Nowhere: "), 1u);
     EXPECT_EQ(Language().Get("Undo"), "Partial undo");
@@ -151,7 +126,7 @@ TEST_F(LanguageTest, WrongTypeLosesOnlyThatStatement)
 {
     WriteLanguageFile("Typed.cfg", "Undo = [1, 2];\nRedo = \"Again\";\nUndoBox = Sim.nothingHere;\n"
                                    "Only_English = \"also here\";\n");
-    ErrorLog log;
+    logtest::LogCapture log(logging::Error);
     Switch("Typed");
     EXPECT_EQ(log.Count("Error in language file Typed: "), 2u);
     EXPECT_EQ(Language().Get("Redo"), "Again");
@@ -180,7 +155,7 @@ TEST_F(LanguageTest, EachLoadRunsTheLoadCallbacksAndAFailedOneDoesNot)
 
 TEST_F(LanguageTest, HelpFallsBackToEnglishAndThenToAWarning)
 {
-    ErrorLog log;
+    logtest::LogCapture log(logging::Error);
     EXPECT_NE(Language().HelpText().find("WARNING: Language file missing"), std::string::npos);
     EXPECT_EQ(log.Count("Missing help file: " + LanguageDir() + "English_help.txt"), 1u);
     WriteLanguageFile("English_help.txt", "Draw things.");

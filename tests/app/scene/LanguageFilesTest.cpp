@@ -2,6 +2,7 @@
 #include "app/AppSettings.h"
 #include "app/Language.h"
 #include "logging/Log.h"
+#include "logging/LogCapture.h"
 
 #include <gtest/gtest.h>
 
@@ -16,15 +17,11 @@ TEST(LanguageFiles, GermanReadsWithEveryTranslationAndSwitchesBack)
     app::Language* language = app::Language::GetInstancePtr();
     app::AppSettings* settings = app::AppSettings::GetInstancePtr();
     ASSERT_EQ(language->Get("Undo"), "Undo");
-    std::vector<std::string> errors;
-    logging::Logger::GetInstancePtr()->Update();
-    logging::Logger::GetInstancePtr()->Update();
-    util::SharedPtr<logging::ILogger> sink = QLEX_NEW new logging::FunctionLogger(
-        logging::Error, [&errors](const std::string& text) { errors.push_back(text); });
-    logging::Logger::GetInstancePtr()->AddLogger(sink);
-    settings->m_language = util::String("German");
-    logging::Logger::GetInstancePtr()->RemoveLogger(sink);
-    EXPECT_TRUE(errors.empty()) << errors.front();
+    {
+        logtest::LogCapture errors(logging::Error);
+        settings->m_language = util::String("German");
+        EXPECT_TRUE(errors.lines.empty()) << errors.lines.front();
+    }
     EXPECT_EQ(language->GetLanguageName(), "German");
     // Latin-1, as the font is.
     EXPECT_EQ(language->Get("Undo"), "R\xfc"

@@ -1,4 +1,5 @@
 #include "SceneTestSupport.h"
+#include "logging/LogCapture.h"
 
 #include "app/FileInfo.h"
 #include "app/SceneFiles.h"
@@ -38,15 +39,9 @@ TEST_F(SceneTest, SceneFiles_FadeSettingsAndMetaDataStayOutUntilTheyMatter)
 
 TEST_F(SceneTest, SceneFiles_NewerVersionWarnsAndLoadingGoesOn)
 {
-    std::vector<std::string> warnings;
-    util::SharedPtr<logging::ILogger> sink = QLEX_NEW new logging::FunctionLogger(
-        logging::Warning, [&warnings](const std::string& text) { warnings.push_back(text); });
-    logging::Logger::GetInstancePtr()->AddLogger(sink);
+    logtest::LogCapture warnings(logging::Warning);
     app::Serializer::GetInstancePtr()->Deserialize("FileInfo.version = 3;\nScene.addBox {}");
-    logging::Logger::GetInstancePtr()->Update();
-    logging::Logger::GetInstancePtr()->RemoveLogger(sink);
-    ASSERT_FALSE(warnings.empty());
-    EXPECT_NE(warnings.front().find("Loading scene from a newer version of Qlex"), std::string::npos);
+    EXPECT_TRUE(warnings.Has("Loading scene from a newer version of Qlex"));
     EXPECT_EQ(scene->GetEntities().size(), 1u);
     app::FileInfo::GetInstancePtr()->m_version = app::FileInfo::VERSION_LATEST;
 }

@@ -156,30 +156,6 @@ TEST_F(SceneTest, Serializer_WaterPositionsSurviveAndVelocitiesAreZero)
     EXPECT_EQ(particles[0]->GetVelocity(), math::Vec2(0, 0));
 }
 
-} // namespace
-
-namespace
-{
-using scenetest::SceneTest;
-
-TEST_F(SceneTest, Serializer_TrackedEntityBecomesTheCamerasGroupAndIsSaved)
-{
-    Run("Scene.addBox {pos = [3, 4]; tracked = true}");
-    ASSERT_TRUE(scene->GetTrackedGroup());
-    EXPECT_EQ(scene->GetTrackedGroup()->Size(), 1u);
-    EXPECT_TRUE(scene->GetCamera()->IsTracking());
-    const std::string text = Save();
-    EXPECT_NE(text.find("name = \"tracked\""), std::string::npos) << text;
-    Load(text);
-    ASSERT_TRUE(scene->GetTrackedGroup());
-    EXPECT_EQ(scene->GetTrackedGroup()->Size(), 1u);
-}
-} // namespace
-
-namespace
-{
-using scenetest::SceneTest;
-
 size_t CountGroupsNamed(app::Scene* scene, const std::string& name)
 {
     size_t count = 0;
@@ -239,12 +215,6 @@ TEST_F(SceneTest, Tracking_AGroupWithoutACentreIsNotFollowed)
     EXPECT_FALSE(scene->GetTrackedGroup());
     EXPECT_EQ(CountGroupsNamed(scene, "tracked"), 0u);
 }
-} // namespace
-
-namespace
-{
-using scenetest::SceneTest;
-
 TEST_F(SceneTest, Serializer_FailedRecordsLeaveNoPhysicsBehind)
 {
     // Each of these fails after its object was made: a colour of one number, a negative chain index. None may
@@ -278,12 +248,6 @@ TEST_F(SceneTest, Serializer_AnUnknownKeyNameLeavesTheHingeWithTheKeysItCouldRea
     EXPECT_EQ(saved.find("buttonForward"), std::string::npos) << saved;
     EXPECT_NE(saved.find("buttonBack = \"left_ctrl a\""), std::string::npos) << saved;
 }
-} // namespace
-
-namespace
-{
-using scenetest::SceneTest;
-
 // Both ends of a joint that the file puts at one point must lie at that point after reading.
 void ExpectEndsAt(const util::SharedPtr<app::HingeEntity>& hinge, math::Vec2 point)
 {
@@ -309,12 +273,6 @@ TEST_F(SceneTest, Serializer_JointOnAPlaneOfNormalAndDistanceKeepsItsPoint)
     ExpectEndsAt(hinges[0], math::Vec2(0.3f, 0));
     ExpectEndsAt(hinges[1], math::Vec2(-0.2f, 0));
 }
-} // namespace
-
-namespace
-{
-using scenetest::SceneTest;
-
 const char* const RICH_SCENE = R"(
 Scene.addBox {pos = [0, 1]; chain = 4; chainNr = 0; body = 7};
 Scene.addBox {pos = [1, 1]; chain = 4; chainNr = 1; body = 7; friction = {0.25 + 0.5}};
