@@ -689,3 +689,6 @@ CASES.update(SHAPE_TOOL_CASES)
 
 from manipulation_tool_cases import MANIPULATION_TOOL_CASES  # noqa: E402 (its cases build on those above)
 CASES.update(MANIPULATION_TOOL_CASES)
+
+from text_field_cases import TEXT_FIELD_CASES  # noqa: E402
+CASES.update(TEXT_FIELD_CASES)

@@ -52,8 +52,9 @@ def check(condition, message):
 
 
 class Session:
-    def __init__(self, stage, scene=None, config=""):
+    def __init__(self, stage, scene=None, config="", env=None):
         self.stage = stage
+        self.extra_env = dict(env or {})
         self.dir = tempfile.mkdtemp(prefix="qlex-e2e-")
         self.xvfb = None
         self.proc = None
@@ -90,7 +91,7 @@ class Session:
                 check(chunk, "Xvfb ended before it named its display")
                 number += chunk
         self.display = ":" + number.decode().strip()
-        self.env = dict(os.environ, DISPLAY=self.display, LIBGL_ALWAYS_SOFTWARE="1")
+        self.env = dict(os.environ, DISPLAY=self.display, LIBGL_ALWAYS_SOFTWARE="1", **self.extra_env)
         args = [os.path.join(self.dir, "qlex")]
         if self.scene_path:
             args.append(self.scene_path)

@@ -12,7 +12,7 @@ def main():
         return 0
     stage, name = sys.argv[1], sys.argv[2]
     case = CASES[name]()
-    session = Session(stage, case.scene, case.config)
+    session = Session(stage, case.scene, case.config, getattr(case, "env", None))
     passed = False
     try:
         session.start()
