@@ -6,6 +6,8 @@
 
 namespace physics
 {
+struct StepContext;
+
 // Parameters of a stiff, damped constraint for one step length h, from stiffness k and damping d (in
 // steps). With q = 4 d + 1, the distance term corrects an error over about d steps, the velocity term
 // removes 4d/q of the approach speed, and the regularisation 4 / (q h^2 k) softens the constraint as a
@@ -31,7 +33,7 @@ public:
     ~Constraint() override;
 
     // False when the constraint takes no part in this solve.
-    virtual bool SolveInit() = 0;
+    virtual bool SolveInit(const StepContext& step) = 0;
     virtual void CalcDesiredImpulse() = 0;
     virtual void ApplyImpulse() = 0;
     virtual void SolveExit() {}

@@ -22,7 +22,7 @@ public:
     // Continues a contact of the last step: its age and impulses carry over.
     void ReadFrom(const Contact& old);
 
-    bool SolveInit() override;
+    bool SolveInit(const StepContext& step) override;
     void CalcDesiredImpulse() override;
     void ApplyImpulse() override;
 
@@ -40,9 +40,6 @@ public:
     float GetSumN() const { return m_sumN; }
     float GetSumT() const { return m_sumT; }
 
-    static ConstraintParams s_params;
-    static float s_targetPenetration;
-
 private:
     double m_birthTime;
     math::Vec2 m_point;
@@ -56,8 +53,6 @@ private:
     math::Vec2 m_relativeVelocity;
     float m_massN;
     float m_massT;
-    float m_regularizedN;
-    float m_regularizedT;
     float m_activeMassN;
     float m_activeMassT;
     float m_targetN;

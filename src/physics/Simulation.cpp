@@ -233,25 +233,26 @@ void Simulation::Step(bool run)
     RebuildStepList();
     if (run)
     {
-        CalcForces();
+        const StepContext step = MakeStepContext();
+        CalcForces(step);
         CalcContacts();
-        const float h = m_timeDelta;
+        const float h = step.h;
         if (m_leapFrog)
         {
             // Half the forces before the solve and half after: the solver sees mid-step velocities, and its
             // acceleration term (h / 2) accounts for the half still to come.
             IntegrateVelocity(h / 2.0f);
-            RunSolver();
+            RunSolver(step);
             IntegrateVelocity(h / 2.0f);
             IntegratePosition(h);
         }
         else
         {
-            RunSolver();
+            RunSolver(step);
             IntegrateVelocity(h);
             IntegratePosition(h);
         }
-        SPH::GetInstancePtr()->VelocitySmoothing();
+        SPH::GetInstancePtr()->VelocitySmoothing(step.water);
         // Forces from outside a step (a tool's) act in the next step, and then vanish.
         for (AbstractBody* body : m_stepList)
         {
@@ -303,7 +304,7 @@ void Simulation::IntegratePosition(float dt)
         m_stepList[i]->Move(dt);
 }
 
-void Simulation::CalcForces()
+void Simulation::CalcForces(const StepContext& step)
 {
     const util::ScopeProfiler profile("Simulation::CalcForces");
     const float invDt = 1.0f / m_timeDelta;
@@ -383,7 +384,7 @@ void Simulation::CalcForces()
     for (Joint* joint : m_jointOrder)
         joint->ApplyForce();
     if (m_running)
-        SPH::GetInstancePtr()->Update(m_particles, m_timeDelta);
+        SPH::GetInstancePtr()->Update(m_particles, step);
 }
 
 void Simulation::CalcContacts()
@@ -420,9 +421,11 @@ void Simulation::CalcContacts()
     }
 }
 
-void Simulation::SetupSolver()
+StepContext Simulation::MakeStepContext() const
 {
+    StepContext step;
     const float h = m_timeDelta;
+    step.h = h;
     const float k = m_solveConstant;
     // With leap-frog integration half of this step's forces come after the solve.
     const float accFactor = m_leapFrog ? h / 2.0f : 0.0f;
@@ -434,32 +437,36 @@ void Simulation::SetupSolver()
         params.velocityFactor = 0.0f;
         params.accelerationFactor = accFactor;
         params.regularization = 0.0f;
-        Hinge::s_params = params;
-        Contact::s_params = params;
+        step.hingeParams = params;
+        step.contactParams = params;
     }
     else
     {
-        Hinge::s_params = ConstraintParams(h, m_solveDconstraints, k, accFactor);
-        Contact::s_params = ConstraintParams(h, m_solveDcontacts, k, accFactor);
+        step.hingeParams = ConstraintParams(h, m_solveDconstraints, k, accFactor);
+        step.contactParams = ConstraintParams(h, m_solveDcontacts, k, accFactor);
     }
-    Contact::s_targetPenetration = m_targetPenetration;
+    step.targetPenetration = m_targetPenetration;
+    step.maxPositionCorrection = m_maxPositionCorrection;
+    step.warmStart = m_warmStart;
+    step.warmStartFactor = m_warmStartFactor;
+    step.water = SPH::GetInstancePtr()->MakeKernel();
     const float distFactor = m_solveDistFactor;
     const float velFactor = m_solveVelFactor;
     const float accFactorScale = m_solveAccFactor;
     const float regularizationFactor = m_solveRegularizationFactor;
-    for (ConstraintParams* params : {&Hinge::s_params, &Contact::s_params})
+    for (ConstraintParams* params : {&step.hingeParams, &step.contactParams})
     {
         params->distanceFactor *= distFactor;
         params->velocityFactor *= velFactor;
         params->accelerationFactor *= accFactorScale;
         params->regularization *= regularizationFactor;
     }
+    return step;
 }
 
-void Simulation::RunSolver()
+void Simulation::RunSolver(const StepContext& step)
 {
     const util::ScopeProfiler profile("RunSolver");
-    SetupSolver();
     {
         const util::ScopeProfiler stage("Init bodies");
         for (AbstractBody* body : m_stepList)
@@ -479,7 +486,7 @@ void Simulation::RunSolver()
         size_t i = 0;
         while (i < m_solverList.size())
         {
-            if (m_solverList[i]->SolveInit())
+            if (m_solverList[i]->SolveInit(step))
                 ++i;
             else
                 m_solverList.erase_swap(i);

@@ -3,6 +3,7 @@
 #include "math/Math.h"
 #include "physics/CollisionDetection.h"
 #include "physics/ContactID.h"
+#include "physics/StepContext.h"
 #include "physics/WorldGeom.h"
 #include "script/AttribWrapper.h"
 #include "script/Reflected.h"
@@ -112,12 +113,12 @@ public:
     // The real-time clock of Update, in seconds. Tests give a clock of their own.
     void SetClock(std::function<double()> clock);
 
-    // The stages of a step.
+    // The stages of a step. The context holds the settings of this step, read once at its start.
+    StepContext MakeStepContext() const;
     void FlushBadBodies();
-    void CalcForces();
+    void CalcForces(const StepContext& step);
     void CalcContacts();
-    void SetupSolver();
-    void RunSolver();
+    void RunSolver(const StepContext& step);
     void GaussSeidelSolver(const util::VectorPOD<Constraint*>& list);
     void PrioritizedSolver(const util::VectorPOD<Constraint*>& list);
     void IntegrateVelocity(float dt);
