@@ -6,6 +6,7 @@
 
 namespace physics
 {
+class Contact;
 struct StepContext;
 
 // Parameters of a stiff, damped constraint for one step length h, from stiffness k and damping d (in
@@ -37,6 +38,8 @@ public:
     virtual void CalcDesiredImpulse() = 0;
     virtual void ApplyImpulse() = 0;
     virtual void SolveExit() {}
+    // The contact this is, if it is one: the solver keeps contacts in a compact form of its own.
+    virtual Contact* AsContact() { return nullptr; }
 
     float GetPriority() const { return m_priority; }
     AbstractBody* GetBody(int i) const { return m_bodies[i]; }

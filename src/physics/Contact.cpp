@@ -150,6 +150,40 @@ void Contact::ApplyImpulse()
     m_sumT += m_deltaT;
 }
 
+ContactRow Contact::MakeRow(std::uint32_t bodyA, std::uint32_t bodyB) const
+{
+    ContactRow row;
+    row.bodyA = bodyA;
+    row.bodyB = bodyB;
+    row.normal = m_normal;
+    row.r0 = m_r0;
+    row.r1 = m_r1;
+    for (int i = 0; i < 2; ++i)
+    {
+        row.massInv[i] = m_massInv[i];
+        row.inertiaInv[i] = m_inertiaInv[i];
+    }
+    row.activeMassN = m_activeMassN;
+    row.activeMassT = m_activeMassT;
+    row.targetN = m_targetN;
+    row.targetT = m_targetT;
+    row.friction = m_friction;
+    row.sumN = m_sumN;
+    row.sumT = m_sumT;
+    row.deltaN = m_deltaN;
+    row.deltaT = m_deltaT;
+    return row;
+}
+
+void Contact::TakeResults(const ContactRow& row)
+{
+    m_sumN = row.sumN;
+    m_sumT = row.sumT;
+    m_deltaN = row.deltaN;
+    m_deltaT = row.deltaT;
+    m_priority = m_deltaN * m_deltaN + m_deltaT * m_deltaT;
+}
+
 math::Vec2 Contact::GetTotalImpulse() const
 {
     return m_normal * m_sumN + m_tangent * m_sumT;

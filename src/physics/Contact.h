@@ -7,6 +7,28 @@ namespace physics
 {
 class Geom;
 
+// A contact as the solver's sweeps see it, packed for a pass over thousands of them: the bodies by their
+// places in the step's list, and everything else that CalcDesiredImpulse and ApplyImpulse read or write.
+struct ContactRow
+{
+    std::uint32_t bodyA;
+    std::uint32_t bodyB;
+    math::Vec2 normal;
+    math::Vec2 r0;
+    math::Vec2 r1;
+    float massInv[2];
+    float inertiaInv[2];
+    float activeMassN;
+    float activeMassT;
+    float targetN;
+    float targetT;
+    float friction;
+    float sumN;
+    float sumT;
+    float deltaN;
+    float deltaT;
+};
+
 // A unilateral constraint with friction at one point. The normal points from shape A to shape B, the depth
 // is positive while they overlap, and relative velocities are B's minus A's.
 class Contact : public Constraint
@@ -25,6 +47,10 @@ public:
     bool SolveInit(const StepContext& step) override;
     void CalcDesiredImpulse() override;
     void ApplyImpulse() override;
+    Contact* AsContact() override { return this; }
+    // The solver's packed copy, after SolveInit, and the sweeps' results taken back from it.
+    ContactRow MakeRow(std::uint32_t bodyA, std::uint32_t bodyB) const;
+    void TakeResults(const ContactRow& row);
 
     math::Vec2 GetTotalImpulse() const;
     bool IsSeparating() const;

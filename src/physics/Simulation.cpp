@@ -283,6 +283,8 @@ void Simulation::RebuildStepList()
     m_firstParticle = m_stepList.size();
     for (const util::SharedPtr<Particle>& particle : m_particles)
         m_stepList.append(particle.get());
+    for (size_t i = 0; i < m_stepList.size(); ++i)
+        m_stepList[i]->SetStepIndex(static_cast<std::uint32_t>(i));
 }
 
 void Simulation::IntegrateVelocity(float dt)
@@ -515,24 +517,7 @@ void Simulation::RunSolver(const StepContext& step)
 
 void Simulation::GaussSeidelSolver(const util::VectorPOD<Constraint*>& list)
 {
-    const util::ScopeProfiler profile("GaussSeidelSolver");
-    // Copied element by element: the storage stays from step to step.
-    m_sweepList.resize(list.size());
-    std::copy(list.begin(), list.end(), m_sweepList.begin());
-    if (m_solvePreSortConstraints.Get())
-    {
-        // The biggest demands are served first in the first sweep.
-        for (Constraint* constraint : m_sweepList)
-            constraint->CalcDesiredImpulse();
-        std::sort(m_sweepList.begin(), m_sweepList.end(), ConstraintComparer());
-    }
-    const int iterations = m_solveIter;
-    for (int i = 0; i < iterations; ++i)
-        for (Constraint* constraint : m_sweepList)
-        {
-            constraint->CalcDesiredImpulse();
-            constraint->ApplyImpulse();
-        }
+    m_sweeper.Run(list, m_stepList, m_solveIter, m_solvePreSortConstraints);
 }
 
 void Simulation::PrioritizedSolver(const util::VectorPOD<Constraint*>& list)

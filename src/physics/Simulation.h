@@ -4,6 +4,7 @@
 #include "physics/CollisionDetection.h"
 #include "physics/ContactID.h"
 #include "physics/StepContext.h"
+#include "physics/Sweeper.h"
 #include "physics/WorldGeom.h"
 #include "script/AttribWrapper.h"
 #include "script/Reflected.h"
@@ -214,7 +215,7 @@ private:
     // The joints and hinges of this step in the order they were made.
     util::VectorPOD<Joint*> m_jointOrder;
     util::VectorPOD<Hinge*> m_hingeOrder;
-    util::VectorPOD<Constraint*> m_sweepList;
+    Sweeper m_sweeper;
     std::function<double()> m_clock;
 };
 

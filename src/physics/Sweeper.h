@@ -1,0 +1,64 @@
+#pragma once
+
+#include "math/Math.h"
+#include "physics/Contact.h"
+#include "util/VectorPOD.h"
+
+#include <cstdint>
+
+namespace physics
+{
+class AbstractBody;
+class Constraint;
+
+// The Gauss-Seidel sweeps of a solve, over a compact copy of the constraints. Thousands of contacts swept
+// thirty times a step are bound by memory, not arithmetic: each contact lives in an object of its own and
+// each body in a large one, visited in the order of the sort by priority. Here the contacts are rows of one
+// array in sweep order and the velocity changes one small array by the bodies' places in the step's list.
+// The arithmetic is the constraints' own, in the same order, so that results are the same bit for bit.
+// Other constraints (hinges) keep their own code and see their bodies' velocity changes as usual.
+class Sweeper
+{
+public:
+    // Sweeps the constraints, after SolveInit, `iterations` times in the order given; with `presort` the
+    // biggest demands come first in the first sweep. The step's bodies carry their velocity changes in
+    // and out. Storage stays from call to call.
+    void Run(const util::VectorPOD<Constraint*>& constraints, const util::VectorPOD<AbstractBody*>& bodies,
+             int iterations, bool presort);
+
+private:
+    struct SolverBody
+    {
+        math::Vec2 velocityChange;
+        float rotationChange;
+    };
+    // One entry of the sweep: a row of m_rows, or (with `other` set) a constraint of another kind.
+    struct Entry
+    {
+        Constraint* other;
+        std::uint32_t row;
+    };
+    struct Ranked
+    {
+        float priority;
+        Constraint* constraint;
+    };
+
+    // The body's place in the step's list, or false where the list doesn't hold it.
+    bool IndexOf(const AbstractBody* body, const util::VectorPOD<AbstractBody*>& bodies,
+                 std::uint32_t& index) const;
+    bool Gather(const util::VectorPOD<AbstractBody*>& bodies);
+    void SweepRows(int iterations);
+    void SweepMixed(int iterations);
+    void SolveOther(Constraint& constraint);
+    void Scatter(const util::VectorPOD<AbstractBody*>& bodies);
+
+    util::VectorPOD<Ranked> m_ranked;
+    util::VectorPOD<SolverBody> m_bodies;
+    util::VectorPOD<ContactRow> m_rows;
+    util::VectorPOD<Contact*> m_rowContacts;
+    util::VectorPOD<Entry> m_entries;
+    bool m_hasOthers = false;
+};
+
+} // namespace physics
