@@ -37,7 +37,6 @@ public:
     virtual bool SolveInit(const StepContext& step) = 0;
     virtual void CalcDesiredImpulse() = 0;
     virtual void ApplyImpulse() = 0;
-    virtual void SolveExit() {}
     // The contact this is, if it is one: the solver keeps contacts in a compact form of its own.
     virtual Contact* AsContact() { return nullptr; }
 

@@ -150,9 +150,8 @@ void Contact::ApplyImpulse()
     m_sumT += m_deltaT;
 }
 
-ContactRow Contact::MakeRow(std::uint32_t bodyA, std::uint32_t bodyB) const
+void Contact::MakeRow(std::uint32_t bodyA, std::uint32_t bodyB, ContactRow& row) const
 {
-    ContactRow row;
     row.bodyA = bodyA;
     row.bodyB = bodyB;
     row.normal = m_normal;
@@ -172,7 +171,6 @@ ContactRow Contact::MakeRow(std::uint32_t bodyA, std::uint32_t bodyB) const
     row.sumT = m_sumT;
     row.deltaN = m_deltaN;
     row.deltaT = m_deltaT;
-    return row;
 }
 
 void Contact::TakeResults(const ContactRow& row)

@@ -49,7 +49,7 @@ public:
     void ApplyImpulse() override;
     Contact* AsContact() override { return this; }
     // The solver's packed copy, after SolveInit, and the sweeps' results taken back from it.
-    ContactRow MakeRow(std::uint32_t bodyA, std::uint32_t bodyB) const;
+    void MakeRow(std::uint32_t bodyA, std::uint32_t bodyB, ContactRow& row) const;
     void TakeResults(const ContactRow& row);
 
     math::Vec2 GetTotalImpulse() const;

@@ -499,11 +499,6 @@ void Simulation::RunSolver(const StepContext& step)
     else
         GaussSeidelSolver(m_solverList);
     {
-        const util::ScopeProfiler stage("SolveExit");
-        for (Constraint* constraint : m_solverList)
-            constraint->SolveExit();
-    }
-    {
         const util::ScopeProfiler stage("Applying velchanges");
         for (AbstractBody* body : m_stepList)
         {

@@ -10,25 +10,31 @@ namespace physics
 {
 namespace
 {
-// Contact::CalcDesiredImpulse and Contact::ApplyImpulse on the packed copy, operation for operation.
-template <class Bodies> inline void SolveRow(ContactRow& row, Bodies& bodies)
+// Contact::CalcDesiredImpulse on the packed copy, operation for operation.
+template <class Bodies> inline void DesiredImpulse(ContactRow& row, const Bodies& bodies)
 {
-    auto& a = bodies[row.bodyA];
-    auto& b = bodies[row.bodyB];
+    const auto& a = bodies[row.bodyA];
+    const auto& b = bodies[row.bodyB];
     const math::Vec2 w = (b.velocityChange + math::Cross(b.rotationChange, row.r1)) -
                          (a.velocityChange + math::Cross(a.rotationChange, row.r0));
     const math::Vec2 tangent = math::Rot90CCW(row.normal);
 
     float deltaN = row.targetN - math::Dot(w, row.normal) * row.activeMassN;
     const float sumN = std::max(deltaN + row.sumN, 0.0f);
-    deltaN = sumN - row.sumN;
+    row.deltaN = sumN - row.sumN;
 
     const float limit = std::max(row.friction * sumN, 0.0f);
-    float deltaT = row.targetT - math::Dot(w, tangent) * row.activeMassT;
+    const float deltaT = row.targetT - math::Dot(w, tangent) * row.activeMassT;
     const float sumT = std::min(std::max(deltaT + row.sumT, -limit), limit);
-    deltaT = sumT - row.sumT;
+    row.deltaT = sumT - row.sumT;
+}
 
-    const math::Vec2 impulse = row.normal * deltaN + tangent * deltaT;
+// Contact::ApplyImpulse on the packed copy.
+template <class Bodies> inline void ApplyImpulse(ContactRow& row, Bodies& bodies)
+{
+    auto& a = bodies[row.bodyA];
+    auto& b = bodies[row.bodyB];
+    const math::Vec2 impulse = row.normal * row.deltaN + math::Rot90CCW(row.normal) * row.deltaT;
     if (row.massInv[0] != 0.0f)
         a.velocityChange -= impulse * row.massInv[0];
     if (row.inertiaInv[0] != 0.0f)
@@ -37,10 +43,14 @@ template <class Bodies> inline void SolveRow(ContactRow& row, Bodies& bodies)
         b.velocityChange += impulse * row.massInv[1];
     if (row.inertiaInv[1] != 0.0f)
         b.rotationChange += row.inertiaInv[1] * math::Cross(row.r1, impulse);
-    row.sumN += deltaN;
-    row.sumT += deltaT;
-    row.deltaN = deltaN;
-    row.deltaT = deltaT;
+    row.sumN += row.deltaN;
+    row.sumT += row.deltaT;
+}
+
+template <class Bodies> inline void SolveRow(ContactRow& row, Bodies& bodies)
+{
+    DesiredImpulse(row, bodies);
+    ApplyImpulse(row, bodies);
 }
 } // namespace
 
@@ -55,32 +65,12 @@ void Sweeper::Run(const util::VectorPOD<Constraint*>& constraints,
                   const util::VectorPOD<AbstractBody*>& bodies, int iterations, bool presort)
 {
     const util::ScopeProfiler profile("GaussSeidelSolver");
-    m_ranked.resize(constraints.size());
-    for (size_t i = 0; i < constraints.size(); ++i)
+    if (!Gather(constraints, bodies))
     {
-        Constraint* constraint = constraints[i];
-        if (presort)
-            constraint->CalcDesiredImpulse();
-        m_ranked[i] = Ranked{constraint->GetPriority(), constraint};
-    }
-    if (presort)
-    {
-        // The same comparisons as on the constraints themselves, so the same order, with the keys at hand
-        // instead of behind a pointer each.
-        std::sort(m_ranked.begin(), m_ranked.end(),
-                  [](const Ranked& a, const Ranked& b) { return a.priority > b.priority; });
-    }
-    if (!Gather(bodies))
-    {
-        // A constraint on a body outside the step's list: swept as the constraints stand.
-        for (int i = 0; i < iterations; ++i)
-            for (const Ranked& ranked : m_ranked)
-            {
-                ranked.constraint->CalcDesiredImpulse();
-                ranked.constraint->ApplyImpulse();
-            }
+        RunOnConstraints(constraints, iterations, presort);
         return;
     }
+    Order(presort);
     if (m_hasOthers)
         SweepMixed(iterations);
     else
@@ -88,35 +78,106 @@ void Sweeper::Run(const util::VectorPOD<Constraint*>& constraints,
     Scatter(bodies);
 }
 
-bool Sweeper::Gather(const util::VectorPOD<AbstractBody*>& bodies)
+void Sweeper::RunOnConstraints(const util::VectorPOD<Constraint*>& constraints, int iterations, bool presort)
 {
-    m_rows.clear();
-    m_rowContacts.clear();
-    m_entries.clear();
-    m_hasOthers = false;
-    for (const Ranked& ranked : m_ranked)
+    m_sweepOrder.resize(constraints.size());
+    std::copy(constraints.begin(), constraints.end(), m_sweepOrder.begin());
+    if (presort)
     {
-        Constraint* constraint = ranked.constraint;
+        for (Constraint* constraint : m_sweepOrder)
+            constraint->CalcDesiredImpulse();
+        std::sort(m_sweepOrder.begin(), m_sweepOrder.end(), ConstraintComparer());
+    }
+    for (int i = 0; i < iterations; ++i)
+        for (Constraint* constraint : m_sweepOrder)
+        {
+            constraint->CalcDesiredImpulse();
+            constraint->ApplyImpulse();
+        }
+}
+
+bool Sweeper::Gather(const util::VectorPOD<Constraint*>& constraints,
+                     const util::VectorPOD<AbstractBody*>& bodies)
+{
+    const size_t count = constraints.size();
+    m_listRows.resize(count);
+    m_listEntries.resize(count);
+    m_hasOthers = false;
+    size_t rows = 0;
+    for (size_t i = 0; i < count; ++i)
+    {
+        Constraint* constraint = constraints[i];
         std::uint32_t a = 0;
         std::uint32_t b = 0;
         if (!IndexOf(constraint->GetBody(0), bodies, a) || !IndexOf(constraint->GetBody(1), bodies, b))
             return false;
         if (Contact* contact = constraint->AsContact())
         {
-            m_entries.append(Entry{nullptr, static_cast<std::uint32_t>(m_rows.size())});
-            m_rows.append(contact->MakeRow(a, b));
-            m_rowContacts.append(contact);
+            m_listEntries[i] = Entry{contact, static_cast<std::uint32_t>(rows)};
+            contact->MakeRow(a, b, m_listRows[rows++]);
         }
         else
         {
-            m_entries.append(Entry{constraint, 0});
+            m_listEntries[i] = Entry{constraint, NOT_A_ROW};
             m_hasOthers = true;
         }
     }
+    m_listRows.resize(rows);
     m_bodies.resize(bodies.size());
     for (size_t i = 0; i < bodies.size(); ++i)
         m_bodies[i] = SolverBody{bodies[i]->VelocityChange(), bodies[i]->RotationChange()};
     return true;
+}
+
+void Sweeper::Order(bool presort)
+{
+    const size_t count = m_listEntries.size();
+    m_ranked.resize(count);
+    for (size_t i = 0; i < count; ++i)
+    {
+        const Entry& entry = m_listEntries[i];
+        float priority = entry.constraint->GetPriority();
+        if (presort)
+        {
+            if (entry.row == NOT_A_ROW)
+            {
+                // The bodies still hold the velocity changes that were gathered.
+                entry.constraint->CalcDesiredImpulse();
+                priority = entry.constraint->GetPriority();
+            }
+            else
+            {
+                ContactRow& row = m_listRows[entry.row];
+                DesiredImpulse(row, m_bodies);
+                priority = row.deltaN * row.deltaN + row.deltaT * row.deltaT;
+            }
+        }
+        m_ranked[i] = Ranked{priority, static_cast<std::uint32_t>(i)};
+    }
+    if (presort)
+    {
+        // The biggest demands are served first in the first sweep. The comparisons are those of
+        // ConstraintComparer on the same keys in the same places, so the order is the one it would give.
+        std::sort(m_ranked.begin(), m_ranked.end(),
+                  [](const Ranked& a, const Ranked& b) { return a.priority > b.priority; });
+    }
+    m_rows.resize(m_listRows.size());
+    m_rowContacts.resize(m_listRows.size());
+    m_entries.resize(count);
+    size_t rows = 0;
+    for (size_t k = 0; k < count; ++k)
+    {
+        const Entry& entry = m_listEntries[m_ranked[k].index];
+        if (entry.row == NOT_A_ROW)
+        {
+            m_entries[k] = entry;
+            continue;
+        }
+        m_entries[k] = Entry{entry.constraint, static_cast<std::uint32_t>(rows)};
+        m_rows[rows] = m_listRows[entry.row];
+        m_rowContacts[rows] = static_cast<Contact*>(entry.constraint);
+        ++rows;
+    }
 }
 
 void Sweeper::SweepRows(int iterations)
@@ -135,13 +196,12 @@ void Sweeper::SweepMixed(int iterations)
     for (int i = 0; i < iterations; ++i)
         for (const Entry& entry : m_entries)
         {
-            if (entry.other)
-                SolveOther(*entry.other);
+            if (entry.row == NOT_A_ROW)
+                SolveOther(*entry.constraint);
             else
                 SolveRow(m_rows[entry.row], solverBodies);
         }
 }
-
 void Sweeper::SolveOther(Constraint& constraint)
 {
     // Its bodies' velocity changes go to the bodies for its own code, and come back.

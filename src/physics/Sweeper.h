@@ -32,32 +32,44 @@ private:
         math::Vec2 velocityChange;
         float rotationChange;
     };
-    // One entry of the sweep: a row of m_rows, or (with `other` set) a constraint of another kind.
+    // One entry of the sweep: a contact with its row, or a constraint of another kind.
     struct Entry
     {
-        Constraint* other;
+        Constraint* constraint;
         std::uint32_t row;
     };
+    static constexpr std::uint32_t NOT_A_ROW = 0xFFFFFFFFu;
     struct Ranked
     {
         float priority;
-        Constraint* constraint;
+        std::uint32_t index;
     };
 
     // The body's place in the step's list, or false where the list doesn't hold it.
     bool IndexOf(const AbstractBody* body, const util::VectorPOD<AbstractBody*>& bodies,
                  std::uint32_t& index) const;
-    bool Gather(const util::VectorPOD<AbstractBody*>& bodies);
+    // Packs the constraints and the velocity changes; false (and nothing to sweep) when a constraint has a
+    // body outside the step's list.
+    bool Gather(const util::VectorPOD<Constraint*>& constraints,
+                const util::VectorPOD<AbstractBody*>& bodies);
+    // Puts the packed entries in sweep order.
+    void Order(bool presort);
     void SweepRows(int iterations);
     void SweepMixed(int iterations);
     void SolveOther(Constraint& constraint);
     void Scatter(const util::VectorPOD<AbstractBody*>& bodies);
+    // The sweeps on the constraints themselves, where they can't be packed.
+    void RunOnConstraints(const util::VectorPOD<Constraint*>& constraints, int iterations, bool presort);
 
+    // The packed constraints in the order given, then in sweep order.
+    util::VectorPOD<ContactRow> m_listRows;
+    util::VectorPOD<Entry> m_listEntries;
     util::VectorPOD<Ranked> m_ranked;
-    util::VectorPOD<SolverBody> m_bodies;
     util::VectorPOD<ContactRow> m_rows;
     util::VectorPOD<Contact*> m_rowContacts;
     util::VectorPOD<Entry> m_entries;
+    util::VectorPOD<SolverBody> m_bodies;
+    util::VectorPOD<Constraint*> m_sweepOrder;
     bool m_hasOthers = false;
 };
 
