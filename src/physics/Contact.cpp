@@ -65,11 +65,11 @@ void Contact::Reset(Geom* geomA, Geom* geomB, std::uint32_t subId, const math::V
     m_massT = CombinedMass(*m_bodies[0], m_r0, *m_bodies[1], m_r1, m_tangent);
 }
 
-void Contact::ReadFrom(const Contact& old)
+void Contact::ReadFrom(const ContactMemory& old)
 {
-    m_birthTime = old.m_birthTime;
-    m_sumN = old.m_sumN;
-    m_sumT = old.m_sumT;
+    m_birthTime = old.birthTime;
+    m_sumN = old.sumN;
+    m_sumT = old.sumT;
     m_isNew = false;
 }
 

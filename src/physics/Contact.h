@@ -29,6 +29,14 @@ struct ContactRow
     float deltaT;
 };
 
+// What a contact carries into the next step when it is found again: its age and its impulses.
+struct ContactMemory
+{
+    double birthTime;
+    float sumN;
+    float sumT;
+};
+
 // A unilateral constraint with friction at one point. The normal points from shape A to shape B, the depth
 // is positive while they overlap, and relative velocities are B's minus A's.
 class Contact : public Constraint
@@ -42,7 +50,9 @@ public:
                const math::Vec2& normal, float depth);
 
     // Continues a contact of the last step: its age and impulses carry over.
-    void ReadFrom(const Contact& old);
+    void ReadFrom(const Contact& old) { ReadFrom(old.Remember()); }
+    void ReadFrom(const ContactMemory& old);
+    ContactMemory Remember() const { return ContactMemory{m_birthTime, m_sumN, m_sumT}; }
 
     bool SolveInit(const StepContext& step) override;
     void CalcDesiredImpulse() override;

@@ -393,6 +393,19 @@ void Simulation::CalcContacts()
 {
     const util::ScopeProfiler profile("Sim::CalcContacts");
     {
+        // The last step's contacts are remembered by id (where two share one, the later), and let go, so
+        // that the collider's pool can hand them out again. A contact missing for one step is forgotten.
+        const util::ScopeProfiler stage("Update cache");
+        m_contactCache.clear();
+        m_contactMemory.clear();
+        for (const util::SharedPtr<Contact>& contact : m_contacts)
+        {
+            m_contactCache.Insert(contact->GetID(), static_cast<std::uint32_t>(m_contactMemory.size()));
+            m_contactMemory.append(contact->Remember());
+        }
+        m_contacts.clear();
+    }
+    {
         const util::ScopeProfiler stage("Finding contacts");
         m_collider.AssignBodies(m_solidBodiesList, m_particles);
         m_collider.SetBroadphase(m_broadphase);
@@ -407,19 +420,12 @@ void Simulation::CalcContacts()
         m_matchedCount = 0;
         for (const util::SharedPtr<Contact>& contact : m_contacts)
         {
-            if (const util::SharedPtr<Contact>* old = m_contactCache.TryGet(contact->GetID()))
+            if (const std::uint32_t* old = m_contactCache.TryGet(contact->GetID()))
             {
-                contact->ReadFrom(**old);
+                contact->ReadFrom(m_contactMemory[*old]);
                 ++m_matchedCount;
             }
         }
-    }
-    {
-        // A contact missing for one step is forgotten.
-        const util::ScopeProfiler stage("Update cache");
-        m_contactCache.clear();
-        for (const util::SharedPtr<Contact>& contact : m_contacts)
-            m_contactCache.Insert(contact->GetID(), contact);
     }
 }
 
@@ -651,6 +657,7 @@ void Simulation::Clear()
     m_stepList.clear();
     m_contacts.clear();
     m_contactCache.clear();
+    m_contactMemory.clear();
     m_timeDebt = 0.0;
     m_matchedCount = 0;
     m_simulatedTime = 0.0;
