@@ -95,7 +95,7 @@ Simulation::Simulation()
       m_adHocSolver(this, "adHocSolver", false), m_warmStart(this, "warmStart", true),
       m_warmStartFactor(this, "warmStartFactor", 0.5f),
       m_maxPositionCorrection(this, "maxPositionCorrection", math::INF),
-      m_broadphase(this, "broadphase", true), m_solidBodies(3), m_joints(3), m_hinges(3), m_contactCache(3),
+      m_broadphase(this, "broadphase", true), m_solidBodies(3), m_joints(3), m_hinges(3),
       m_stepCallbacks(*new util::CallbackArgSet<float>())
 {
     m_running->AddChangeCallback(util::MakeCallback(&Simulation::OnRunningChange, this));
@@ -396,13 +396,9 @@ void Simulation::CalcContacts()
         // The last step's contacts are remembered by id (where two share one, the later), and let go, so
         // that the collider's pool can hand them out again. A contact missing for one step is forgotten.
         const util::ScopeProfiler stage("Update cache");
-        m_contactCache.clear();
-        m_contactMemory.clear();
+        m_contactCache.Begin(m_contacts.size());
         for (const util::SharedPtr<Contact>& contact : m_contacts)
-        {
-            m_contactCache.Insert(contact->GetID(), static_cast<std::uint32_t>(m_contactMemory.size()));
-            m_contactMemory.append(contact->Remember());
-        }
+            m_contactCache.Remember(*contact);
         m_contacts.clear();
     }
     {
@@ -420,9 +416,9 @@ void Simulation::CalcContacts()
         m_matchedCount = 0;
         for (const util::SharedPtr<Contact>& contact : m_contacts)
         {
-            if (const std::uint32_t* old = m_contactCache.TryGet(contact->GetID()))
+            if (const ContactMemory* old = m_contactCache.Find(contact->GetID()))
             {
-                contact->ReadFrom(m_contactMemory[*old]);
+                contact->ReadFrom(*old);
                 ++m_matchedCount;
             }
         }
@@ -656,8 +652,7 @@ void Simulation::Clear()
     m_particles.clear();
     m_stepList.clear();
     m_contacts.clear();
-    m_contactCache.clear();
-    m_contactMemory.clear();
+    m_contactCache.Clear();
     m_timeDebt = 0.0;
     m_matchedCount = 0;
     m_simulatedTime = 0.0;

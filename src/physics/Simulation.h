@@ -2,7 +2,7 @@
 
 #include "math/Math.h"
 #include "physics/CollisionDetection.h"
-#include "physics/Contact.h"
+#include "physics/ContactCache.h"
 #include "physics/ContactID.h"
 #include "physics/StepContext.h"
 #include "physics/Sweeper.h"
@@ -197,9 +197,7 @@ private:
     // Where the particles begin in the step list.
     size_t m_firstParticle = 0;
     std::vector<util::SharedPtr<Contact>> m_contacts;
-    // The last step's contacts by id: where their ages and impulses stand in m_contactMemory.
-    util::HashMap<ContactID, std::uint32_t, ContactID::Hasher> m_contactCache;
-    util::VectorPOD<ContactMemory> m_contactMemory;
+    ContactCache m_contactCache;
     unsigned int m_matchedCount = 0;
     double m_timeDebt = 0.0;
     float m_updateBudget = 0.05f;
