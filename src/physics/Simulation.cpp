@@ -486,14 +486,24 @@ void Simulation::RunSolver(const StepContext& step)
     for (const util::SharedPtr<Contact>& contact : m_contacts)
         m_solverList.append(contact.get());
     {
+        // A constraint that passes keeps its place for good (the list changes only after it), so the sweeper
+        // packs it now, while it is at hand.
         const util::ScopeProfiler stage("SolveInit");
+        const bool pack = !m_prioritizedSolver;
+        m_sweeper.Begin();
         size_t i = 0;
         while (i < m_solverList.size())
         {
             if (m_solverList[i]->SolveInit(step))
+            {
+                if (pack)
+                    m_sweeper.Add(*m_solverList[i], m_stepList);
                 ++i;
+            }
             else
+            {
                 m_solverList.erase_swap(i);
+            }
         }
     }
     if (m_prioritizedSolver)

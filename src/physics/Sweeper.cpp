@@ -61,15 +61,55 @@ bool Sweeper::IndexOf(const AbstractBody* body, const util::VectorPOD<AbstractBo
     return index < bodies.size() && bodies[index] == body;
 }
 
+void Sweeper::Begin()
+{
+    m_listRows.clear();
+    m_listEntries.clear();
+    m_hasOthers = false;
+    m_packed = true;
+}
+
+void Sweeper::Add(Constraint& constraint, const util::VectorPOD<AbstractBody*>& bodies)
+{
+    std::uint32_t a = 0;
+    std::uint32_t b = 0;
+    if (!IndexOf(constraint.GetBody(0), bodies, a) || !IndexOf(constraint.GetBody(1), bodies, b))
+        m_packed = false;
+    if (!m_packed)
+        return;
+    if (Contact* contact = constraint.AsContact())
+    {
+        m_listEntries.append(Entry{contact, static_cast<std::uint32_t>(m_listRows.size())});
+        m_listRows.resize(m_listRows.size() + 1);
+        contact->MakeRow(a, b, m_listRows[m_listRows.size() - 1]);
+    }
+    else
+    {
+        m_listEntries.append(Entry{&constraint, NOT_A_ROW});
+        m_hasOthers = true;
+    }
+}
+
+bool Sweeper::IsPacked(const util::VectorPOD<Constraint*>& constraints) const
+{
+    if (!m_packed || m_listEntries.size() != constraints.size())
+        return false;
+    for (size_t i = 0; i < constraints.size(); ++i)
+        if (m_listEntries[i].constraint != constraints[i])
+            return false;
+    return true;
+}
+
 void Sweeper::Run(const util::VectorPOD<Constraint*>& constraints,
                   const util::VectorPOD<AbstractBody*>& bodies, int iterations, bool presort)
 {
     const util::ScopeProfiler profile("GaussSeidelSolver");
-    if (!Gather(constraints, bodies))
+    if (!IsPacked(constraints))
     {
         RunOnConstraints(constraints, iterations, presort);
         return;
     }
+    GatherBodies(bodies);
     Order(presort);
     if (m_hasOthers)
         SweepMixed(iterations);
@@ -96,37 +136,11 @@ void Sweeper::RunOnConstraints(const util::VectorPOD<Constraint*>& constraints, 
         }
 }
 
-bool Sweeper::Gather(const util::VectorPOD<Constraint*>& constraints,
-                     const util::VectorPOD<AbstractBody*>& bodies)
+void Sweeper::GatherBodies(const util::VectorPOD<AbstractBody*>& bodies)
 {
-    const size_t count = constraints.size();
-    m_listRows.resize(count);
-    m_listEntries.resize(count);
-    m_hasOthers = false;
-    size_t rows = 0;
-    for (size_t i = 0; i < count; ++i)
-    {
-        Constraint* constraint = constraints[i];
-        std::uint32_t a = 0;
-        std::uint32_t b = 0;
-        if (!IndexOf(constraint->GetBody(0), bodies, a) || !IndexOf(constraint->GetBody(1), bodies, b))
-            return false;
-        if (Contact* contact = constraint->AsContact())
-        {
-            m_listEntries[i] = Entry{contact, static_cast<std::uint32_t>(rows)};
-            contact->MakeRow(a, b, m_listRows[rows++]);
-        }
-        else
-        {
-            m_listEntries[i] = Entry{constraint, NOT_A_ROW};
-            m_hasOthers = true;
-        }
-    }
-    m_listRows.resize(rows);
     m_bodies.resize(bodies.size());
     for (size_t i = 0; i < bodies.size(); ++i)
         m_bodies[i] = SolverBody{bodies[i]->VelocityChange(), bodies[i]->RotationChange()};
-    return true;
 }
 
 void Sweeper::Order(bool presort)

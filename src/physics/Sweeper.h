@@ -20,6 +20,10 @@ class Constraint;
 class Sweeper
 {
 public:
+    // Packing goes along with SolveInit, while each constraint is at hand: Begin, then Add for each one
+    // that takes part, in the order of the list that Run is given.
+    void Begin();
+    void Add(Constraint& constraint, const util::VectorPOD<AbstractBody*>& bodies);
     // Sweeps the constraints, after SolveInit, `iterations` times in the order given; with `presort` the
     // biggest demands come first in the first sweep. The step's bodies carry their velocity changes in
     // and out. Storage stays from call to call.
@@ -48,10 +52,9 @@ private:
     // The body's place in the step's list, or false where the list doesn't hold it.
     bool IndexOf(const AbstractBody* body, const util::VectorPOD<AbstractBody*>& bodies,
                  std::uint32_t& index) const;
-    // Packs the constraints and the velocity changes; false (and nothing to sweep) when a constraint has a
-    // body outside the step's list.
-    bool Gather(const util::VectorPOD<Constraint*>& constraints,
-                const util::VectorPOD<AbstractBody*>& bodies);
+    // Whether what was added is the list given, in its order.
+    bool IsPacked(const util::VectorPOD<Constraint*>& constraints) const;
+    void GatherBodies(const util::VectorPOD<AbstractBody*>& bodies);
     // Puts the packed entries in sweep order.
     void Order(bool presort);
     void SweepRows(int iterations);
@@ -71,6 +74,8 @@ private:
     util::VectorPOD<SolverBody> m_bodies;
     util::VectorPOD<Constraint*> m_sweepOrder;
     bool m_hasOthers = false;
+    // False once a constraint had a body outside the step's list: such a solve runs on the constraints.
+    bool m_packed = true;
 };
 
 } // namespace physics
