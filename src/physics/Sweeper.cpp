@@ -176,7 +176,7 @@ void Sweeper::Order(bool presort)
                   [](const Ranked& a, const Ranked& b) { return a.priority > b.priority; });
     }
     m_rows.resize(m_listRows.size());
-    m_rowContacts.resize(m_listRows.size());
+    m_sortedRowOf.resize(m_listRows.size());
     m_entries.resize(count);
     size_t rows = 0;
     for (size_t k = 0; k < count; ++k)
@@ -189,7 +189,7 @@ void Sweeper::Order(bool presort)
         }
         m_entries[k] = Entry{entry.constraint, static_cast<std::uint32_t>(rows)};
         m_rows[rows] = m_listRows[entry.row];
-        m_rowContacts[rows] = static_cast<Contact*>(entry.constraint);
+        m_sortedRowOf[entry.row] = static_cast<std::uint32_t>(rows);
         ++rows;
     }
 }
@@ -240,8 +240,10 @@ void Sweeper::Scatter(const util::VectorPOD<AbstractBody*>& bodies)
         bodies[i]->VelocityChange() = m_bodies[i].velocityChange;
         bodies[i]->RotationChange() = m_bodies[i].rotationChange;
     }
-    for (size_t k = 0; k < m_rows.size(); ++k)
-        m_rowContacts[k]->TakeResults(m_rows[k]);
+    // In the order given, in which the contacts lie in memory.
+    for (const Entry& entry : m_listEntries)
+        if (entry.row != NOT_A_ROW)
+            static_cast<Contact*>(entry.constraint)->TakeResults(m_rows[m_sortedRowOf[entry.row]]);
 }
 
 } // namespace physics

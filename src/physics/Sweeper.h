@@ -69,7 +69,8 @@ private:
     util::VectorPOD<Entry> m_listEntries;
     util::VectorPOD<Ranked> m_ranked;
     util::VectorPOD<ContactRow> m_rows;
-    util::VectorPOD<Contact*> m_rowContacts;
+    // Where each row of the order given went in sweep order.
+    util::VectorPOD<std::uint32_t> m_sortedRowOf;
     util::VectorPOD<Entry> m_entries;
     util::VectorPOD<SolverBody> m_bodies;
     util::VectorPOD<Constraint*> m_sweepOrder;
