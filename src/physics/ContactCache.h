@@ -14,7 +14,7 @@ namespace physics
 class ContactCache
 {
 public:
-    // Forgets everything and makes room for `count` contacts.
+    // Forgets everything and makes room for `count` contacts; more make it grow.
     void Begin(size_t count);
     void Remember(const Contact& contact);
     const ContactMemory* Find(const ContactID& id) const;
@@ -28,8 +28,14 @@ private:
         std::uint32_t memory;
     };
 
+    // Sizes the table for `count` entries, all empty.
+    void Reserve(size_t count);
+    Slot* FindSlot(const ContactID& id);
+
     util::VectorPOD<Slot> m_slots;
     util::VectorPOD<ContactMemory> m_memory;
+    // The id of each entry of m_memory, for growing.
+    util::VectorPOD<ContactID> m_ids;
     std::uint32_t m_mask = 0;
     std::uint32_t m_generation = 0;
 };
