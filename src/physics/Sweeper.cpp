@@ -149,22 +149,20 @@ void Sweeper::Order(bool presort)
     m_ranked.resize(count);
     for (size_t i = 0; i < count; ++i)
     {
+        // Without the sort the priorities go unread.
         const Entry& entry = m_listEntries[i];
-        float priority = entry.constraint->GetPriority();
-        if (presort)
+        float priority = 0.0f;
+        if (presort && entry.row == NOT_A_ROW)
         {
-            if (entry.row == NOT_A_ROW)
-            {
-                // The bodies still hold the velocity changes that were gathered.
-                entry.constraint->CalcDesiredImpulse();
-                priority = entry.constraint->GetPriority();
-            }
-            else
-            {
-                ContactRow& row = m_listRows[entry.row];
-                DesiredImpulse(row, m_bodies);
-                priority = row.deltaN * row.deltaN + row.deltaT * row.deltaT;
-            }
+            // The bodies still hold the velocity changes that were gathered.
+            entry.constraint->CalcDesiredImpulse();
+            priority = entry.constraint->GetPriority();
+        }
+        else if (presort)
+        {
+            ContactRow& row = m_listRows[entry.row];
+            DesiredImpulse(row, m_bodies);
+            priority = row.deltaN * row.deltaN + row.deltaT * row.deltaT;
         }
         m_ranked[i] = Ranked{priority, static_cast<std::uint32_t>(i)};
     }
