@@ -17,8 +17,10 @@ class Geom;
 class ContactPool
 {
 public:
-    // Frees every contact that only the pool holds.
+    // Frees every contact that only the pool holds, and lets go of the spares beyond as many as were made
+    // since the last call, plus MIN_SPARE_CONTACTS.
     void Reclaim();
+    static constexpr size_t MIN_SPARE_CONTACTS = 1024;
     // A contact as Contact's constructor makes it; the pool keeps a reference to it.
     Contact* Make(Geom& geomA, Geom& geomB, std::uint32_t subId, const math::Vec2& point,
                   const math::Vec2& normal, float depth);
@@ -37,6 +39,7 @@ private:
     std::vector<util::SharedPtr<Contact>> m_contacts;
     util::VectorPOD<Contact*> m_free;
     bool m_overflowed = false;
+    size_t m_madeSinceReclaim = 0;
 };
 
 } // namespace physics

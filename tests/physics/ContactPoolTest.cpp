@@ -70,4 +70,36 @@ TEST_F(WorldTest, ContactPool_ASteadySceneMakesNoNewContacts)
     EXPECT_FALSE(ball->IsBad());
 }
 
+// A pool that served a big world and then a small one keeps a few spares, not the big world's contacts,
+// which every step would otherwise look at; a steady world keeps all it uses.
+TEST_F(WorldTest, ContactPool_GivesBackTheSparesOfAWorldThatShrank)
+{
+    util::SharedPtr<Geom> ground = testing::AddGround();
+    util::SharedPtr<Geom> ball = QLEX_NEW new Circle(math::Vec2(0.0f, 0.4f), 0.5f);
+    testing::AddDynamic(ball);
+    ContactPool pool;
+    const size_t big = 3 * ContactPool::MIN_SPARE_CONTACTS;
+    const auto makeMany = [&](size_t count)
+    {
+        for (size_t i = 0; i < count; ++i)
+            pool.Make(*ground, *ball, static_cast<std::uint32_t>(i), math::Vec2(0, 0), math::Vec2(0, 1),
+                      0.1f);
+    };
+    makeMany(big);
+    for (int step = 0; step < 3; ++step)
+    {
+        pool.Reclaim();
+        makeMany(big);
+        EXPECT_EQ(pool.GetSize(), big) << step;
+    }
+    util::SharedPtr<Contact> held = pool.Make(*ground, *ball, 99, math::Vec2(0, 0), math::Vec2(0, 1), 0.1f);
+    pool.Reclaim();
+    makeMany(10);
+    pool.Reclaim();
+    EXPECT_EQ(pool.GetSize(), 10 + ContactPool::MIN_SPARE_CONTACTS + 1);
+    EXPECT_EQ(pool.GetFreeCount(), 10 + ContactPool::MIN_SPARE_CONTACTS);
+    // The contact held outside stays as it was.
+    EXPECT_EQ(held->GetID().sub, 99u);
+}
+
 } // namespace physics
