@@ -69,6 +69,10 @@ public:
     // Solver scratch: velocity changes gathered during one solve, and the constraints touching this body
     // (kept by the prioritized solver only).
     util::VectorPOD<Constraint*>& GetConstraints() { return m_constraints; }
+    // Where the body stands in the list of the step that is running, so that the solver can keep its
+    // velocity change in an array of its own.
+    std::uint32_t GetStepIndex() const { return m_stepIndex; }
+    void SetStepIndex(std::uint32_t index) { m_stepIndex = index; }
     math::Vec2& VelocityChange() { return m_velocityChange; }
     float& RotationChange() { return m_rotationChange; }
     const math::Vec2& VelocityChange() const { return m_velocityChange; }
@@ -87,6 +91,7 @@ protected:
     float m_angularVelocity = 0.0f;
     float m_torque = 0.0f;
     float m_rotationChange = 0.0f;
+    std::uint32_t m_stepIndex = 0;
     float m_massInv = 0.0f;
     float m_inertiaInv = 0.0f;
     float m_mass;

@@ -22,6 +22,10 @@ const std::int64_t MAX_CELLS_PER_SHAPE = 16;
 // Cell coordinates stay within 32 bits; shapes beyond share the border cells, which costs tests, not
 // contacts.
 const double MAX_CELL_COORDINATE = 2147483647.0;
+// Entries are sorted by counting where the grid they occupy has at most this many cells per entry, plus a
+// few: beyond, clearing the counts would cost more than the sort saves.
+const std::uint64_t COUNTING_SORT_CELLS_PER_ENTRY = 4;
+const std::uint64_t COUNTING_SORT_MIN_CELLS = 1024;
 
 const int STAGE_SHIFT = 58;
 const int OUTER_SHIFT = 29;
@@ -112,6 +116,33 @@ void Broadphase::AddCandidate(std::uint32_t a, std::uint32_t b)
     m_pairs.push_back(MakeKey(STAGES[first->kind][second->kind], first->index, second->index));
 }
 
+void Broadphase::SortCells(std::uint64_t xMin, std::uint64_t xMax, std::uint64_t yMin, std::uint64_t yMax)
+{
+    if (m_cells.empty())
+        return;
+    // Entries are made shape by shape, so a stable sort by cell alone gives the order of (cell, shape).
+    // Where the occupied grid is small beside the number of entries, counting does that in linear time.
+    const std::uint64_t width = xMax - xMin + 1;
+    const std::uint64_t height = yMax - yMin + 1;
+    const std::uint64_t limit = COUNTING_SORT_CELLS_PER_ENTRY * m_cells.size() + COUNTING_SORT_MIN_CELLS;
+    if (width > limit || height > limit || width * height > limit)
+    {
+        std::sort(m_cells.begin(), m_cells.end());
+        return;
+    }
+    const auto dense = [&](std::uint64_t cell)
+    { return static_cast<size_t>(((cell >> 32) - xMin) * height + ((cell & 0xFFFFFFFFu) - yMin)); };
+    m_cellStart.assign(static_cast<size_t>(width * height) + 1, 0);
+    for (const CellEntry& entry : m_cells)
+        ++m_cellStart[dense(entry.cell) + 1];
+    for (size_t c = 1; c < m_cellStart.size(); ++c)
+        m_cellStart[c] += m_cellStart[c - 1];
+    m_sortedCells.resize(m_cells.size());
+    for (const CellEntry& entry : m_cells)
+        m_sortedCells[m_cellStart[dense(entry.cell)]++] = entry;
+    m_cells.swap(m_sortedCells);
+}
+
 void Broadphase::FindPairs()
 {
     m_pairs.clear();
@@ -137,6 +168,7 @@ void Broadphase::FindPairs()
             m_cellSize = cell;
     }
 
+    std::uint64_t xMin = ~std::uint64_t(0), xMax = 0, yMin = ~std::uint64_t(0), yMax = 0;
     for (std::uint32_t i = 0; i < m_shapes.size(); ++i)
     {
         const Shape& shape = m_shapes[i];
@@ -154,11 +186,15 @@ void Broadphase::FindPairs()
             m_unbinned.push_back(i);
             continue;
         }
+        xMin = std::min(xMin, x0);
+        xMax = std::max(xMax, x1);
+        yMin = std::min(yMin, y0);
+        yMax = std::max(yMax, y1);
         for (std::uint64_t x = x0; x <= x1; ++x)
             for (std::uint64_t y = y0; y <= y1; ++y)
                 m_cells.push_back(CellEntry{(x << 32) | y, i});
     }
-    std::sort(m_cells.begin(), m_cells.end());
+    SortCells(xMin, xMax, yMin, yMax);
 
     for (size_t begin = 0; begin < m_cells.size();)
     {

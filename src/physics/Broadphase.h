@@ -78,11 +78,15 @@ private:
     void Add(Kind kind, math::Vec2 min, math::Vec2 max);
     void AddCandidate(std::uint32_t a, std::uint32_t b);
     std::uint64_t CellKey(float x, float y) const;
+    // Sorts m_cells by cell, then shape; the entries lie in the given range of cell coordinates.
+    void SortCells(std::uint64_t xMin, std::uint64_t xMax, std::uint64_t yMin, std::uint64_t yMax);
 
     std::vector<Shape> m_shapes;
     std::uint32_t m_counts[3] = {0, 0, 0};
     // Kept from step to step, so that a running world allocates nothing here.
     std::vector<CellEntry> m_cells;
+    std::vector<CellEntry> m_sortedCells;
+    std::vector<size_t> m_cellStart;
     std::vector<std::uint32_t> m_unbinned;
     std::vector<float> m_sizes;
     std::vector<std::uint64_t> m_pairs;

@@ -26,21 +26,6 @@ const std::uint32_t SUB_CENTRE_INSIDE = 0xFFFFFFFFu;
 // Contacts per step at most: some ten thousand bodies at rest. Shapes heaped on one spot would otherwise
 // meet every other shape, square in time and memory, and the solver could not serve them anyway.
 const size_t MAX_CONTACTS = 200000;
-
-// The pool of the collider whose Collide is running; the pair functions reach it through AddContact.
-ContactPool* s_activePool = nullptr;
-
-class ActivePoolScope
-{
-public:
-    explicit ActivePoolScope(ContactPool& pool) : m_previous(s_activePool) { s_activePool = &pool; }
-    ~ActivePoolScope() { s_activePool = m_previous; }
-    ActivePoolScope(const ActivePoolScope&) = delete;
-    ActivePoolScope& operator=(const ActivePoolScope&) = delete;
-
-private:
-    ContactPool* m_previous;
-};
 } // namespace
 
 bool ShouldCollide(const AbstractBody* bodyA, const Geom& geomA, const AbstractBody* bodyB, const Geom& geomB)
@@ -62,21 +47,21 @@ bool ShouldCollide(const Geom& geomA, const Geom& geomB)
     return ShouldCollide(geomA.GetBody(), geomA, geomB.GetBody(), geomB);
 }
 
-void AddContact(util::VectorPOD<Contact*>& out, Geom& geomA, Geom& geomB, std::uint32_t subId,
-                const math::Vec2& point, const math::Vec2& normal, float depth)
+void AddContact(ContactSink& out, Geom& geomA, Geom& geomB, std::uint32_t subId, const math::Vec2& point,
+                const math::Vec2& normal, float depth)
 {
     if (!(math::IsFinite(point) && math::IsFinite(normal) && math::IsFiniteFloat(depth)))
         Log(logging::Warning, "Collision detection reported bad contact");
-    else if (out.size() >= MAX_CONTACTS)
+    else if (out.contacts.size() >= MAX_CONTACTS)
     {
-        if (!s_activePool || s_activePool->FirstOverflow())
+        if (!out.pool || out.pool->FirstOverflow())
             Log(logging::Warning,
                 "Too many contacts: only the first " + util::ToString(MAX_CONTACTS) + " of a step take part");
     }
-    else if (s_activePool)
-        out.append(s_activePool->Make(geomA, geomB, subId, point, normal, depth));
+    else if (out.pool)
+        out.contacts.append(out.pool->Make(geomA, geomB, subId, point, normal, depth));
     else
-        out.append(new Contact(&geomA, &geomB, subId, point, normal, depth));
+        out.contacts.append(new Contact(&geomA, &geomB, subId, point, normal, depth));
 }
 
 bool RoughIntersectTest(const Polygon& a, const Polygon& b)
@@ -103,8 +88,7 @@ bool AABBvcBC(const BoundingBox2& box, const BoundingCircle& circle)
 namespace
 {
 template <class T>
-void CollideParticleAt(float distance, Particle& particle, const math::Vec2& p, T& shape,
-                       util::VectorPOD<Contact*>& out)
+void CollideParticleAt(float distance, Particle& particle, const math::Vec2& p, T& shape, ContactSink& out)
 {
     const float d = shape.DistanceWorld(p);
     if (d < distance)
@@ -112,25 +96,24 @@ void CollideParticleAt(float distance, Particle& particle, const math::Vec2& p, 
 }
 } // namespace
 
-template <class T>
-void CollideParticle(float distance, Particle& particle, T& shape, util::VectorPOD<Contact*>& out)
+template <class T> void CollideParticle(float distance, Particle& particle, T& shape, ContactSink& out)
 {
     CollideParticleAt(distance, particle, particle.GetPosition(), shape, out);
 }
 
-template <class T> void Collider::CollideWaterWith(T& shape, util::VectorPOD<Contact*>& out)
+template <class T> void Collider::CollideWaterWith(T& shape, ContactSink& out)
 {
     const size_t n = m_particles.size();
     for (size_t k = 0; k < n; ++k)
         CollideParticleAt(m_waterContactDistance, *m_particles[k], m_positions[k], shape, out);
 }
 
-template void CollideParticle<Plane>(float, Particle&, Plane&, util::VectorPOD<Contact*>&);
-template void CollideParticle<Circle>(float, Particle&, Circle&, util::VectorPOD<Contact*>&);
-template void CollideParticle<Polygon>(float, Particle&, Polygon&, util::VectorPOD<Contact*>&);
-template void CollideParticle<Box>(float, Particle&, Box&, util::VectorPOD<Contact*>&);
+template void CollideParticle<Plane>(float, Particle&, Plane&, ContactSink&);
+template void CollideParticle<Circle>(float, Particle&, Circle&, ContactSink&);
+template void CollideParticle<Polygon>(float, Particle&, Polygon&, ContactSink&);
+template void CollideParticle<Box>(float, Particle&, Box&, ContactSink&);
 
-void PlaneCircle(Plane& plane, Circle& circle, util::VectorPOD<Contact*>& out)
+void PlaneCircle(Plane& plane, Circle& circle, ContactSink& out)
 {
     if (!ShouldCollide(plane, circle))
         return;
@@ -141,19 +124,19 @@ void PlaneCircle(Plane& plane, Circle& circle, util::VectorPOD<Contact*>& out)
         AddContact(out, plane, circle, 0, circle.GetPosition() - n * r, n, r - d);
 }
 
-void PlanePoly(Plane& plane, Polygon& polygon, util::VectorPOD<Contact*>& out)
+void PlanePoly(Plane& plane, Polygon& polygon, ContactSink& out)
 {
     if (ShouldCollide(plane, polygon))
         CollidePlanePoly(plane, polygon, out);
 }
 
-void PlaneBox(Plane& plane, Box& box, util::VectorPOD<Contact*>& out)
+void PlaneBox(Plane& plane, Box& box, ContactSink& out)
 {
     if (ShouldCollide(plane, box))
         CollidePlaneBox(plane, box, out);
 }
 
-void CollidePlaneBox(Plane& plane, Box& box, util::VectorPOD<Contact*>& out)
+void CollidePlaneBox(Plane& plane, Box& box, ContactSink& out)
 {
     const math::Vec2& n = plane.GetPlane().normal;
     const math::OBB2D& obb = box.GetWorldOBB();
@@ -169,7 +152,7 @@ void CollidePlaneBox(Plane& plane, Box& box, util::VectorPOD<Contact*>& out)
     }
 }
 
-void CollidePlanePoly(Plane& plane, Polygon& polygon, util::VectorPOD<Contact*>& out)
+void CollidePlanePoly(Plane& plane, Polygon& polygon, ContactSink& out)
 {
     const math::Vec2& n = plane.GetPlane().normal;
     const BoundingCircle bc = polygon.GetBCWorld();
@@ -187,13 +170,13 @@ void CollidePlanePoly(Plane& plane, Polygon& polygon, util::VectorPOD<Contact*>&
     }
 }
 
-void PolygonPolygon(Polygon& a, Polygon& b, util::VectorPOD<Contact*>& out)
+void PolygonPolygon(Polygon& a, Polygon& b, ContactSink& out)
 {
     if (ShouldCollide(a, b) && RoughIntersectTest(a, b))
         CollidePolyPoly(a, b, out);
 }
 
-void CollidePolyPoly(Polygon& a, Polygon& b, util::VectorPOD<Contact*>& out)
+void CollidePolyPoly(Polygon& a, Polygon& b, ContactSink& out)
 {
     // Polygons touch through their vertices only; each vertex is one lookup in the other's field.
     std::uint32_t k = 0;
@@ -213,7 +196,7 @@ void CollidePolyPoly(Polygon& a, Polygon& b, util::VectorPOD<Contact*>& out)
     }
 }
 
-void CircleCircle(Circle& a, Circle& b, util::VectorPOD<Contact*>& out)
+void CircleCircle(Circle& a, Circle& b, ContactSink& out)
 {
     if (!ShouldCollide(a, b))
         return;
@@ -228,13 +211,13 @@ void CircleCircle(Circle& a, Circle& b, util::VectorPOD<Contact*>& out)
     AddContact(out, a, b, 0, a.GetPosition() + n * (a.GetRadius() - depth / 2.0f), n, depth);
 }
 
-void CirclePolygon(Circle& circle, Polygon& polygon, util::VectorPOD<Contact*>& out)
+void CirclePolygon(Circle& circle, Polygon& polygon, ContactSink& out)
 {
     if (ShouldCollide(circle, polygon))
         CollideCirclePolygon(circle, polygon, out);
 }
 
-void CollideCirclePolygon(Circle& circle, Polygon& polygon, util::VectorPOD<Contact*>& out)
+void CollideCirclePolygon(Circle& circle, Polygon& polygon, ContactSink& out)
 {
     const math::Vec2& c = circle.GetPosition();
     const float r = circle.GetRadius();
@@ -274,7 +257,7 @@ void CollideCirclePolygon(Circle& circle, Polygon& polygon, util::VectorPOD<Cont
     }
 }
 
-void BoxBox(Box& a, Box& b, util::VectorPOD<Contact*>& out)
+void BoxBox(Box& a, Box& b, ContactSink& out)
 {
     if (!ShouldCollide(a, b))
         return;
@@ -381,7 +364,7 @@ void BoxBox(Box& a, Box& b, util::VectorPOD<Contact*>& out)
     AddContact(out, refBox, incBox, 1 - subA, pb, n, -db);
 }
 
-void BoxPolygon(Box& box, Polygon& polygon, util::VectorPOD<Contact*>& out)
+void BoxPolygon(Box& box, Polygon& polygon, ContactSink& out)
 {
     if (!ShouldCollide(box, polygon) || !math::Intersects(box.GetWorldOBB(), polygon.GetWorldOBB()))
         return;
@@ -404,7 +387,7 @@ void BoxPolygon(Box& box, Polygon& polygon, util::VectorPOD<Contact*>& out)
     }
 }
 
-void BoxCircle(Box& box, Circle& circle, util::VectorPOD<Contact*>& out)
+void BoxCircle(Box& box, Circle& circle, ContactSink& out)
 {
     if (!ShouldCollide(box, circle))
         return;
@@ -485,11 +468,11 @@ void Collider::AssignBodies(const std::vector<util::SharedPtr<Body>>& bodies,
         m_particles.append(p.get());
 }
 
-void Collider::Collide(util::VectorPOD<Contact*>& out)
+void Collider::Collide(util::VectorPOD<Contact*>& list)
 {
     const util::ScopeProfiler profile("Collider::Collide");
     m_contactPool.Reclaim();
-    const ActivePoolScope poolScope(m_contactPool);
+    ContactSink out{list, &m_contactPool};
     {
         const util::ScopeProfiler profile("Plane");
         for (Plane* plane : m_planes)
@@ -510,7 +493,7 @@ void Collider::Collide(util::VectorPOD<Contact*>& out)
         CollideWater(out);
 }
 
-void Collider::CollideAllPairs(util::VectorPOD<Contact*>& out)
+void Collider::CollideAllPairs(ContactSink& out)
 {
     {
         const util::ScopeProfiler profile("Polygon-Polygon");
@@ -565,7 +548,7 @@ template <class F> void Collider::RunStage(Broadphase::Stage stage, size_t& next
     }
 }
 
-void Collider::CollideCandidatePairs(util::VectorPOD<Contact*>& out)
+void Collider::CollideCandidatePairs(ContactSink& out)
 {
     {
         const util::ScopeProfiler profile("Broadphase");
@@ -617,7 +600,7 @@ void Collider::CollideCandidatePairs(util::VectorPOD<Contact*>& out)
     }
 }
 
-void Collider::CollideWater(util::VectorPOD<Contact*>& out)
+void Collider::CollideWater(ContactSink& out)
 {
     const util::ScopeProfiler profile("Water");
     BoundingBox2 waterBox = BoundingBox2::Empty();

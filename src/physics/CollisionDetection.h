@@ -20,6 +20,14 @@ class Particle;
 class Plane;
 class Polygon;
 
+// Where the pair functions put what they find: the list, and the pool that the contacts come from (none:
+// they are made with new, and the caller owns them).
+struct ContactSink
+{
+    util::VectorPOD<Contact*>& contacts;
+    ContactPool* pool;
+};
+
 struct PolyHull
 {
     Body* body;
@@ -49,13 +57,13 @@ public:
     void SetBroadphase(bool on) { m_useBroadphase = on; }
 
 private:
-    void CollideAllPairs(util::VectorPOD<Contact*>& out);
-    void CollideCandidatePairs(util::VectorPOD<Contact*>& out);
+    void CollideAllPairs(ContactSink& out);
+    void CollideCandidatePairs(ContactSink& out);
     // Runs `collide` on the candidates of the stage, from `next` on, and leaves `next` after them.
     template <class F> void RunStage(Broadphase::Stage stage, size_t& next, F collide);
-    void CollideWater(util::VectorPOD<Contact*>& out);
+    void CollideWater(ContactSink& out);
     // CollideParticle for every particle, from the copied positions.
-    template <class T> void CollideWaterWith(T& shape, util::VectorPOD<Contact*>& out);
+    template <class T> void CollideWaterWith(T& shape, ContactSink& out);
 
     util::VectorPOD<Plane*> m_planes;
     util::VectorPOD<PolyHull> m_polygons;
@@ -75,31 +83,29 @@ bool ShouldCollide(const AbstractBody* bodyA, const Geom& geomA, const AbstractB
                    const Geom& geomB);
 bool ShouldCollide(const Geom& geomA, const Geom& geomB);
 
-// Drops (and logs) a contact with a non-finite value. Within Collider::Collide the contact comes from the
-// collider's pool, otherwise from new (and the caller owns it).
-void AddContact(util::VectorPOD<Contact*>& out, Geom& geomA, Geom& geomB, std::uint32_t subId,
-                const math::Vec2& point, const math::Vec2& normal, float depth);
+// Drops (and logs) a contact with a non-finite value.
+void AddContact(ContactSink& out, Geom& geomA, Geom& geomB, std::uint32_t subId, const math::Vec2& point,
+                const math::Vec2& normal, float depth);
 
 bool RoughIntersectTest(const Polygon& a, const Polygon& b);
 bool AABBvcBC(const BoundingBox2& box, const BoundingCircle& circle);
 
-template <class T>
-void CollideParticle(float distance, Particle& particle, T& shape, util::VectorPOD<Contact*>& out);
+template <class T> void CollideParticle(float distance, Particle& particle, T& shape, ContactSink& out);
 
 // Pair functions. Those named Collide... hold the work without the filter; the others test ShouldCollide
 // first.
-void PlaneCircle(Plane& plane, Circle& circle, util::VectorPOD<Contact*>& out);
-void PlanePoly(Plane& plane, Polygon& polygon, util::VectorPOD<Contact*>& out);
-void PlaneBox(Plane& plane, Box& box, util::VectorPOD<Contact*>& out);
-void CollidePlaneBox(Plane& plane, Box& box, util::VectorPOD<Contact*>& out);
-void CollidePlanePoly(Plane& plane, Polygon& polygon, util::VectorPOD<Contact*>& out);
-void PolygonPolygon(Polygon& a, Polygon& b, util::VectorPOD<Contact*>& out);
-void CollidePolyPoly(Polygon& a, Polygon& b, util::VectorPOD<Contact*>& out);
-void CircleCircle(Circle& a, Circle& b, util::VectorPOD<Contact*>& out);
-void CirclePolygon(Circle& circle, Polygon& polygon, util::VectorPOD<Contact*>& out);
-void CollideCirclePolygon(Circle& circle, Polygon& polygon, util::VectorPOD<Contact*>& out);
-void BoxBox(Box& a, Box& b, util::VectorPOD<Contact*>& out);
-void BoxPolygon(Box& box, Polygon& polygon, util::VectorPOD<Contact*>& out);
-void BoxCircle(Box& box, Circle& circle, util::VectorPOD<Contact*>& out);
+void PlaneCircle(Plane& plane, Circle& circle, ContactSink& out);
+void PlanePoly(Plane& plane, Polygon& polygon, ContactSink& out);
+void PlaneBox(Plane& plane, Box& box, ContactSink& out);
+void CollidePlaneBox(Plane& plane, Box& box, ContactSink& out);
+void CollidePlanePoly(Plane& plane, Polygon& polygon, ContactSink& out);
+void PolygonPolygon(Polygon& a, Polygon& b, ContactSink& out);
+void CollidePolyPoly(Polygon& a, Polygon& b, ContactSink& out);
+void CircleCircle(Circle& a, Circle& b, ContactSink& out);
+void CirclePolygon(Circle& circle, Polygon& polygon, ContactSink& out);
+void CollideCirclePolygon(Circle& circle, Polygon& polygon, ContactSink& out);
+void BoxBox(Box& a, Box& b, ContactSink& out);
+void BoxPolygon(Box& box, Polygon& polygon, ContactSink& out);
+void BoxCircle(Box& box, Circle& circle, ContactSink& out);
 
 } // namespace physics

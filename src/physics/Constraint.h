@@ -6,6 +6,9 @@
 
 namespace physics
 {
+class Contact;
+struct StepContext;
+
 // Parameters of a stiff, damped constraint for one step length h, from stiffness k and damping d (in
 // steps). With q = 4 d + 1, the distance term corrects an error over about d steps, the velocity term
 // removes 4d/q of the approach speed, and the regularisation 4 / (q h^2 k) softens the constraint as a
@@ -31,10 +34,11 @@ public:
     ~Constraint() override;
 
     // False when the constraint takes no part in this solve.
-    virtual bool SolveInit() = 0;
+    virtual bool SolveInit(const StepContext& step) = 0;
     virtual void CalcDesiredImpulse() = 0;
     virtual void ApplyImpulse() = 0;
-    virtual void SolveExit() {}
+    // The contact this is, if it is one: the solver keeps contacts in a compact form of its own.
+    virtual Contact* AsContact() { return nullptr; }
 
     float GetPriority() const { return m_priority; }
     AbstractBody* GetBody(int i) const { return m_bodies[i]; }

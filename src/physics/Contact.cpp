@@ -4,16 +4,13 @@
 #include "physics/AbstractBody.h"
 #include "physics/Geom.h"
 #include "physics/Simulation.h"
+#include "physics/StepContext.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace physics
 {
-// Defaults of the settings (h 0.01, d 5, k 1e8, leap-frog), until the first solve sets them.
-ConstraintParams Contact::s_params(0.01f, 5.0f, 1e8f, 0.005f);
-float Contact::s_targetPenetration = 0.001f;
-
 float Mix(float a, float b)
 {
     const float p = a * b;
@@ -66,44 +63,42 @@ void Contact::Reset(Geom* geomA, Geom* geomB, std::uint32_t subId, const math::V
     m_r1 = point - m_bodies[1]->GetPosition();
     m_massN = CombinedMass(*m_bodies[0], m_r0, *m_bodies[1], m_r1, m_normal);
     m_massT = CombinedMass(*m_bodies[0], m_r0, *m_bodies[1], m_r1, m_tangent);
-    m_regularizedN = 1.0f / (1.0f / m_massN + s_params.regularization);
-    m_regularizedT = 1.0f / (1.0f / m_massT + s_params.regularization);
 }
 
-void Contact::ReadFrom(const Contact& old)
+void Contact::ReadFrom(const ContactMemory& old)
 {
-    m_birthTime = old.m_birthTime;
-    m_sumN = old.m_sumN;
-    m_sumT = old.m_sumT;
+    m_birthTime = old.birthTime;
+    m_sumN = old.sumN;
+    m_sumT = old.sumT;
     m_isNew = false;
 }
 
-bool Contact::SolveInit()
+bool Contact::SolveInit(const StepContext& step)
 {
     if (!m_bodies[0] || !m_bodies[1] || (m_bodies[0]->IsImmovable() && m_bodies[1]->IsImmovable()))
         return false;
     const AbstractBody& a = *m_bodies[0];
     const AbstractBody& b = *m_bodies[1];
-    const Simulation& sim = *Simulation::GetInstancePtr();
     CacheInverseMasses();
 
     const math::Vec2 v = b.GetVelAtWorld(m_point) - a.GetVelAtWorld(m_point);
     m_relativeVelocity = v;
     const math::Vec2 acc = AccelerationAt(b, m_r1) - AccelerationAt(a, m_r0);
-    const ConstraintParams& p = s_params;
+    const ConstraintParams& p = step.contactParams;
 
     if (m_isNew)
     {
-        // A new contact asks the approach speed to reverse, scaled by restitution.
+        // A new contact asks the approach speed to reverse, scaled by restitution: hard, without the
+        // regularisation's softening.
         m_activeMassN = m_massN;
         m_activeMassT = m_massT;
         m_targetN = (1.0f + m_restitution) * math::Dot(v, m_normal);
     }
     else
     {
-        m_activeMassN = m_regularizedN;
-        m_activeMassT = m_regularizedT;
-        const float error = std::min(s_targetPenetration - m_depth, sim.m_maxPositionCorrection.Get());
+        m_activeMassN = 1.0f / (1.0f / m_massN + p.regularization);
+        m_activeMassT = 1.0f / (1.0f / m_massT + p.regularization);
+        const float error = std::min(step.targetPenetration - m_depth, step.maxPositionCorrection);
         m_targetN = error * p.distanceFactor * m_distanceWeight + math::Dot(v, m_normal) * p.velocityFactor +
                     math::Dot(acc, m_normal) * p.accelerationFactor;
     }
@@ -116,10 +111,10 @@ bool Contact::SolveInit()
         !math::IsFiniteFloat(m_friction))
         return false;
 
-    if (!m_isNew && sim.m_warmStart)
+    if (!m_isNew && step.warmStart)
     {
-        m_sumN *= sim.m_warmStartFactor;
-        m_sumT *= sim.m_warmStartFactor;
+        m_sumN *= step.warmStartFactor;
+        m_sumT *= step.warmStartFactor;
         Constraint::ApplyImpulse(m_normal * m_sumN + m_tangent * m_sumT);
     }
     else
@@ -153,6 +148,38 @@ void Contact::ApplyImpulse()
     Constraint::ApplyImpulse(m_normal * m_deltaN + m_tangent * m_deltaT);
     m_sumN += m_deltaN;
     m_sumT += m_deltaT;
+}
+
+void Contact::MakeRow(std::uint32_t bodyA, std::uint32_t bodyB, ContactRow& row) const
+{
+    row.bodyA = bodyA;
+    row.bodyB = bodyB;
+    row.normal = m_normal;
+    row.r0 = m_r0;
+    row.r1 = m_r1;
+    for (int i = 0; i < 2; ++i)
+    {
+        row.massInv[i] = m_massInv[i];
+        row.inertiaInv[i] = m_inertiaInv[i];
+    }
+    row.activeMassN = m_activeMassN;
+    row.activeMassT = m_activeMassT;
+    row.targetN = m_targetN;
+    row.targetT = m_targetT;
+    row.friction = m_friction;
+    row.sumN = m_sumN;
+    row.sumT = m_sumT;
+    row.deltaN = m_deltaN;
+    row.deltaT = m_deltaT;
+}
+
+void Contact::TakeResults(const ContactRow& row)
+{
+    m_sumN = row.sumN;
+    m_sumT = row.sumT;
+    m_deltaN = row.deltaN;
+    m_deltaT = row.deltaT;
+    m_priority = m_deltaN * m_deltaN + m_deltaT * m_deltaT;
 }
 
 math::Vec2 Contact::GetTotalImpulse() const

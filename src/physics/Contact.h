@@ -7,6 +7,36 @@ namespace physics
 {
 class Geom;
 
+// A contact as the solver's sweeps see it, packed for a pass over thousands of them: the bodies by their
+// places in the step's list, and everything else that CalcDesiredImpulse and ApplyImpulse read or write.
+struct ContactRow
+{
+    std::uint32_t bodyA;
+    std::uint32_t bodyB;
+    math::Vec2 normal;
+    math::Vec2 r0;
+    math::Vec2 r1;
+    float massInv[2];
+    float inertiaInv[2];
+    float activeMassN;
+    float activeMassT;
+    float targetN;
+    float targetT;
+    float friction;
+    float sumN;
+    float sumT;
+    float deltaN;
+    float deltaT;
+};
+
+// What a contact carries into the next step when it is found again: its age and its impulses.
+struct ContactMemory
+{
+    double birthTime;
+    float sumN;
+    float sumT;
+};
+
 // A unilateral constraint with friction at one point. The normal points from shape A to shape B, the depth
 // is positive while they overlap, and relative velocities are B's minus A's.
 class Contact : public Constraint
@@ -20,11 +50,17 @@ public:
                const math::Vec2& normal, float depth);
 
     // Continues a contact of the last step: its age and impulses carry over.
-    void ReadFrom(const Contact& old);
+    void ReadFrom(const Contact& old) { ReadFrom(old.Remember()); }
+    void ReadFrom(const ContactMemory& old);
+    ContactMemory Remember() const { return ContactMemory{m_birthTime, m_sumN, m_sumT}; }
 
-    bool SolveInit() override;
+    bool SolveInit(const StepContext& step) override;
     void CalcDesiredImpulse() override;
     void ApplyImpulse() override;
+    Contact* AsContact() override { return this; }
+    // The solver's packed copy, after SolveInit, and the sweeps' results taken back from it.
+    void MakeRow(std::uint32_t bodyA, std::uint32_t bodyB, ContactRow& row) const;
+    void TakeResults(const ContactRow& row);
 
     math::Vec2 GetTotalImpulse() const;
     bool IsSeparating() const;
@@ -40,9 +76,6 @@ public:
     float GetSumN() const { return m_sumN; }
     float GetSumT() const { return m_sumT; }
 
-    static ConstraintParams s_params;
-    static float s_targetPenetration;
-
 private:
     double m_birthTime;
     math::Vec2 m_point;
@@ -56,8 +89,6 @@ private:
     math::Vec2 m_relativeVelocity;
     float m_massN;
     float m_massT;
-    float m_regularizedN;
-    float m_regularizedT;
     float m_activeMassN;
     float m_activeMassT;
     float m_targetN;

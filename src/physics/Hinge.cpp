@@ -4,14 +4,13 @@
 #include "logging/Log.h"
 #include "physics/Body.h"
 #include "physics/Simulation.h"
+#include "physics/StepContext.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace physics
 {
-ConstraintParams Hinge::s_params(0.01f, 5.0f, 1e8f, 0.005f);
-
 Hinge::Hinge(const util::SharedPtr<Geom>& geomA, const util::SharedPtr<Geom>& geomB,
              const math::Vec2& anchorA, const math::Vec2& anchorB)
     : m_geomA(geomA), m_geomB(geomB), m_anchorA(anchorA), m_anchorB(anchorB)
@@ -56,7 +55,7 @@ void Hinge::GetWorldPoints(math::Vec2 out[2]) const
     out[1] = math::TransformCoordinate(m_geomB->GetPose(), m_anchorB);
 }
 
-bool Hinge::SolveInit()
+bool Hinge::SolveInit(const StepContext& step)
 {
     m_bodies[0] = m_geomA->GetBody();
     m_bodies[1] = m_geomB->GetBody();
@@ -65,8 +64,7 @@ bool Hinge::SolveInit()
         return false;
     const AbstractBody& a = *m_bodies[0];
     const AbstractBody& b = *m_bodies[1];
-    const Simulation& sim = *Simulation::GetInstancePtr();
-    const ConstraintParams& p = s_params;
+    const ConstraintParams& p = step.hingeParams;
     CacheInverseMasses();
 
     math::Vec2 points[2];
@@ -114,8 +112,8 @@ bool Hinge::SolveInit()
     const math::Vec2 velB = b.GetVelAtWorld(points[1]);
     math::Vec2 error = points[1] - points[0];
     const float errorLength = error.Length();
-    if (errorLength > 0.0f && errorLength > sim.m_maxPositionCorrection)
-        error *= sim.m_maxPositionCorrection / errorLength;
+    if (errorLength > 0.0f && errorLength > step.maxPositionCorrection)
+        error *= step.maxPositionCorrection / errorLength;
     m_target = -((accB - accA) * p.accelerationFactor + (velB - velA) * p.velocityFactor +
                  error * (p.distanceFactor * m_distanceWeight));
 
@@ -128,9 +126,9 @@ bool Hinge::SolveInit()
             (iB * b.GetTorque() - iA * a.GetTorque()) * p.accelerationFactor;
     }
 
-    if (sim.m_warmStart)
+    if (step.warmStart)
     {
-        const float f = sim.m_warmStartFactor * m_warmStartWeight;
+        const float f = step.warmStartFactor * m_warmStartWeight;
         m_sum *= f;
         Constraint::ApplyImpulse(m_sum);
         if (m_motorOn && m_motorSum != 0.0f)

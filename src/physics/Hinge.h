@@ -22,7 +22,7 @@ public:
     bool IsInSim() const { return m_isInSim; }
     void GetWorldPoints(math::Vec2 out[2]) const;
 
-    bool SolveInit() override;
+    bool SolveInit(const StepContext& step) override;
     void CalcDesiredImpulse() override;
     void ApplyImpulse() override;
 
@@ -44,8 +44,6 @@ public:
     bool IsBroken() const { return m_broken; }
     const math::Vec2& GetSum() const { return m_sum; }
     float GetMotorSum() const { return m_motorSum; }
-
-    static ConstraintParams s_params;
 
 private:
     bool m_isInSim = false;

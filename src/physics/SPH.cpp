@@ -12,11 +12,6 @@
 
 namespace physics
 {
-float s_influenceRad = 0.1f;
-float s_kernel64PiH9Inv = 0.0f;
-float s_kernelPiH6Inv = 0.0f;
-float s_mass = 0.0f;
-
 namespace
 {
 // Stands in for the distance of two particles at one point, as a fraction of the radius, so that they
@@ -79,40 +74,20 @@ void SPH::OnParticleSettingsChange()
     m_particleSettingsChanged = true;
 }
 
-float SPH::InfluenceKernel(float d)
+WaterKernel SPH::MakeKernel() const
 {
-    const float h = s_influenceRad;
-    const float q = h * h - d * d;
-    return 315.0f * s_kernel64PiH9Inv * q * q * q;
-}
-
-float SPH::PressureKernelDelta(float d)
-{
-    const float q = s_influenceRad - d;
-    return 45.0f * s_kernelPiH6Inv * q * q;
-}
-
-float SPH::ViscocityKernelDelta2(float d)
-{
-    return 45.0f * s_kernelPiH6Inv * (s_influenceRad - d);
-}
-
-void SPH::SetupKernels()
-{
+    WaterKernel kernel;
     const float h = InfluenceDistance();
-    s_influenceRad = h;
+    kernel.influenceRad = h;
     const double h3 = double(h) * h * h;
-    s_kernel64PiH9Inv = static_cast<float>(1.0 / (64.0 * math::PI * h3 * h3 * h3));
-    s_kernelPiH6Inv = static_cast<float>(1.0 / (math::PI * h3 * h3));
+    kernel.kernel64PiH9Inv = static_cast<float>(1.0 / (64.0 * math::PI * h3 * h3 * h3));
+    kernel.kernelPiH6Inv = static_cast<float>(1.0 / (math::PI * h3 * h3));
     const float radius = m_radius;
-    s_mass = math::PIf * radius * radius * m_density;
-    // A radius, influence or density of 0 (or a value so small or large that the kernels overflow) leaves
-    // nothing to weigh the neighbours with: such water has no pressure, viscosity or cohesion.
-    m_kernelsUsable = h > 0.0f && math::IsFiniteFloat(h) && s_mass > 0.0f && math::IsFiniteFloat(s_mass) &&
-                      math::IsFiniteFloat(s_kernel64PiH9Inv) && math::IsFiniteFloat(s_kernelPiH6Inv);
+    kernel.mass = math::PIf * radius * radius * m_density;
+    return kernel;
 }
 
-void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float dt)
+void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, const StepContext& step)
 {
     const util::ScopeProfiler profile("SPH::Update");
     if (particles.empty())
@@ -122,7 +97,7 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
         m_workingList.append(p.get());
     const float radius = m_radius;
     const float density = m_density;
-    s_mass = math::PIf * radius * radius * density;
+    const WaterKernel& kernel = step.water;
     {
         // A change of the settings takes effect at once on all water. Without one, every particle already
         // has them: from the last update, or from its constructor if it is newer.
@@ -139,14 +114,14 @@ void SPH::Update(const std::vector<util::SharedPtr<Particle>>& particles, float 
     FindNeighbors();
     // A particle alone (only itself in its list) ages as the results are written; removal is the
     // simulation's business.
-    CalcForces(&dt);
+    CalcForces(kernel, &step.h);
     const float jitter = m_jitter;
     if (jitter != 0.0f && m_kernelsUsable)
     {
         const util::ScopeProfiler stage("Jitter");
         util::Random random;
         for (Particle* p : m_workingList)
-            p->AddForce(random.GetNormalVec2() * (s_mass * jitter));
+            p->AddForce(random.GetNormalVec2() * (kernel.mass * jitter));
     }
     ReportStatistics();
     m_workingList.clear();
@@ -335,18 +310,20 @@ void SPH::MatchCells(unsigned int beginA, unsigned int endA, unsigned int beginB
     }
 }
 
-void SPH::CalcForces()
+void SPH::CalcForces(const WaterKernel& kernel)
 {
-    CalcForces(nullptr);
+    CalcForces(kernel, nullptr);
 }
 
-void SPH::CalcForces(const float* agingStep)
+void SPH::CalcForces(const WaterKernel& kernel, const float* agingStep)
 {
     // Works on the positions and velocities that FindNeighbors read. Each pair is handled once and gives
     // its terms to both particles: with the offset reversed they are exactly the negated terms, so that
     // every particle's sums take the same values in the same order as a walk over its own list would.
     const util::ScopeProfiler profile("CalcSPHForces");
-    SetupKernels();
+    // A radius, influence or density of 0 (or a value so small or large that the kernels overflow) leaves
+    // nothing to weigh the neighbours with: such water has no pressure, viscosity or cohesion.
+    m_kernelsUsable = kernel.IsUsable();
     const size_t n = m_sorted.size();
     // Particles that were never searched for neighbours are not alone, only unexamined: they don't age.
     if (!m_searchable)
@@ -364,19 +341,19 @@ void SPH::CalcForces(const float* agingStep)
             m_pressure[s] = 0.0f;
             m_pressureSum[s] = m_gradientSum[s] = m_viscositySum[s] = math::Vec2(0.0f, 0.0f);
         }
-        WriteResults(agingStep);
+        WriteResults(kernel, agingStep);
         return;
     }
     const float restDensity = m_density;
     const float stiffness = m_soundSpeed * m_soundSpeed;
     m_particleDensity.resize(n);
     m_pressure.resize(n);
-    const float selfDensity = s_mass * InfluenceKernel(0.0f);
+    const float selfDensity = kernel.mass * kernel.Influence(0.0f);
     for (size_t s = 0; s < n; ++s)
         m_particleDensity[s] = selfDensity;
     for (const Pair& pair : m_pairs)
     {
-        const float w = s_mass * InfluenceKernel(pair.distance);
+        const float w = kernel.mass * kernel.Influence(pair.distance);
         m_particleDensity[pair.first] += w;
         m_particleDensity[pair.Second()] += w;
     }
@@ -403,7 +380,7 @@ void SPH::CalcForces(const float* agingStep)
     {
         const unsigned int i = pair.first;
         const unsigned int j = pair.Second();
-        const math::Vec2 g = PairOffset(pair) * PressureKernelDelta(pair.distance);
+        const math::Vec2 g = PairOffset(pair) * kernel.PressureDelta(pair.distance);
         const float c = specialPressure ? (pressure[i] + pressure[j]) / (2.0f * density[i] * density[j])
                                         : pressure[i] / (density[i] * density[i]) +
                                               pressure[j] / (density[j] * density[j]);
@@ -413,20 +390,20 @@ void SPH::CalcForces(const float* agingStep)
         m_gradientSum[i] += g / density[j];
         m_gradientSum[j] -= g / density[i];
         const math::Vec2 viscosityTerm =
-            (velocity[j] - velocity[i]) * (ViscocityKernelDelta2(pair.distance) / (density[j] * density[i]));
+            (velocity[j] - velocity[i]) * (kernel.ViscosityDelta2(pair.distance) / (density[j] * density[i]));
         m_viscositySum[i] += viscosityTerm;
         m_viscositySum[j] -= viscosityTerm;
     }
-    WriteResults(agingStep);
+    WriteResults(kernel, agingStep);
 }
 
-void SPH::WriteResults(const float* agingStep)
+void SPH::WriteResults(const WaterKernel& kernel, const float* agingStep)
 {
     // Water without usable kernels gets no force at all: its scales may not be finite.
     const bool forces = m_kernelsUsable;
-    const float viscosityScale = m_viscosity * s_mass * m_viscMultiplier;
-    const float pressureScale = s_mass * m_pressMultiplier;
-    const float cohesionScale = forces ? m_surfaceTension * s_mass : 0.0f;
+    const float viscosityScale = m_viscosity * kernel.mass * m_viscMultiplier;
+    const float pressureScale = kernel.mass * m_pressMultiplier;
+    const float cohesionScale = forces ? m_surfaceTension * kernel.mass : 0.0f;
     for (size_t s = 0; s < m_sorted.size(); ++s)
     {
         Particle& p = *m_sorted[s];
@@ -439,13 +416,13 @@ void SPH::WriteResults(const float* agingStep)
             p.m_lonelyTime = m_neighborCount[s] < 2 ? p.m_lonelyTime + *agingStep : 0.0f;
         const math::Vec2 force =
             (p.m_cohesionForce + m_viscositySum[s] * viscosityScale - m_pressureSum[s] * pressureScale) *
-            s_mass;
+            kernel.mass;
         if (forces)
             p.AddForce(force);
     }
 }
 
-void SPH::VelocitySmoothing()
+void SPH::VelocitySmoothing(const WaterKernel& kernel)
 {
     if (!m_velocitySmoothing || m_workingList.empty() || !m_kernelsUsable)
         return;
@@ -454,7 +431,7 @@ void SPH::VelocitySmoothing()
     const size_t n = m_sorted.size();
     util::VectorPOD<math::Vec2>& sum = m_pressureSum;
     util::VectorPOD<float>& weight = m_particleDensity;
-    const float selfWeight = InfluenceKernel(0.0f);
+    const float selfWeight = kernel.Influence(0.0f);
     for (size_t s = 0; s < n; ++s)
     {
         m_velocity[s] = m_sorted[s]->GetVelocity();
@@ -463,7 +440,7 @@ void SPH::VelocitySmoothing()
     }
     for (const Pair& pair : m_pairs)
     {
-        const float w = InfluenceKernel(pair.distance);
+        const float w = kernel.Influence(pair.distance);
         const unsigned int j = pair.Second();
         sum[pair.first] += m_velocity[j] * w;
         weight[pair.first] += w;

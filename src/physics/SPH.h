@@ -2,6 +2,8 @@
 
 #include "math/Math.h"
 #include "physics/Particle.h"
+#include "physics/StepContext.h"
+#include "physics/WaterKernel.h"
 #include "script/AttribWrapper.h"
 #include "script/Reflected.h"
 #include "util/HashMap.h"
@@ -15,13 +17,6 @@
 
 namespace physics
 {
-// Kernel constants, recomputed by SPH::SetupKernels: the influence distance h, 1 / (64 pi h^9),
-// 1 / (pi h^6), and the mass of one particle.
-extern float s_influenceRad;
-extern float s_kernel64PiH9Inv;
-extern float s_kernelPiH6Inv;
-extern float s_mass;
-
 // The grid cell of a position: each coordinate times the inverse cell size, truncated toward zero. The
 // cells touching an axis are thus twice as wide on it, which keeps every cell at least one cell size wide.
 math::TVector2<int> Cellify(const math::Vec2& position, float inverseCellSize);
@@ -41,21 +36,18 @@ public:
     SPH();
     ~SPH() override;
 
-    void Update(const std::vector<util::SharedPtr<Particle>>& particles, float dt);
+    void Update(const std::vector<util::SharedPtr<Particle>>& particles, const StepContext& step);
     void FindNeighbors();
-    void CalcForces();
-    void SetupKernels();
-    void VelocitySmoothing();
+    void CalcForces(const WaterKernel& kernel);
+    // The kernels of the present settings.
+    WaterKernel MakeKernel() const;
+    void VelocitySmoothing(const WaterKernel& kernel);
     float InfluenceDistance() const { return m_radius * m_influence; }
     // Pairs of particles, one from the cell list [beginA, endA) and one from [beginB, endB) (positions in
     // the hash's cell order), closer than the square root of squaredDistance become neighbours. One list
     // given twice matches each pair of it once.
     void MatchCells(unsigned int beginA, unsigned int endA, unsigned int beginB, unsigned int endB,
                     float squaredDistance);
-
-    static float InfluenceKernel(float d);
-    static float PressureKernelDelta(float d);
-    static float ViscocityKernelDelta2(float d);
 
     // The last reported values, as a script reads them.
     float GetReportedValue(const util::String& name) const;
@@ -117,13 +109,13 @@ private:
     }
 
     // With an aging step, particles alone in their lists also grow older by it.
-    void CalcForces(const float* agingStep);
+    void CalcForces(const WaterKernel& kernel, const float* agingStep);
     void OnParticleSettingsChange();
     void HashParticles(float inverseCellSize);
     // The slot of the cell, or NO_SLOT when it holds no particle.
     unsigned int FindSlot(int x, int y) const;
     static constexpr unsigned int NO_SLOT = 0xFFFFFFFFu;
-    void WriteResults(const float* agingStep);
+    void WriteResults(const WaterKernel& kernel, const float* agingStep);
     void ReportStatistics();
     void ReportHashInfo();
     void ReportValue(const char* name, float value);

@@ -95,7 +95,7 @@ Simulation::Simulation()
       m_adHocSolver(this, "adHocSolver", false), m_warmStart(this, "warmStart", true),
       m_warmStartFactor(this, "warmStartFactor", 0.5f),
       m_maxPositionCorrection(this, "maxPositionCorrection", math::INF),
-      m_broadphase(this, "broadphase", true), m_solidBodies(3), m_joints(3), m_hinges(3), m_contactCache(3),
+      m_broadphase(this, "broadphase", true), m_solidBodies(3), m_joints(3), m_hinges(3),
       m_stepCallbacks(*new util::CallbackArgSet<float>())
 {
     m_running->AddChangeCallback(util::MakeCallback(&Simulation::OnRunningChange, this));
@@ -233,25 +233,26 @@ void Simulation::Step(bool run)
     RebuildStepList();
     if (run)
     {
-        CalcForces();
+        const StepContext step = MakeStepContext();
+        CalcForces(step);
         CalcContacts();
-        const float h = m_timeDelta;
+        const float h = step.h;
         if (m_leapFrog)
         {
             // Half the forces before the solve and half after: the solver sees mid-step velocities, and its
             // acceleration term (h / 2) accounts for the half still to come.
             IntegrateVelocity(h / 2.0f);
-            RunSolver();
+            RunSolver(step);
             IntegrateVelocity(h / 2.0f);
             IntegratePosition(h);
         }
         else
         {
-            RunSolver();
+            RunSolver(step);
             IntegrateVelocity(h);
             IntegratePosition(h);
         }
-        SPH::GetInstancePtr()->VelocitySmoothing();
+        SPH::GetInstancePtr()->VelocitySmoothing(step.water);
         // Forces from outside a step (a tool's) act in the next step, and then vanish.
         for (AbstractBody* body : m_stepList)
         {
@@ -282,6 +283,8 @@ void Simulation::RebuildStepList()
     m_firstParticle = m_stepList.size();
     for (const util::SharedPtr<Particle>& particle : m_particles)
         m_stepList.append(particle.get());
+    for (size_t i = 0; i < m_stepList.size(); ++i)
+        m_stepList[i]->SetStepIndex(static_cast<std::uint32_t>(i));
 }
 
 void Simulation::IntegrateVelocity(float dt)
@@ -303,7 +306,7 @@ void Simulation::IntegratePosition(float dt)
         m_stepList[i]->Move(dt);
 }
 
-void Simulation::CalcForces()
+void Simulation::CalcForces(const StepContext& step)
 {
     const util::ScopeProfiler profile("Simulation::CalcForces");
     const float invDt = 1.0f / m_timeDelta;
@@ -383,12 +386,21 @@ void Simulation::CalcForces()
     for (Joint* joint : m_jointOrder)
         joint->ApplyForce();
     if (m_running)
-        SPH::GetInstancePtr()->Update(m_particles, m_timeDelta);
+        SPH::GetInstancePtr()->Update(m_particles, step);
 }
 
 void Simulation::CalcContacts()
 {
     const util::ScopeProfiler profile("Sim::CalcContacts");
+    {
+        // The last step's contacts are remembered by id (where two share one, the later), and let go, so
+        // that the collider's pool can hand them out again. A contact missing for one step is forgotten.
+        const util::ScopeProfiler stage("Update cache");
+        m_contactCache.Begin(m_contacts.size());
+        for (const util::SharedPtr<Contact>& contact : m_contacts)
+            m_contactCache.Remember(*contact);
+        m_contacts.clear();
+    }
     {
         const util::ScopeProfiler stage("Finding contacts");
         m_collider.AssignBodies(m_solidBodiesList, m_particles);
@@ -404,25 +416,20 @@ void Simulation::CalcContacts()
         m_matchedCount = 0;
         for (const util::SharedPtr<Contact>& contact : m_contacts)
         {
-            if (const util::SharedPtr<Contact>* old = m_contactCache.TryGet(contact->GetID()))
+            if (const ContactMemory* old = m_contactCache.Find(contact->GetID()))
             {
-                contact->ReadFrom(**old);
+                contact->ReadFrom(*old);
                 ++m_matchedCount;
             }
         }
     }
-    {
-        // A contact missing for one step is forgotten.
-        const util::ScopeProfiler stage("Update cache");
-        m_contactCache.clear();
-        for (const util::SharedPtr<Contact>& contact : m_contacts)
-            m_contactCache.Insert(contact->GetID(), contact);
-    }
 }
 
-void Simulation::SetupSolver()
+StepContext Simulation::MakeStepContext() const
 {
+    StepContext step;
     const float h = m_timeDelta;
+    step.h = h;
     const float k = m_solveConstant;
     // With leap-frog integration half of this step's forces come after the solve.
     const float accFactor = m_leapFrog ? h / 2.0f : 0.0f;
@@ -434,32 +441,36 @@ void Simulation::SetupSolver()
         params.velocityFactor = 0.0f;
         params.accelerationFactor = accFactor;
         params.regularization = 0.0f;
-        Hinge::s_params = params;
-        Contact::s_params = params;
+        step.hingeParams = params;
+        step.contactParams = params;
     }
     else
     {
-        Hinge::s_params = ConstraintParams(h, m_solveDconstraints, k, accFactor);
-        Contact::s_params = ConstraintParams(h, m_solveDcontacts, k, accFactor);
+        step.hingeParams = ConstraintParams(h, m_solveDconstraints, k, accFactor);
+        step.contactParams = ConstraintParams(h, m_solveDcontacts, k, accFactor);
     }
-    Contact::s_targetPenetration = m_targetPenetration;
+    step.targetPenetration = m_targetPenetration;
+    step.maxPositionCorrection = m_maxPositionCorrection;
+    step.warmStart = m_warmStart;
+    step.warmStartFactor = m_warmStartFactor;
+    step.water = SPH::GetInstancePtr()->MakeKernel();
     const float distFactor = m_solveDistFactor;
     const float velFactor = m_solveVelFactor;
     const float accFactorScale = m_solveAccFactor;
     const float regularizationFactor = m_solveRegularizationFactor;
-    for (ConstraintParams* params : {&Hinge::s_params, &Contact::s_params})
+    for (ConstraintParams* params : {&step.hingeParams, &step.contactParams})
     {
         params->distanceFactor *= distFactor;
         params->velocityFactor *= velFactor;
         params->accelerationFactor *= accFactorScale;
         params->regularization *= regularizationFactor;
     }
+    return step;
 }
 
-void Simulation::RunSolver()
+void Simulation::RunSolver(const StepContext& step)
 {
     const util::ScopeProfiler profile("RunSolver");
-    SetupSolver();
     {
         const util::ScopeProfiler stage("Init bodies");
         for (AbstractBody* body : m_stepList)
@@ -475,25 +486,30 @@ void Simulation::RunSolver()
     for (const util::SharedPtr<Contact>& contact : m_contacts)
         m_solverList.append(contact.get());
     {
+        // A constraint that passes keeps its place for good (the list changes only after it), so the sweeper
+        // packs it now, while it is at hand.
         const util::ScopeProfiler stage("SolveInit");
+        const bool pack = !m_prioritizedSolver;
+        m_sweeper.Begin();
         size_t i = 0;
         while (i < m_solverList.size())
         {
-            if (m_solverList[i]->SolveInit())
+            if (m_solverList[i]->SolveInit(step))
+            {
+                if (pack)
+                    m_sweeper.Add(*m_solverList[i], m_stepList);
                 ++i;
+            }
             else
+            {
                 m_solverList.erase_swap(i);
+            }
         }
     }
     if (m_prioritizedSolver)
         PrioritizedSolver(m_solverList);
     else
         GaussSeidelSolver(m_solverList);
-    {
-        const util::ScopeProfiler stage("SolveExit");
-        for (Constraint* constraint : m_solverList)
-            constraint->SolveExit();
-    }
     {
         const util::ScopeProfiler stage("Applying velchanges");
         for (AbstractBody* body : m_stepList)
@@ -508,24 +524,7 @@ void Simulation::RunSolver()
 
 void Simulation::GaussSeidelSolver(const util::VectorPOD<Constraint*>& list)
 {
-    const util::ScopeProfiler profile("GaussSeidelSolver");
-    // Copied element by element: the storage stays from step to step.
-    m_sweepList.resize(list.size());
-    std::copy(list.begin(), list.end(), m_sweepList.begin());
-    if (m_solvePreSortConstraints.Get())
-    {
-        // The biggest demands are served first in the first sweep.
-        for (Constraint* constraint : m_sweepList)
-            constraint->CalcDesiredImpulse();
-        std::sort(m_sweepList.begin(), m_sweepList.end(), ConstraintComparer());
-    }
-    const int iterations = m_solveIter;
-    for (int i = 0; i < iterations; ++i)
-        for (Constraint* constraint : m_sweepList)
-        {
-            constraint->CalcDesiredImpulse();
-            constraint->ApplyImpulse();
-        }
+    m_sweeper.Run(list, m_stepList, m_solveIter, m_solvePreSortConstraints);
 }
 
 void Simulation::PrioritizedSolver(const util::VectorPOD<Constraint*>& list)
@@ -663,7 +662,7 @@ void Simulation::Clear()
     m_particles.clear();
     m_stepList.clear();
     m_contacts.clear();
-    m_contactCache.clear();
+    m_contactCache.Clear();
     m_timeDebt = 0.0;
     m_matchedCount = 0;
     m_simulatedTime = 0.0;

@@ -2,7 +2,10 @@
 
 #include "math/Math.h"
 #include "physics/CollisionDetection.h"
+#include "physics/ContactCache.h"
 #include "physics/ContactID.h"
+#include "physics/StepContext.h"
+#include "physics/Sweeper.h"
 #include "physics/WorldGeom.h"
 #include "script/AttribWrapper.h"
 #include "script/Reflected.h"
@@ -112,12 +115,12 @@ public:
     // The real-time clock of Update, in seconds. Tests give a clock of their own.
     void SetClock(std::function<double()> clock);
 
-    // The stages of a step.
+    // The stages of a step. The context holds the settings of this step, read once at its start.
+    StepContext MakeStepContext() const;
     void FlushBadBodies();
-    void CalcForces();
+    void CalcForces(const StepContext& step);
     void CalcContacts();
-    void SetupSolver();
-    void RunSolver();
+    void RunSolver(const StepContext& step);
     void GaussSeidelSolver(const util::VectorPOD<Constraint*>& list);
     void PrioritizedSolver(const util::VectorPOD<Constraint*>& list);
     void IntegrateVelocity(float dt);
@@ -194,7 +197,7 @@ private:
     // Where the particles begin in the step list.
     size_t m_firstParticle = 0;
     std::vector<util::SharedPtr<Contact>> m_contacts;
-    util::HashMap<ContactID, util::SharedPtr<Contact>, ContactID::Hasher> m_contactCache;
+    ContactCache m_contactCache;
     unsigned int m_matchedCount = 0;
     double m_timeDebt = 0.0;
     float m_updateBudget = 0.05f;
@@ -213,7 +216,7 @@ private:
     // The joints and hinges of this step in the order they were made.
     util::VectorPOD<Joint*> m_jointOrder;
     util::VectorPOD<Hinge*> m_hingeOrder;
-    util::VectorPOD<Constraint*> m_sweepList;
+    Sweeper m_sweeper;
     std::function<double()> m_clock;
 };
 

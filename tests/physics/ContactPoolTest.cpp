@@ -70,4 +70,50 @@ TEST_F(WorldTest, ContactPool_ASteadySceneMakesNoNewContacts)
     EXPECT_FALSE(ball->IsBad());
 }
 
+// A pool that served a big world and then a small one keeps a few spares, not the big world's contacts,
+// which every step would otherwise look at; a steady world keeps all it uses and makes no new ones.
+TEST_F(WorldTest, ContactPool_GivesBackTheSparesOfAWorldThatShrank)
+{
+    util::SharedPtr<Geom> ground = testing::AddGround();
+    util::SharedPtr<Geom> ball = QLEX_NEW new Circle(math::Vec2(0.0f, 0.4f), 0.5f);
+    testing::AddDynamic(ball);
+    ContactPool pool;
+    const size_t big = 3 * ContactPool::MIN_SPARE_CONTACTS;
+    const auto makeMany = [&](size_t count)
+    {
+        for (size_t i = 0; i < count; ++i)
+            pool.Make(*ground, *ball, static_cast<std::uint32_t>(i), math::Vec2(0, 0), math::Vec2(0, 1),
+                      0.1f);
+    };
+    makeMany(big);
+    const size_t grown = pool.GetSize();
+    EXPECT_GE(grown, big);
+    for (int step = 0; step < 3; ++step)
+    {
+        pool.Reclaim();
+        makeMany(big);
+        EXPECT_EQ(pool.GetSize(), grown) << step;
+    }
+    util::SharedPtr<Contact> held = pool.Make(*ground, *ball, 99, math::Vec2(0, 0), math::Vec2(0, 1), 0.1f);
+    const size_t before = pool.GetSize();
+    pool.Reclaim();
+    // A world that is small for a moment (a heap in the air) keeps its spares; one that stays small doesn't.
+    for (size_t call = 1; call < ContactPool::CALLS_BEFORE_TRIM; ++call)
+    {
+        makeMany(call % 2 == 0 ? 10 : 0);
+        pool.Reclaim();
+    }
+    EXPECT_EQ(pool.GetSize(), before);
+    makeMany(10);
+    pool.Reclaim();
+    const size_t spares = ContactPool::SPARES_AFTER_TRIM * 10 + ContactPool::MIN_SPARE_CONTACTS;
+    EXPECT_EQ(pool.GetFreeCount(), spares);
+    EXPECT_EQ(pool.GetSize(), spares + 1);
+    // The contact held outside stays as it was; a world that comes back to its size keeps the spares.
+    EXPECT_EQ(held->GetID().sub, 99u);
+    makeMany(30);
+    pool.Reclaim();
+    EXPECT_EQ(pool.GetSize(), spares + 1);
+}
+
 } // namespace physics

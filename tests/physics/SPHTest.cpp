@@ -39,7 +39,7 @@ protected:
     void UpdateWater(int times = 1)
     {
         for (int i = 0; i < times; ++i)
-            Water().Update(Sim().GetParticles(), Sim().m_timeDelta);
+            Water().Update(Sim().GetParticles(), Sim().MakeStepContext());
     }
 
     // Each list holds the particle itself and then exactly the particles closer than h, with their exact
@@ -67,14 +67,14 @@ protected:
                     expected[q.get()] = offset;
             }
             ASSERT_EQ(list.size(), expected.size() + 1);
-            double density = mass * SPH::InfluenceKernel(0.0f);
+            double density = mass * Water().MakeKernel().Influence(0.0f);
             for (size_t k = 1; k < list.size(); ++k)
             {
                 const auto found = expected.find(list[k].particle);
                 ASSERT_NE(found, expected.end());
                 EXPECT_EQ(list[k].offset, found->second);
                 EXPECT_FLOAT_EQ(list[k].distance, found->second.Length());
-                density += mass * SPH::InfluenceKernel(list[k].distance);
+                density += mass * Water().MakeKernel().Influence(list[k].distance);
                 expected.erase(found);
             }
             EXPECT_NEAR(p->GetDensity(), density, 1e-4 * density);
