@@ -11,7 +11,8 @@ namespace physics
 namespace
 {
 // Contact::CalcDesiredImpulse on the packed copy, operation for operation.
-template <class Bodies> inline void DesiredImpulse(ContactRow& row, const Bodies& bodies)
+template <class Bodies>
+inline void DesiredImpulse(const ContactRow& row, const Bodies& bodies, float& deltaN, float& deltaT)
 {
     const auto& a = bodies[row.bodyA];
     const auto& b = bodies[row.bodyB];
@@ -19,22 +20,27 @@ template <class Bodies> inline void DesiredImpulse(ContactRow& row, const Bodies
                          (a.velocityChange + math::Cross(a.rotationChange, row.r0));
     const math::Vec2 tangent = math::Rot90CCW(row.normal);
 
-    float deltaN = row.targetN - math::Dot(w, row.normal) * row.activeMassN;
-    const float sumN = std::max(deltaN + row.sumN, 0.0f);
-    row.deltaN = sumN - row.sumN;
+    const float wantN = row.targetN - math::Dot(w, row.normal) * row.activeMassN;
+    const float sumN = std::max(wantN + row.sumN, 0.0f);
+    deltaN = sumN - row.sumN;
 
     const float limit = std::max(row.friction * sumN, 0.0f);
-    const float deltaT = row.targetT - math::Dot(w, tangent) * row.activeMassT;
-    const float sumT = std::min(std::max(deltaT + row.sumT, -limit), limit);
-    row.deltaT = sumT - row.sumT;
+    const float wantT = row.targetT - math::Dot(w, tangent) * row.activeMassT;
+    const float sumT = std::min(std::max(wantT + row.sumT, -limit), limit);
+    deltaT = sumT - row.sumT;
+}
+
+template <class Bodies> inline void DesiredImpulse(ContactRow& row, const Bodies& bodies)
+{
+    DesiredImpulse(row, bodies, row.deltaN, row.deltaT);
 }
 
 // Contact::ApplyImpulse on the packed copy.
-template <class Bodies> inline void ApplyImpulse(ContactRow& row, Bodies& bodies)
+template <class Bodies> inline void ApplyImpulse(ContactRow& row, float deltaN, float deltaT, Bodies& bodies)
 {
     auto& a = bodies[row.bodyA];
     auto& b = bodies[row.bodyB];
-    const math::Vec2 impulse = row.normal * row.deltaN + math::Rot90CCW(row.normal) * row.deltaT;
+    const math::Vec2 impulse = row.normal * deltaN + math::Rot90CCW(row.normal) * deltaT;
     if (row.massInv[0] != 0.0f)
         a.velocityChange -= impulse * row.massInv[0];
     if (row.inertiaInv[0] != 0.0f)
@@ -43,14 +49,22 @@ template <class Bodies> inline void ApplyImpulse(ContactRow& row, Bodies& bodies
         b.velocityChange += impulse * row.massInv[1];
     if (row.inertiaInv[1] != 0.0f)
         b.rotationChange += row.inertiaInv[1] * math::Cross(row.r1, impulse);
-    row.sumN += row.deltaN;
-    row.sumT += row.deltaT;
+    row.sumN += deltaN;
+    row.sumT += deltaT;
 }
 
-template <class Bodies> inline void SolveRow(ContactRow& row, Bodies& bodies)
+// The row's last demand is only read after the sweeps, so all but the last sweep keep it in registers.
+template <bool keepDelta, class Bodies> inline void SolveRow(ContactRow& row, Bodies& bodies)
 {
-    DesiredImpulse(row, bodies);
-    ApplyImpulse(row, bodies);
+    float deltaN;
+    float deltaT;
+    DesiredImpulse(row, bodies, deltaN, deltaT);
+    ApplyImpulse(row, deltaN, deltaT, bodies);
+    if (keepDelta)
+    {
+        row.deltaN = deltaN;
+        row.deltaT = deltaT;
+    }
 }
 } // namespace
 
@@ -198,8 +212,14 @@ void Sweeper::SweepRows(int iterations)
     const size_t count = m_rows.size();
     SolverBody* const solverBodies = m_bodies.data();
     for (int i = 0; i < iterations; ++i)
-        for (size_t k = 0; k < count; ++k)
-            SolveRow(rows[k], solverBodies);
+    {
+        if (i + 1 < iterations)
+            for (size_t k = 0; k < count; ++k)
+                SolveRow<false>(rows[k], solverBodies);
+        else
+            for (size_t k = 0; k < count; ++k)
+                SolveRow<true>(rows[k], solverBodies);
+    }
 }
 
 void Sweeper::SweepMixed(int iterations)
@@ -211,7 +231,7 @@ void Sweeper::SweepMixed(int iterations)
             if (entry.row == NOT_A_ROW)
                 SolveOther(*entry.constraint);
             else
-                SolveRow(m_rows[entry.row], solverBodies);
+                SolveRow<true>(m_rows[entry.row], solverBodies);
         }
 }
 void Sweeper::SolveOther(Constraint& constraint)
