@@ -17,6 +17,19 @@ class Constraint;
 // array in sweep order and the velocity changes one small array by the bodies' places in the step's list.
 // The arithmetic is the constraints' own, in the same order, so that results are the same bit for bit.
 // Other constraints (hinges) keep their own code and see their bodies' velocity changes as usual.
+// An entry of a ranking: its key and its place in the list ranked.
+struct Ranked
+{
+    std::uint32_t key;
+    std::uint32_t index;
+};
+// A key whose ascending order is the descending order of the priority; equal priorities (both zeros alike)
+// get equal keys.
+std::uint32_t RankKey(float priority);
+// Sorts by key, ties in an order scrambled from their places, the same for the same input; `spare` is
+// storage kept between calls.
+void SortRanked(util::VectorPOD<Ranked>& ranked, util::VectorPOD<Ranked>& spare);
+
 class Sweeper
 {
 public:
@@ -43,11 +56,6 @@ private:
         std::uint32_t row;
     };
     static constexpr std::uint32_t NOT_A_ROW = 0xFFFFFFFFu;
-    struct Ranked
-    {
-        float priority;
-        std::uint32_t index;
-    };
 
     // The body's place in the step's list, or false where the list doesn't hold it.
     bool IndexOf(const AbstractBody* body, const util::VectorPOD<AbstractBody*>& bodies,
@@ -68,6 +76,7 @@ private:
     util::VectorPOD<ContactRow> m_listRows;
     util::VectorPOD<Entry> m_listEntries;
     util::VectorPOD<Ranked> m_ranked;
+    util::VectorPOD<Ranked> m_rankedSpare;
     util::VectorPOD<ContactRow> m_rows;
     // Where each row of the order given went in sweep order.
     util::VectorPOD<std::uint32_t> m_sortedRowOf;
