@@ -11,12 +11,6 @@ namespace physics
 class AbstractBody;
 class Constraint;
 
-// The Gauss-Seidel sweeps of a solve, over a compact copy of the constraints. Thousands of contacts swept
-// thirty times a step are bound by memory, not arithmetic: each contact lives in an object of its own and
-// each body in a large one, visited in the order of the sort by priority. Here the contacts are rows of one
-// array in sweep order and the velocity changes one small array by the bodies' places in the step's list.
-// The arithmetic is the constraints' own, in the same order, so that results are the same bit for bit.
-// Other constraints (hinges) keep their own code and see their bodies' velocity changes as usual.
 // An entry of a ranking: its key and its place in the list ranked.
 struct Ranked
 {
@@ -30,6 +24,12 @@ std::uint32_t RankKey(float priority);
 // storage kept between calls.
 void SortRanked(util::VectorPOD<Ranked>& ranked, util::VectorPOD<Ranked>& spare);
 
+// The Gauss-Seidel sweeps of a solve, over a compact copy of the constraints. Thousands of contacts swept
+// thirty times a step are bound by memory, not arithmetic: each contact lives in an object of its own and
+// each body in a large one, visited in the order of the sort by priority. Here the contacts are rows of one
+// array in sweep order and the velocity changes one small array by the bodies' places in the step's list.
+// The arithmetic is the constraints' own, in the same order, so that results are the same bit for bit.
+// Other constraints (hinges) keep their own code and see their bodies' velocity changes as usual.
 class Sweeper
 {
 public:
