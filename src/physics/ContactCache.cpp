@@ -6,6 +6,7 @@ void ContactCache::Begin(size_t count)
 {
     m_memory.clear();
     m_ids.clear();
+    m_next = 0;
     Reserve(count);
 }
 
@@ -61,13 +62,21 @@ const ContactMemory* ContactCache::Find(const ContactID& id) const
 {
     if (m_memory.empty())
         return nullptr;
+    // A step finds its contacts in about the order of the last one's: the entry after the last one found
+    // is tried first, which spares most lookups a probe into the table. Ids are remembered once each, so
+    // a match there is the entry the table holds.
+    if (m_next < m_ids.size() && m_ids[m_next] == id)
+        return &m_memory[m_next++];
     for (std::uint32_t i = id.hash & m_mask;; i = (i + 1) & m_mask)
     {
         const Slot& slot = m_slots[i];
         if (slot.generation != m_generation)
             return nullptr;
         if (slot.id == id)
+        {
+            m_next = slot.memory + 1;
             return &m_memory[slot.memory];
+        }
     }
 }
 

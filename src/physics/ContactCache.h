@@ -37,6 +37,8 @@ private:
     // The id of each entry of m_memory, for growing.
     util::VectorPOD<ContactID> m_ids;
     std::uint32_t m_mask = 0;
+    // Where Find looks first.
+    mutable std::uint32_t m_next = 0;
     std::uint32_t m_generation = 0;
 };
 

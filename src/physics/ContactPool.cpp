@@ -16,9 +16,8 @@ bool OnlyPoolHolds(const util::SharedPtr<Contact>& contact)
 
 void ContactPool::Reclaim()
 {
-    size_t spare = 0;
-    for (const util::SharedPtr<Contact>& contact : m_contacts)
-        spare += OnlyPoolHolds(contact) ? 1 : 0;
+    CollectFree();
+    const size_t spare = m_free.size();
     // Every step looks at every contact of the pool: a world that shrank far (a heap erased, a new scene)
     // and stays small gives back what it no longer needs instead of paying for it each step, down to twice
     // its greatest need of that time. The gap between the bounds, and the wait, keep a world whose contacts
@@ -47,7 +46,12 @@ void ContactPool::Reclaim()
             }
         m_contacts.erase(std::remove(m_contacts.begin(), m_contacts.end(), util::SharedPtr<Contact>()),
                          m_contacts.end());
+        CollectFree();
     }
+}
+
+void ContactPool::CollectFree()
+{
     // Backwards, so that contacts are handed out from the back in the order they were made.
     m_free.clear();
     for (size_t i = m_contacts.size(); i-- > 0;)

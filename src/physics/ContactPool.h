@@ -42,6 +42,9 @@ public:
     }
 
 private:
+    // m_free: every contact that only the pool holds.
+    void CollectFree();
+
     std::vector<util::SharedPtr<Contact>> m_contacts;
     util::VectorPOD<Contact*> m_free;
     bool m_overflowed = false;

@@ -5,13 +5,15 @@
 #include "util/Profiler.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace physics
 {
 namespace
 {
 // Contact::CalcDesiredImpulse on the packed copy, operation for operation.
-template <class Bodies> inline void DesiredImpulse(ContactRow& row, const Bodies& bodies)
+template <class Bodies>
+inline void DesiredImpulse(const ContactRow& row, const Bodies& bodies, float& deltaN, float& deltaT)
 {
     const auto& a = bodies[row.bodyA];
     const auto& b = bodies[row.bodyB];
@@ -19,22 +21,27 @@ template <class Bodies> inline void DesiredImpulse(ContactRow& row, const Bodies
                          (a.velocityChange + math::Cross(a.rotationChange, row.r0));
     const math::Vec2 tangent = math::Rot90CCW(row.normal);
 
-    float deltaN = row.targetN - math::Dot(w, row.normal) * row.activeMassN;
-    const float sumN = std::max(deltaN + row.sumN, 0.0f);
-    row.deltaN = sumN - row.sumN;
+    const float wantN = row.targetN - math::Dot(w, row.normal) * row.activeMassN;
+    const float sumN = std::max(wantN + row.sumN, 0.0f);
+    deltaN = sumN - row.sumN;
 
     const float limit = std::max(row.friction * sumN, 0.0f);
-    const float deltaT = row.targetT - math::Dot(w, tangent) * row.activeMassT;
-    const float sumT = std::min(std::max(deltaT + row.sumT, -limit), limit);
-    row.deltaT = sumT - row.sumT;
+    const float wantT = row.targetT - math::Dot(w, tangent) * row.activeMassT;
+    const float sumT = std::min(std::max(wantT + row.sumT, -limit), limit);
+    deltaT = sumT - row.sumT;
+}
+
+template <class Bodies> inline void DesiredImpulse(ContactRow& row, const Bodies& bodies)
+{
+    DesiredImpulse(row, bodies, row.deltaN, row.deltaT);
 }
 
 // Contact::ApplyImpulse on the packed copy.
-template <class Bodies> inline void ApplyImpulse(ContactRow& row, Bodies& bodies)
+template <class Bodies> inline void ApplyImpulse(ContactRow& row, float deltaN, float deltaT, Bodies& bodies)
 {
     auto& a = bodies[row.bodyA];
     auto& b = bodies[row.bodyB];
-    const math::Vec2 impulse = row.normal * row.deltaN + math::Rot90CCW(row.normal) * row.deltaT;
+    const math::Vec2 impulse = row.normal * deltaN + math::Rot90CCW(row.normal) * deltaT;
     if (row.massInv[0] != 0.0f)
         a.velocityChange -= impulse * row.massInv[0];
     if (row.inertiaInv[0] != 0.0f)
@@ -43,16 +50,73 @@ template <class Bodies> inline void ApplyImpulse(ContactRow& row, Bodies& bodies
         b.velocityChange += impulse * row.massInv[1];
     if (row.inertiaInv[1] != 0.0f)
         b.rotationChange += row.inertiaInv[1] * math::Cross(row.r1, impulse);
-    row.sumN += row.deltaN;
-    row.sumT += row.deltaT;
+    row.sumN += deltaN;
+    row.sumT += deltaT;
 }
 
-template <class Bodies> inline void SolveRow(ContactRow& row, Bodies& bodies)
+// The row's last demand is only read after the sweeps, so all but the last sweep keep it in registers.
+template <bool keepDelta, class Bodies> inline void SolveRow(ContactRow& row, Bodies& bodies)
 {
-    DesiredImpulse(row, bodies);
-    ApplyImpulse(row, bodies);
+    float deltaN;
+    float deltaT;
+    DesiredImpulse(row, bodies, deltaN, deltaT);
+    ApplyImpulse(row, deltaN, deltaT, bodies);
+    if (keepDelta)
+    {
+        row.deltaN = deltaN;
+        row.deltaT = deltaT;
+    }
 }
 } // namespace
+
+std::uint32_t RankKey(float priority)
+{
+    if (priority == 0.0f)
+        priority = 0.0f;
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &priority, sizeof bits);
+    const std::uint32_t ascending = (bits & 0x80000000u) != 0 ? ~bits : bits | 0x80000000u;
+    return ~ascending;
+}
+
+void SortRanked(util::VectorPOD<Ranked>& ranked, util::VectorPOD<Ranked>& spare)
+{
+    // Least significant digit first, each pass stable. Ties go in an order scrambled from their places in
+    // the list given, so that tied contacts (most of a resting heap's, at zero) are not swept in the
+    // collider's order, across the heap in the same direction every step. A digit that all keys share
+    // costs one look at the counts.
+    constexpr int DIGIT_BITS = 11;
+    constexpr std::uint32_t DIGITS = 1u << DIGIT_BITS;
+    constexpr int PASSES = 4;
+    const auto digit = [](const Ranked& entry, int pass) -> std::uint32_t
+    {
+        if (pass == 0)
+            return (entry.index * 2654435761u) >> (32 - DIGIT_BITS);
+        return (entry.key >> ((pass - 1) * DIGIT_BITS)) & (DIGITS - 1);
+    };
+    std::uint32_t counts[PASSES][DIGITS] = {};
+    const size_t count = ranked.size();
+    for (const Ranked& entry : ranked)
+        for (int pass = 0; pass < PASSES; ++pass)
+            ++counts[pass][digit(entry, pass)];
+    spare.resize(count);
+    for (int pass = 0; pass < PASSES; ++pass)
+    {
+        std::uint32_t* const starts = counts[pass];
+        if (count == 0 || starts[digit(ranked[0], pass)] == count)
+            continue;
+        std::uint32_t start = 0;
+        for (std::uint32_t d = 0; d < DIGITS; ++d)
+        {
+            const std::uint32_t n = starts[d];
+            starts[d] = start;
+            start += n;
+        }
+        for (const Ranked& entry : ranked)
+            spare[starts[digit(entry, pass)]++] = entry;
+        ranked.swap(spare);
+    }
+}
 
 bool Sweeper::IndexOf(const AbstractBody* body, const util::VectorPOD<AbstractBody*>& bodies,
                       std::uint32_t& index) const
@@ -124,9 +188,15 @@ void Sweeper::RunOnConstraints(const util::VectorPOD<Constraint*>& constraints, 
     std::copy(constraints.begin(), constraints.end(), m_sweepOrder.begin());
     if (presort)
     {
-        for (Constraint* constraint : m_sweepOrder)
-            constraint->CalcDesiredImpulse();
-        std::sort(m_sweepOrder.begin(), m_sweepOrder.end(), ConstraintComparer());
+        m_ranked.resize(constraints.size());
+        for (size_t i = 0; i < constraints.size(); ++i)
+        {
+            constraints[i]->CalcDesiredImpulse();
+            m_ranked[i] = Ranked{RankKey(constraints[i]->GetPriority()), static_cast<std::uint32_t>(i)};
+        }
+        SortRanked(m_ranked, m_rankedSpare);
+        for (size_t k = 0; k < m_ranked.size(); ++k)
+            m_sweepOrder[k] = constraints[m_ranked[k].index];
     }
     for (int i = 0; i < iterations; ++i)
         for (Constraint* constraint : m_sweepOrder)
@@ -164,15 +234,11 @@ void Sweeper::Order(bool presort)
             DesiredImpulse(row, m_bodies);
             priority = row.deltaN * row.deltaN + row.deltaT * row.deltaT;
         }
-        m_ranked[i] = Ranked{priority, static_cast<std::uint32_t>(i)};
+        m_ranked[i] = Ranked{RankKey(priority), static_cast<std::uint32_t>(i)};
     }
+    // The biggest demands are served first in the first sweep.
     if (presort)
-    {
-        // The biggest demands are served first in the first sweep. The comparisons are those of
-        // ConstraintComparer on the same keys in the same places, so the order is the one it would give.
-        std::sort(m_ranked.begin(), m_ranked.end(),
-                  [](const Ranked& a, const Ranked& b) { return a.priority > b.priority; });
-    }
+        SortRanked(m_ranked, m_rankedSpare);
     m_rows.resize(m_listRows.size());
     m_sortedRowOf.resize(m_listRows.size());
     m_entries.resize(count);
@@ -198,8 +264,14 @@ void Sweeper::SweepRows(int iterations)
     const size_t count = m_rows.size();
     SolverBody* const solverBodies = m_bodies.data();
     for (int i = 0; i < iterations; ++i)
-        for (size_t k = 0; k < count; ++k)
-            SolveRow(rows[k], solverBodies);
+    {
+        if (i + 1 < iterations)
+            for (size_t k = 0; k < count; ++k)
+                SolveRow<false>(rows[k], solverBodies);
+        else
+            for (size_t k = 0; k < count; ++k)
+                SolveRow<true>(rows[k], solverBodies);
+    }
 }
 
 void Sweeper::SweepMixed(int iterations)
@@ -211,7 +283,7 @@ void Sweeper::SweepMixed(int iterations)
             if (entry.row == NOT_A_ROW)
                 SolveOther(*entry.constraint);
             else
-                SolveRow(m_rows[entry.row], solverBodies);
+                SolveRow<true>(m_rows[entry.row], solverBodies);
         }
 }
 void Sweeper::SolveOther(Constraint& constraint)

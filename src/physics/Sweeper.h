@@ -11,6 +11,19 @@ namespace physics
 class AbstractBody;
 class Constraint;
 
+// An entry of a ranking: its key and its place in the list ranked.
+struct Ranked
+{
+    std::uint32_t key;
+    std::uint32_t index;
+};
+// A key whose ascending order is the descending order of the priority; equal priorities (both zeros alike)
+// get equal keys.
+std::uint32_t RankKey(float priority);
+// Sorts by key, ties in an order scrambled from their places, the same for the same input; `spare` is
+// storage kept between calls.
+void SortRanked(util::VectorPOD<Ranked>& ranked, util::VectorPOD<Ranked>& spare);
+
 // The Gauss-Seidel sweeps of a solve, over a compact copy of the constraints. Thousands of contacts swept
 // thirty times a step are bound by memory, not arithmetic: each contact lives in an object of its own and
 // each body in a large one, visited in the order of the sort by priority. Here the contacts are rows of one
@@ -43,11 +56,6 @@ private:
         std::uint32_t row;
     };
     static constexpr std::uint32_t NOT_A_ROW = 0xFFFFFFFFu;
-    struct Ranked
-    {
-        float priority;
-        std::uint32_t index;
-    };
 
     // The body's place in the step's list, or false where the list doesn't hold it.
     bool IndexOf(const AbstractBody* body, const util::VectorPOD<AbstractBody*>& bodies,
@@ -68,6 +76,7 @@ private:
     util::VectorPOD<ContactRow> m_listRows;
     util::VectorPOD<Entry> m_listEntries;
     util::VectorPOD<Ranked> m_ranked;
+    util::VectorPOD<Ranked> m_rankedSpare;
     util::VectorPOD<ContactRow> m_rows;
     // Where each row of the order given went in sweep order.
     util::VectorPOD<std::uint32_t> m_sortedRowOf;

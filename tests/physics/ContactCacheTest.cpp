@@ -50,6 +50,21 @@ TEST_F(ContactCacheTest, FindsWhatTheLastStepRememberedByIdAndNothingOlder)
     }
     EXPECT_EQ(cache.Find(ContactID(a->GetId(), b->GetId(), 300)), nullptr);
     EXPECT_EQ(cache.Find(ContactID(a->GetId(), a->GetId(), 0)), nullptr);
+    // Out of the order remembered (backwards, by threes, with misses between) each id finds its own entry.
+    for (std::uint32_t sub = 300; sub-- > 0;)
+    {
+        for (std::uint32_t id : {(sub * 3) % 300, 1000 + sub, sub})
+        {
+            const ContactMemory* found = cache.Find(ContactID(a->GetId(), b->GetId(), id));
+            if (id >= 300)
+            {
+                ASSERT_EQ(found, nullptr) << id;
+                continue;
+            }
+            ASSERT_NE(found, nullptr) << id;
+            EXPECT_EQ(found->sumN, id == 7 ? 70.0f : float(id));
+        }
+    }
 
     // A new step forgets the last: only what it remembers is found.
     cache.Begin(1);

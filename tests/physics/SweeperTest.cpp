@@ -1,5 +1,6 @@
 // The packed sweeps are the constraints' own arithmetic in the same order: a solve through them leaves
-// bodies and impulses bit for bit where the constraints' own calls leave them.
+// bodies and impulses bit for bit where the constraints' own calls leave them. The ranking puts the
+// greatest priority first, whatever the priorities.
 #include "WorldTest.h"
 
 #include "physics/Box.h"
@@ -8,7 +9,10 @@
 #include "physics/Hinge.h"
 #include "physics/Sweeper.h"
 
+#include <algorithm>
 #include <cstring>
+#include <functional>
+#include <random>
 
 namespace physics
 {
@@ -121,6 +125,56 @@ TEST_F(SweeperTest, PackedSweepsLeaveBodiesAndImpulsesAsTheConstraintsOwnCalls)
         ASSERT_EQ(own.bits.size(), packed.bits.size());
         for (size_t i = 0; i < own.bits.size(); ++i)
             ASSERT_EQ(own.bits[i], packed.bits[i]) << "value " << i << (presort ? ", presorted" : "");
+    }
+}
+
+TEST(SweeperRankingTest, GreatestPriorityFirstAndTiesTogetherTheSameEveryTime)
+{
+    // Mostly zeros of either sign, as in a resting heap, among repeated, tiny, huge and negative values;
+    // sizes around the digit width and beyond it.
+    std::mt19937 random(7);
+    const float values[] = {0.0f, -0.0f, 1e-30f, 3.5f, 3.5f, 1e30f, -2.0f, 7e-3f};
+    util::VectorPOD<Ranked> spare;
+    for (size_t count : {size_t(0), size_t(1), size_t(5), size_t(2049), size_t(20000)})
+    {
+        std::vector<float> priorities(count);
+        for (float& priority : priorities)
+        {
+            const std::uint32_t pick = random() % 16;
+            priority = pick < 8    ? values[pick % 2]
+                       : pick < 14 ? values[pick - 6]
+                                   : float(random() % 1000) * 0.01f;
+        }
+        const auto rank = [&]
+        {
+            util::VectorPOD<Ranked> ranked;
+            for (size_t i = 0; i < count; ++i)
+                ranked.append(Ranked{RankKey(priorities[i]), static_cast<std::uint32_t>(i)});
+            SortRanked(ranked, spare);
+            return ranked;
+        };
+        const util::VectorPOD<Ranked> ranked = rank();
+        ASSERT_EQ(ranked.size(), count);
+        std::vector<float> expected = priorities;
+        std::sort(expected.begin(), expected.end(), std::greater<float>());
+        std::vector<bool> seen(count, false);
+        bool tiesInGivenOrder = true;
+        for (size_t k = 0; k < count; ++k)
+        {
+            ASSERT_LT(ranked[k].index, count);
+            ASSERT_FALSE(seen[ranked[k].index]) << "index " << ranked[k].index << " twice";
+            seen[ranked[k].index] = true;
+            ASSERT_EQ(priorities[ranked[k].index], expected[k]) << "place " << k << " of " << count;
+            if (k > 0 && priorities[ranked[k].index] == priorities[ranked[k - 1].index])
+                tiesInGivenOrder = tiesInGivenOrder && ranked[k].index > ranked[k - 1].index;
+        }
+        const util::VectorPOD<Ranked> again = rank();
+        for (size_t k = 0; k < count; ++k)
+            ASSERT_EQ(again[k].index, ranked[k].index);
+        if (count > 1000)
+        {
+            EXPECT_FALSE(tiesInGivenOrder) << "ties are swept in the collider's order";
+        }
     }
 }
 } // namespace
