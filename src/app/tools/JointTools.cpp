@@ -2,11 +2,10 @@
 
 #include "app/AppSettings.h"
 #include "app/Scene.h"
-#include "app/Snapshot.h"
-#include "app/Undoer.h"
 #include "app/entities/FixJointEntity.h"
 #include "app/entities/HingeEntity.h"
 #include "app/entities/PenEntity.h"
+#include "app/tools/ToolActions.h"
 #include "input/Key.h"
 
 namespace app
@@ -36,9 +35,7 @@ void ClickJointTool::OnClick(const input::ClickEvent& event)
     // A joint needs something to join; a click elsewhere goes on to select or to close a popup.
     if (!scene.GetEntityAt(p))
         return;
-    const SnapshotPtr before = Snapshot::TakeSnapshot();
-    scene.AddEntity(Make(p));
-    Undoer::GetInstancePtr()->AddUndo(before, UndoName());
+    AddUndoable(Make(p), UndoName());
     event.SetHandled();
 }
 

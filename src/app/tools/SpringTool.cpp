@@ -2,8 +2,7 @@
 
 #include "app/AppSettings.h"
 #include "app/Scene.h"
-#include "app/Snapshot.h"
-#include "app/Undoer.h"
+#include "app/tools/ToolActions.h"
 #include "input/Key.h"
 #include "physics/Simulation.h"
 
@@ -62,9 +61,7 @@ void SpringTool::OnDragEnd(const input::DragEvent& event)
         return;
     }
     m_spring->AttachToWorld(m_geom, StartPoint(), end, p);
-    const SnapshotPtr before = Snapshot::TakeSnapshot();
-    scene.AddEntity(m_spring);
-    Undoer::GetInstancePtr()->AddUndo(before, "UndoSpring");
+    AddUndoable(m_spring, "UndoSpring");
     m_spring = nullptr;
     SetInUse(false);
     event.SetHandled();

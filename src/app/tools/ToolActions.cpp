@@ -5,7 +5,6 @@
 #include "app/Scene.h"
 #include "app/Snapshot.h"
 #include "app/Undoer.h"
-#include "input/Input.h"
 #include "input/Key.h"
 #include "rendering/GLContext.h"
 #include "rendering/Renderer.h"
@@ -35,7 +34,7 @@ void DrawLine(const Line& line)
 
 bool IsShiftHeld()
 {
-    return input::Input::GetInstancePtr()->CheckModifier(input::Shift);
+    return Scene::GetInstancePtr()->IsModifierHeld(input::Shift);
 }
 
 math::Vec2 ToWorld(const math::Vec2& guiPos)
